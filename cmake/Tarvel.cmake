@@ -1,0 +1,49 @@
+# What every target of this tree shares: warnings, sanitizers, include paths.
+
+add_library(tarvel_options INTERFACE)
+target_compile_options(tarvel_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_compile_definitions(tarvel_options INTERFACE QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS)
+if(TARVEL_SANITIZE)
+    target_compile_options(tarvel_options INTERFACE
+        -fsanitize=${TARVEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(tarvel_options INTERFACE -fsanitize=${TARVEL_SANITIZE})
+endif()
+
+# tarvel_library(folder SOURCES ... LINK ... PRIVATE ...)
+#
+# One static library for one folder of src/. Its headers are reached through an
+# include folder of its own that holds nothing but that folder, so a header of a
+# library that is not linked cannot be included.
+function(tarvel_library folder)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE" ${ARGN})
+    set(target tarvel_${folder})
+    set(include_root ${PROJECT_BINARY_DIR}/include/${folder})
+    file(MAKE_DIRECTORY ${include_root})
+    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${folder} ${include_root}/${folder} SYMBOLIC)
+
+    add_library(${target} STATIC ${ARG_SOURCES})
+    target_include_directories(${target} PUBLIC ${include_root})
+    target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE tarvel_options ${ARG_PRIVATE})
+endfunction()
+
+# tarvel_test(name SOURCES ... LINK ... LABELS ...)
+#
+# One test executable for one folder of tests/; its cases are single CTest tests.
+function(tarvel_test name)
+    cmake_parse_arguments(ARG "WIDGETS" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+    set(target tarvel_test_${name})
+    add_executable(${target} ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/TestMain.cpp)
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_link_libraries(${target} PRIVATE
+        tarvel_options GTest::gtest GTest::gmock Qt6::Core Qt6::Gui Qt6::Test ${ARG_LINK})
+    if(ARG_WIDGETS)
+        target_compile_definitions(${target} PRIVATE TARVEL_TEST_WIDGETS)
+        target_link_libraries(${target} PRIVATE Qt6::Widgets)
+    endif()
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 300)
+    endif()
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+        PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT ${ARG_TIMEOUT})
+endfunction()

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "disc/DiscModel.h"
+#include "disc/DriveDevice.h"
+
+#include <QByteArray>
+#include <QFile>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+/// The one object through which a disc is read: a physical drive or a CUE image.
+///
+/// Every read returns exactly RAW_SECTOR_BYTES bytes, or an empty array for a
+/// failure. Nothing throws. No lock is held: one thread uses it at a time.
+class CdDrive {
+public:
+    CdDrive();
+    ~CdDrive();
+    CdDrive(const CdDrive&) = delete;
+    CdDrive& operator=(const CdDrive&) = delete;
+
+    /// Letter texts of the optical drives, in order.
+    static QStringList enumerateDrives();
+
+    /// Opens a physical drive by its letter text; closes what was open.
+    bool open(const QString& letter);
+    /// Parses the sheet and opens the first track's file; closes what was open.
+    bool openCue(const QString& path);
+    void close();
+
+    /// Parses a CUE sheet; needs no drive. A sheet that yields nothing has no tracks.
+    static DiscToc parseCue(const QString& path);
+
+    DiscToc readToc();
+    QByteArray readSector(quint32 lba);
+    /// For a re-read: moves the head away first, so that the drive's cache is left behind.
+    QByteArray readSectorFresh(quint32 lba);
+    /// Makes a physical drive leave its cache by a far read; nothing on an image.
+    void flushDriveCache(quint32 lba);
+
+    /// Whether READ CD delivers believable C2 pointers at this sector.
+    bool probeC2(quint32 lba);
+    void setC2Enabled(bool on);
+    bool isUsb();
+    /// "Vendor - Product", or less where the drive tells less; empty for an image.
+    QString queryModel();
+
+    bool isImage() const { return image; }
+    QString name() const { return driveName; }
+    int readOffset() const { return offsetSamples; }
+    void setReadOffset(int samples) { offsetSamples = samples; }
+    quint32 lastRetries() const { return retriesOfLastRead; }   ///< failed attempts before the last batch
+    quint32 lastC2Errors() const { return c2OfLastRead; }
+    quint32 speedKBs() const { return speed; }                  ///< average since the first batch, KiB/s
+    bool c2Enabled() const { return c2On; }
+
+private:
+    QByteArray readImageSector(quint32 lba);
+    QByteArray readBatch(quint32 lba);
+    bool attemptBatch(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts);
+    bool readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts);
+    quint32 boundedBatch(quint32 lba) const;
+    void keepBatch(quint32 lba, quint32 count, QByteArray data, QList<int> c2Counts);
+    void updateSpeed(qint64 started, quint32 count);
+    void emptyCache();
+
+    static constexpr quint32 noBatch = 0xFFFFFFFF;
+
+    std::unique_ptr<DriveDevice> device;
+    DiscToc imageDisc;
+    QFile imageFile;
+    bool image = false;
+    QString driveName;
+    int offsetSamples = 0;
+
+    QByteArray batchCache;
+    quint32 batchStartLba = noBatch;
+    quint32 batchCount = 0;
+    QList<int> batchC2Counts;
+
+    bool c2Supported = false;
+    bool c2On = false;
+    quint32 sectorLimit = 0; ///< lead-out; 0 means no bound
+
+    quint64 bytesRead = 0;
+    qint64 firstReadTime = 0;
+    bool timingStarted = false;
+    quint32 retriesOfLastRead = 0;
+    quint32 c2OfLastRead = 0;
+    quint32 speed = 0;
+};

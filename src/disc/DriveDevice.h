@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <optional>
+#include <span>
+
+/// The answer to one command sent to a drive. Anything but a whole, clean
+/// transfer is not ok.
+struct DriveReply {
+    bool ok = false;
+    int errorNumber = 0; ///< the platform's error, for the debug log
+};
+
+/// What the platform says of a drive without asking the disc.
+struct DriveDescriptor {
+    QByteArray vendor;  ///< Latin-1, as reported, blanks included
+    QByteArray product;
+    bool usb = false;
+};
+
+/// An open optical drive. Implementations carry commands and nothing else:
+/// retries, limits and judgement stand in CdDrive. One thread at a time.
+class DriveDevice {
+public:
+    virtual ~DriveDevice() = default;
+
+    /// Asks whether a medium is there; the answer is not needed for a read.
+    virtual DriveReply checkVerify() = 0;
+
+    /// Fills the table of contents: 804 bytes, length, first and last track,
+    /// then 100 entries of 8 bytes with control in byte 1 and the address as
+    /// minute, second, frame in bytes 5 to 7.
+    virtual DriveReply readToc(std::span<quint8, 804> table) = 0;
+
+    /// Reads whole audio sectors. A read that hangs is cancelled after 3 s when
+    /// guarded, and fails.
+    virtual DriveReply readRaw(quint32 lba, quint32 count, std::span<quint8> data, bool guarded) = 0;
+
+    /// Sends a command block that reads; ok only when all of `data` came.
+    virtual DriveReply passThrough(std::span<const quint8> command, std::span<quint8> data) = 0;
+
+    virtual std::optional<DriveDescriptor> descriptor() = 0;
+};

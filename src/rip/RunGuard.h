@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+
+/// What a disc run needs of the platform while it lasts: raised priority of the
+/// process and the running thread, a fine timer, and no system sleep. Each part
+/// may be refused by the system; a run goes on all the same.
+class RunGuard {
+public:
+    virtual ~RunGuard() = default;
+    virtual void begin() = 0;
+    virtual void end() = 0; ///< puts everything back as it was
+};
+
+/// The guard in use; the machine's own unless a test has put another there.
+RunGuard& runGuard();
+
+/// Puts another guard in place for its lifetime; before any run starts.
+class RunGuardOverride {
+public:
+    explicit RunGuardOverride(RunGuard& replacement);
+    ~RunGuardOverride();
+    RunGuardOverride(const RunGuardOverride&) = delete;
+    RunGuardOverride& operator=(const RunGuardOverride&) = delete;
+
+private:
+    RunGuard* previous;
+};
+
+/// The guard of the machine this was built for.
+std::unique_ptr<RunGuard> makeRunGuard();
