@@ -4,6 +4,8 @@
 #include "base/Language.h"
 #include "ui/Fonts.h"
 #include "ui/MainWindow.h"
+#include "ui/ProgramInfo.h"
+#include "ui/Resources.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -340,10 +342,11 @@ int main(int argc, char** argv)
     // The walk answers Qt's own file dialog; that of a desktop lies beyond its reach.
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Tarvel CD Ripper"));
-    QApplication::setApplicationVersion(QStringLiteral("2.0.0"));
+    QApplication::setApplicationName(QLatin1String(programinfo::name));
+    QApplication::setApplicationVersion(QLatin1String(programinfo::version));
+    initResources();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon.ico")));
-    QApplication::setOrganizationName(QStringLiteral("VEDRANO"));
+    QApplication::setOrganizationName(QLatin1String(programinfo::organisation));
 
     const TourOptions options = readOptions(application);
     if (!QDir().mkpath(options.shots) || !QDir().mkpath(options.output))
