@@ -141,7 +141,7 @@ TEST(RipRelay, HoldsAWorkerThatRunsFarAheadAndLetsItGoOn)
     while (emitted < RipRelay::waitingLimit)
         QThread::msleep(1);
     QThread::msleep(50);
-    EXPECT_EQ(emitted, RipRelay::waitingLimit + 1);
+    EXPECT_EQ(emitted.load(), RipRelay::waitingLimit + 1);
     EXPECT_FALSE(emitter.done);
 
     EXPECT_TRUE(QTest::qWaitFor([&] { return received == sectors; }, 10000));
