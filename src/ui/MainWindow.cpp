@@ -15,12 +15,15 @@
 
 #include <QComboBox>
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QRegularExpression>
+#include <QScrollArea>
 #include <QSettings>
 #include <QSpinBox>
 #include <QStackedWidget>
@@ -90,7 +93,10 @@ MainWindow::~MainWindow()
                 delete rip.worker;
             continue;
         }
-        // A rip that hangs keeps its thread and the drive; both outlive the window.
+        // A rip that hangs keeps its thread and the drive, which outlive the window,
+        // and what it was writing is no track.
+        if (!rip.ended)
+            QFile::remove(rip.worker->unfinishedFile());
         rip.thread->setParent(nullptr);
         static_cast<void>(drive.release());
     }

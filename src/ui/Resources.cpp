@@ -1,6 +1,5 @@
 #include "ui/Resources.h"
 
-#include <QtGlobal>
 #include <QDir>
 
 void initResources()
