@@ -1,6 +1,7 @@
 #include "secure/ParanoiaReader.h"
 
-#include <QMap>
+#include "secure/SectorVote.h"
+
 #include <QtEndian>
 
 #include <algorithm>
@@ -8,30 +9,9 @@
 
 namespace {
 
-constexpr int trustedVotes = 3;  // ends the voting early
-constexpr int acceptedVotes = 2; // enough once the attempts are used up
-
 // 2 GiB of audio, over three hours: no disc holds that, but a sheet with absurd
 // times asks for it.
 constexpr quint32 maxTrackSectors = 0x7FFFFFFF / RAW_SECTOR_BYTES;
-
-using Votes = QMap<QByteArray, int>;
-
-QByteArray silence()
-{
-    return QByteArray(RAW_SECTOR_BYTES, '\0');
-}
-
-// The lowest key wins a tie.
-Votes::const_iterator mostVoted(const Votes& votes)
-{
-    auto best = votes.cend();
-    for (auto entry = votes.cbegin(); entry != votes.cend(); ++entry) {
-        if (best == votes.cend() || entry.value() > best.value())
-            best = entry;
-    }
-    return best;
-}
 
 void appendSector(QList<qint16>& samples, const QByteArray& sector)
 {
@@ -85,42 +65,13 @@ QByteArray ParanoiaReader::readSectorDirect(CdDrive& drive, quint32 lba, SectorR
     record.lba = lba;
     record.bad = sector.isEmpty();
     record.clean = !record.bad;
-    return record.bad ? silence() : sector;
+    return record.bad ? silentSector() : sector;
 }
 
 QByteArray ParanoiaReader::readSectorVerified(CdDrive& drive, quint32 lba, SectorResult& record)
 {
-    record = SectorResult();
-    record.lba = lba;
-    const QByteArray first = drive.readSector(lba);
-    if (first.isEmpty()) {
-        record.bad = true;
-        return silence();
-    }
-    Votes votes{{first, 1}};
-    const QByteArray second = drive.readSector(lba);
-    if (second == first) {
-        record.clean = true;
-        return first;
-    }
-    if (!second.isEmpty())
-        ++votes[second];
-    ++record.retries;
-
-    for (int attempt = 2; attempt < maxReads && !abortFlag; ++attempt) {
-        drive.readSector(lba > 0 ? lba - 1 : lba + 1);
-        const QByteArray again = drive.readSector(lba);
-        ++record.retries;
-        if (again.isEmpty())
-            continue;
-        ++votes[again];
-        const auto trusted = std::find_if(votes.cbegin(), votes.cend(), [](int n) { return n >= trustedVotes; });
-        if (trusted != votes.cend())
-            return trusted.key();
-    }
-    const auto best = mostVoted(votes);
-    record.bad = best.value() < acceptedVotes;
-    return best.key();
+    return voteOnSector([&drive](quint32 sector) { return drive.readSector(sector); }, lba, maxReads, abortFlag,
+                        record);
 }
 
 void shiftWithSilence(QList<qint16>& samples, int offset)

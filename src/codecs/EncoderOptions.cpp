@@ -1,0 +1,3 @@
+#include "codecs/EncoderOptions.h"
+
+EncoderOptions encoderOptions;

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <cstddef>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+/// One file being written, with a state that turns bad at the first failure and
+/// stays bad; later writes and seeks then do nothing.
+class OutputFile {
+public:
+    /// Creates or truncates the file. False when it can't be created or a file
+    /// is attached already; the attached one is left alone.
+    bool open(const std::filesystem::path& path);
+
+    bool isOpen() const { return file != nullptr; }
+    bool good() const { return file && !failed; }
+
+    /// Appends at the position. Returns good().
+    bool write(const void* bytes, std::size_t count);
+
+    /// Moves to a place counted from the start of the file. Returns good().
+    bool seek(quint64 offset);
+
+    /// Bytes before the place where the next write goes.
+    quint64 position() const { return offsetNow; }
+
+    /// Hands everything buffered to the system, judges, and closes. True when
+    /// every byte was taken; a failure of the closing itself is not looked at.
+    [[nodiscard]] bool finish();
+
+    /// Closes with no judgement.
+    void abandon();
+
+private:
+    struct Closer {
+        void operator()(std::FILE* handle) const { std::fclose(handle); }
+    };
+
+    std::unique_ptr<std::FILE, Closer> file;
+    quint64 offsetNow = 0;
+    bool failed = false;
+};

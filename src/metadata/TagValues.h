@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+
+class QPixmap;
+
+namespace TagLib {
+class ByteVector;
+class String;
+class Tag;
+}
+
+struct TagData;
+
+/// The values of a TagData in the forms that TagLib takes.
+
+TagLib::String tagText(const QString& text);
+
+/// The first four characters of the release date.
+QString yearText(const TagData& tags);
+
+/// The same as a number; 0 when it is none.
+unsigned int yearNumber(const TagData& tags);
+
+/// Title, artist, album and year: what every kind of tag has a setter for.
+void setCommonValues(TagLib::Tag& target, const TagData& tags);
+
+/// The cover as a JPEG of quality 90, in its own size.
+TagLib::ByteVector coverToJpeg(const QPixmap& cover);
+
+inline constexpr char coverMimeType[] = "image/jpeg";
+inline constexpr char coverDescription[] = "Cover";

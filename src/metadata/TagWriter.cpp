@@ -1,0 +1,145 @@
+#include "metadata/TagWriter.h"
+
+#include "metadata/Id3Tags.h"
+#include "metadata/TagValues.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <taglib/flacfile.h>
+#include <taglib/flacpicture.h>
+#include <taglib/id3v2tag.h>
+#include <taglib/infotag.h>
+#include <taglib/mp4coverart.h>
+#include <taglib/mp4file.h>
+#include <taglib/mp4tag.h>
+#include <taglib/mpegfile.h>
+#include <taglib/wavfile.h>
+#include <taglib/xiphcomment.h>
+
+#include <memory>
+
+QString lastTagError;
+
+namespace {
+
+bool fail(const QString& words)
+{
+    lastTagError = words;
+    return false;
+}
+
+bool failToSave(const QString& path)
+{
+    return fail(QStringLiteral("Failed to save tags: ") + path);
+}
+
+template <typename File>
+std::unique_ptr<File> openTagged(const QString& path)
+{
+    return std::make_unique<File>(QFile::encodeName(path).constData(), true,
+                                  TagLib::AudioProperties::Average);
+}
+
+bool writeTagsMp3(const QString& path, const TagData& tags)
+{
+    const auto file = openTagged<TagLib::MPEG::File>(path);
+    if (!file->isValid())
+        return fail(QStringLiteral("Cannot open MP3 file: ") + path);
+    fillId3v2Tag(file->ID3v2Tag(true), tags);
+    return file->save() || failToSave(path);
+}
+
+void addCount(TagLib::Ogg::XiphComment& comment, const char* key, int count)
+{
+    if (count > 0)
+        comment.addField(key, TagLib::String::number(count), true);
+}
+
+void addCover(TagLib::FLAC::File& file, const QPixmap& cover)
+{
+    auto picture = std::make_unique<TagLib::FLAC::Picture>();
+    picture->setType(TagLib::FLAC::Picture::FrontCover);
+    picture->setMimeType(coverMimeType);
+    picture->setDescription(coverDescription);
+    picture->setData(coverToJpeg(cover));
+    file.addPicture(picture.release());
+}
+
+bool writeTagsFlac(const QString& path, const TagData& tags)
+{
+    const auto file = openTagged<TagLib::FLAC::File>(path);
+    if (!file->isValid())
+        return fail(QStringLiteral("Cannot open FLAC file: ") + path);
+    TagLib::Ogg::XiphComment* comment = file->xiphComment(true);
+    if (!comment)
+        return fail(QStringLiteral("Cannot get XiphComment"));
+
+    setCommonValues(*comment, tags);
+    comment->setTrack(static_cast<unsigned int>(tags.trackNumber));
+    if (!tags.label.isEmpty())
+        comment->addField("ORGANIZATION", tagText(tags.label), true);
+    addCount(*comment, "TRACKTOTAL", tags.trackTotal);
+    addCount(*comment, "DISCNUMBER", tags.discNumber);
+    if (tags.discNumber > 0)
+        addCount(*comment, "DISCTOTAL", tags.discTotal);
+    if (!tags.cover.isNull())
+        addCover(*file, tags.cover);
+    return file->save() || failToSave(path);
+}
+
+bool writeTagsM4a(const QString& path, const TagData& tags)
+{
+    const auto file = openTagged<TagLib::MP4::File>(path);
+    TagLib::MP4::Tag* tag = file->isValid() ? file->tag() : nullptr;
+    if (!tag)
+        return fail(QStringLiteral("Cannot open M4A file: ") + path);
+
+    setCommonValues(*tag, tags);
+    if (tags.trackNumber > 0)
+        tag->setItem("trkn", TagLib::MP4::Item(tags.trackNumber, tags.trackTotal));
+    if (tags.discNumber > 0)
+        tag->setItem("disk", TagLib::MP4::Item(tags.discNumber, tags.discTotal));
+    if (!tags.cover.isNull()) {
+        TagLib::MP4::CoverArtList covers;
+        covers.append(TagLib::MP4::CoverArt(TagLib::MP4::CoverArt::JPEG, coverToJpeg(tags.cover)));
+        tag->setItem("covr", covers);
+    }
+    return file->save() || failToSave(path);
+}
+
+bool writeTagsWav(const QString& path, const TagData& tags)
+{
+    const auto file = openTagged<TagLib::RIFF::WAV::File>(path);
+    if (!file->isValid())
+        return fail(QStringLiteral("Cannot open WAV file: ") + path);
+    fillId3v2Tag(file->ID3v2Tag(), tags);
+    if (TagLib::RIFF::Info::Tag* info = file->InfoTag()) {
+        setCommonValues(*info, tags);
+        info->setTrack(static_cast<unsigned int>(tags.trackNumber));
+    }
+    return file->save() || failToSave(path);
+}
+
+bool writeTagsBySuffix(const QString& path, const TagData& tags)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    if (suffix == QLatin1String("mp3"))
+        return writeTagsMp3(path, tags);
+    if (suffix == QLatin1String("wav"))
+        return writeTagsWav(path, tags);
+    if (suffix == QLatin1String("m4a"))
+        return writeTagsM4a(path, tags);
+    return writeTagsFlac(path, tags);
+}
+
+} // namespace
+
+bool writeTags(const QString& path, const TagData& tags)
+{
+    try {
+        return writeTagsBySuffix(path, tags);
+    } catch (...) {
+        return failToSave(path);
+    }
+}
