@@ -50,6 +50,7 @@ QWidget* MainWindow::buildMetadataPage()
     auto* selectArt = pageparts::button(pickLang("アートを選択", "Select Art"), "browseBtn");
     connect(selectArt, &QPushButton::clicked, this, [this] { pickCover(); });
     auto* coverColumn = new QVBoxLayout;
+    coverColumn->setSpacing(2); // keeps the page within the window at its first size
     coverColumn->addWidget(artLabel);
     coverColumn->addWidget(selectArt);
     coverColumn->addStretch();

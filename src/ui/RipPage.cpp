@@ -235,6 +235,10 @@ void MainWindow::startRip(const QString& folder, const QString& artist, const QS
     connect(rip.thread, &QThread::started, rip.worker, &RipWorker::run);
     connect(rip.thread, &QThread::finished, rip.thread, &QObject::deleteLater);
     runningRips.push_back(rip);
+    // From here on, not from the thread's first turn: what the user clicks in
+    // between must not close the source under the rip.
+    if (audioPathEdit->text().isEmpty())
+        drive->borrow();
     rip.thread->start();
 }
 

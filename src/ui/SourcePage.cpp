@@ -90,8 +90,10 @@ void MainWindow::refreshDrives()
         driveCombo->setEnabled(false);
         return;
     }
+    driveCombo->setPlaceholderText(QString());
     for (const QString& letter : letters)
         driveCombo->addItem(QStringLiteral("CD-ROM  ") + letter, letter);
+    driveCombo->setCurrentIndex(0);
 }
 
 void MainWindow::pickCue()

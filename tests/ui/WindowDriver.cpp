@@ -2,9 +2,11 @@
 
 #include "base/Language.h"
 #include "base/Settings.h"
+#include "ui/Fonts.h"
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFont>
 #include <QMessageBox>
 #include <QSettings>
 #include <QStackedWidget>
@@ -34,11 +36,14 @@ DialogWatcher::DialogWatcher(std::function<void(QDialog*)> onDialog)
 
 DialogWatcher::~DialogWatcher() = default;
 
-WindowDriver::WindowDriver(int languageMode)
+WindowDriver::WindowDriver(int languageMode, const QStringList& letters)
 {
+    drives.letters = letters;
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QSettings().setValue(QLatin1String(settings::language), languageMode);
     loadLanguage();
+    installFontSubstitutes();
+    QApplication::setFont(QFont(QStringLiteral("Segoe UI"), 9));
     frame = std::make_unique<MainWindow>();
     frame->show();
 }

@@ -2,6 +2,7 @@
 
 #include "ui/MainWindow.h"
 
+#include <QDialog>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
@@ -9,11 +10,17 @@
 #include <QString>
 #include <QTableWidget>
 
+#include "support/SimulatedDrive.h"
+
 #include <functional>
 #include <memory>
 
-class QScrollArea;
-class SectorMap;
+/// A simulated drive that can be unplugged.
+class DriveShelf : public SimulatedDrive {
+public:
+    QStringList enumerateDrives() override { return letters; }
+    QStringList letters;
+};
 
 /// Takes a real window through its steps as a user would: by clicks and typed
 /// paths. Widgets are found by object name and place, as a style class may be
@@ -21,9 +28,11 @@ class SectorMap;
 class WindowDriver {
 public:
     /// @param languageMode  1 Japanese, 2 English
-    explicit WindowDriver(int languageMode = 2);
+    /// @param letters       the drives that are there
+    explicit WindowDriver(int languageMode = 2, const QStringList& letters = {});
     ~WindowDriver();
 
+    DriveShelf& shelf() { return drives; }
     MainWindow& window() { return *frame; }
     /// Destroys the window, whatever it is doing.
     void destroyWindow() { frame.reset(); }
@@ -75,13 +84,15 @@ public:
     QString cell(QTableWidget* table, int row, int column);
 
 private:
+    DriveShelf drives;
+    DrivePlatformOverride platform{drives};
     std::unique_ptr<MainWindow> frame;
 };
 
 /// Calls back with the first modal dialog that shows up, for as long as it lives.
 class DialogWatcher {
 public:
-    explicit DialogWatcher(std::function<void(class QDialog*)> onDialog);
+    explicit DialogWatcher(std::function<void(QDialog*)> onDialog);
     ~DialogWatcher();
 
 private:

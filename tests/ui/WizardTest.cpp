@@ -1,0 +1,198 @@
+#include "ui/WindowDriver.h"
+
+#include "support/DiscMaker.h"
+
+#include <QCoreApplication>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSettings>
+#include <QStackedWidget>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class Wizard : public ::testing::Test {
+protected:
+    void SetUp() override { QSettings().clear(); }
+
+    QString makeCue()
+    {
+        ImageDescription image;
+        image.tracks = {{0, QStringLiteral("Alpha")}, {20, QString()}};
+        return writeImage(folder.path(), image, makeAudio(40, 1));
+    }
+
+    QTemporaryDir folder;
+};
+
+} // namespace
+
+TEST_F(Wizard, FrameHasItsSizesAndTexts)
+{
+    WindowDriver app(2);
+    MainWindow& window = app.window();
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("Tarvel CD Ripper"));
+    EXPECT_EQ(window.minimumSize(), QSize(960, 620));
+    EXPECT_EQ(window.size(), QSize(1100, 680));
+    EXPECT_EQ(app.find<QWidget>("titleBar")->height(), 44);
+    EXPECT_EQ(app.find<QWidget>("stepBar")->height(), 48);
+    EXPECT_EQ(app.find<QWidget>("navBar")->height(), 56);
+    EXPECT_EQ(app.find<QLabel>("appTitle")->text(), QStringLiteral("TARVEL CD RIPPER"));
+    EXPECT_EQ(app.find<QLabel>("verLabel")->text(), QStringLiteral("v2.0.0"));
+    EXPECT_EQ(app.find<QPushButton>("settingsBtn")->text(), QStringLiteral("⚙  Settings"));
+    EXPECT_EQ(app.find<QPushButton>("settingsBtn")->height(), 28);
+    EXPECT_EQ(app.find<QPushButton>("convertBtn")->text(), QStringLiteral("⇄  Convert Files"));
+    EXPECT_EQ(app.back()->text(), QStringLiteral("◀  Back"));
+    EXPECT_EQ(app.next()->text(), QStringLiteral("Next  ▶"));
+    EXPECT_EQ(app.next()->size(), QSize(110, 34));
+    EXPECT_EQ(window.findChildren<QLabel*>(QStringLiteral("stepSep")).size(), 4);
+    EXPECT_EQ(WindowDriver(1).find<QPushButton>("convertBtn")->text(), QStringLiteral("⇄  ファイル変換"));
+}
+
+TEST_F(Wizard, TheIndicatorMarksTheStepAndThoseDone)
+{
+    WindowDriver app;
+    app.advanceTo(2);
+    const QStringList names{"① Source", "② Output", "③ Metadata", "④ RIP", "⑤ Verify"};
+    for (int i = 0; i < 5; ++i) {
+        auto* label = app.find<QLabel>("stepLabel", i);
+        EXPECT_EQ(label->text(), names[i]);
+        EXPECT_EQ(label->property("active").toBool(), i == 2);
+        EXPECT_EQ(label->property("done").toBool(), i < 2);
+    }
+}
+
+TEST_F(Wizard, NothingChosenEndsAtTheRipStepWithAnError)
+{
+    WindowDriver app;
+    EXPECT_FALSE(app.back()->isVisible());
+    app.advanceTo(1);
+    EXPECT_TRUE(app.back()->isVisible());
+    app.advanceTo(2);
+    EXPECT_EQ(app.tracks()->rowCount(), 0);
+    app.advanceTo(3);
+    EXPECT_EQ(app.step(), 3);
+    EXPECT_FALSE(app.next()->isEnabled());
+    WindowDriver::click(app.rip());
+    EXPECT_EQ(app.logLines(), (QStringList{"═══════════════════════════════════════", "  Error",
+                                           "═══════════════════════════════════════",
+                                           "Please select a source before ripping."}));
+    EXPECT_TRUE(app.rip()->isEnabled());
+    EXPECT_FALSE(app.next()->isEnabled());
+    WindowDriver::click(app.back());
+    EXPECT_EQ(app.step(), 2);
+}
+
+TEST_F(Wizard, AReturnToMetadataWithAnAudioFileLeavesNextDisabled)
+{
+    WindowDriver app;
+    app.audioPath()->setText(QStringLiteral("/music/a.wav"));
+    app.advanceTo(3);
+    WindowDriver::click(app.back());
+    EXPECT_EQ(app.step(), 2);
+    EXPECT_FALSE(app.next()->isEnabled());
+    WindowDriver::click(app.back());
+    EXPECT_TRUE(app.next()->isEnabled());
+}
+
+TEST_F(Wizard, ARipOpensTheWayToVerifyOnceAndFinishCloses)
+{
+    WindowDriver app;
+    app.outputPath()->setText(folder.path());
+    app.pickCue(makeCue());
+    app.advanceTo(3);
+    ASSERT_FALSE(app.runRip().isEmpty());
+    EXPECT_FALSE(app.rip()->isEnabled());
+    EXPECT_TRUE(app.next()->isEnabled());
+    WindowDriver::click(app.next());
+    EXPECT_EQ(app.step(), 4);
+    EXPECT_EQ(app.next()->text(), QStringLiteral("Finish"));
+    ASSERT_EQ(app.verdicts()->rowCount(), 2);
+    EXPECT_EQ(app.cell(app.verdicts(), 0, 0), QStringLiteral("01"));
+    EXPECT_EQ(app.cell(app.verdicts(), 0, 1), QStringLiteral("Alpha"));
+    EXPECT_EQ(app.cell(app.verdicts(), 1, 1), QStringLiteral("Track 2"));
+    EXPECT_EQ(app.cell(app.verdicts(), 1, 2), QStringLiteral("—"));
+    EXPECT_EQ(app.verdicts()->rowHeight(0), 26);
+
+    WindowDriver::click(app.back());
+    EXPECT_EQ(app.next()->text(), QStringLiteral("Next  ▶"));
+    EXPECT_FALSE(app.next()->isEnabled());
+    EXPECT_FALSE(app.rip()->isEnabled());
+}
+
+TEST_F(Wizard, FinishClosesTheWindow)
+{
+    WindowDriver app(1);
+    app.outputPath()->setText(folder.path());
+    app.pickCue(makeCue());
+    app.advanceTo(3);
+    ASSERT_FALSE(app.runRip().isEmpty());
+    app.advanceTo(4);
+    EXPECT_EQ(app.next()->text(), QStringLiteral("完了"));
+    WindowDriver::click(app.next());
+    EXPECT_FALSE(app.window().isVisible());
+}
+
+TEST_F(Wizard, ResetAfterARipMakesASecondRipPossible)
+{
+    WindowDriver app;
+    app.outputPath()->setText(folder.path());
+    const QString cue = makeCue();
+    app.pickCue(cue);
+    app.advanceTo(3);
+    ASSERT_FALSE(app.runRip().isEmpty());
+    app.advanceTo(4);
+    while (app.step() > 0)
+        WindowDriver::click(app.back());
+    WindowDriver::click(app.reset());
+    EXPECT_EQ(app.step(), 0);
+    EXPECT_TRUE(app.logLines().isEmpty());
+    EXPECT_EQ(app.onPage<QLabel>(3, "progressLabel")->text(), QStringLiteral("Press RIP START to begin"));
+    EXPECT_EQ(app.verdicts()->rowCount(), 2);
+
+    app.pickCue(cue);
+    app.advanceTo(3);
+    EXPECT_TRUE(app.rip()->isEnabled());
+    EXPECT_FALSE(app.runRip().isEmpty());
+}
+
+TEST_F(Wizard, VerifyPageTextsInBothLanguages)
+{
+    WindowDriver english(2);
+    EXPECT_EQ(english.onPage<QLabel>(4, "stepHeading")->text(), QStringLiteral("AccurateRip Verify"));
+    EXPECT_EQ(english.onPage<QLabel>(4, "subLabel")->text(),
+              QStringLiteral("Compares your rip with the AccurateRip database.\n"
+                             "Checks that you got the same data as other users."));
+    EXPECT_EQ(english.onPage<QLabel>(4, "verifyResult")->text(), QStringLiteral("Waiting to verify..."));
+    auto* table = english.verdicts();
+    EXPECT_EQ(table->horizontalHeaderItem(2)->text(), QStringLiteral("AccurateRip"));
+    EXPECT_EQ(table->columnWidth(0), 52);
+    EXPECT_EQ(table->columnWidth(2), 120);
+    EXPECT_EQ(table->editTriggers(), QAbstractItemView::NoEditTriggers);
+    WindowDriver japanese(1);
+    EXPECT_EQ(japanese.onPage<QLabel>(4, "stepHeading")->text(), QStringLiteral("AccurateRip ベリファイ"));
+    EXPECT_EQ(japanese.onPage<QLabel>(4, "verifyResult")->text(), QStringLiteral("照合待機中..."));
+}
+
+TEST_F(Wizard, NoPageScrollsAtTheInitialSizeAndNoneIsCutAtTheSmallest)
+{
+    for (const int language : {1, 2}) {
+        WindowDriver app(language, {QStringLiteral("/dev/sr0")});
+        auto* stack = app.window().findChild<QStackedWidget*>();
+        for (int page = 0; page < stack->count(); ++page) {
+            auto* area = qobject_cast<QScrollArea*>(stack->widget(page));
+            ASSERT_NE(area, nullptr);
+            stack->setCurrentIndex(page);
+            app.window().resize(1100, 680);
+            QCoreApplication::processEvents();
+            EXPECT_EQ(area->verticalScrollBar()->maximum(), 0) << "page " << page << " language " << language;
+            EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << "page " << page;
+            app.window().resize(960, 620);
+            QCoreApplication::processEvents();
+            EXPECT_GE(area->widget()->height(), area->widget()->minimumSizeHint().height()) << "page " << page;
+            EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << "page " << page;
+        }
+    }
+}
