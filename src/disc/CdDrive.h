@@ -9,12 +9,14 @@
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
 #include <memory>
 
 /// The one object through which a disc is read: a physical drive or a CUE image.
 ///
 /// Every read returns exactly RAW_SECTOR_BYTES bytes, or an empty array for a
-/// failure. Nothing throws. No lock is held: one thread uses it at a time.
+/// failure. Nothing throws. No lock is held: one thread uses it at a time, and
+/// while a rip has borrowed it, that is the rip's.
 class CdDrive {
 public:
     CdDrive();
@@ -29,7 +31,14 @@ public:
     bool open(const QString& letter);
     /// Parses the sheet and opens the first track's file; closes what was open.
     bool openCue(const QString& path);
+    /// On a borrowed drive this takes effect when the drive is given back.
     void close();
+
+    /// Between these two, open and openCue of any thread fail. Borrowing a
+    /// borrowed drive changes nothing.
+    void borrow();
+    void giveBack();
+    bool isBorrowed() const { return lease != Lease::none; }
 
     /// Parses a CUE sheet; needs no drive. A sheet that yields nothing has no tracks.
     static DiscToc parseCue(const QString& path);
@@ -58,6 +67,9 @@ public:
     bool c2Enabled() const { return c2On; }
 
 private:
+    enum class Lease { none, borrowed, closeOnReturn };
+
+    void release();
     QByteArray readImageSector(quint32 lba);
     QByteArray readBatch(quint32 lba);
     bool attemptBatch(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts);
@@ -69,6 +81,7 @@ private:
 
     static constexpr quint32 noBatch = 0xFFFFFFFF;
 
+    std::atomic<Lease> lease = Lease::none;
     std::unique_ptr<DriveDevice> device;
     DiscToc imageDisc;
     QFile imageFile;
@@ -91,4 +104,5 @@ private:
     quint32 retriesOfLastRead = 0;
     quint32 c2OfLastRead = 0;
     quint32 speed = 0;
+    int errorOfLastCommand = 0;
 };

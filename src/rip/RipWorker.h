@@ -8,12 +8,16 @@
 #include <QPixmap>
 #include <QString>
 
+#include <atomic>
+#include <mutex>
+
 class CdDrive;
+class ParanoiaReader;
 
 /// Turns a source into files: one object, one run, on a thread of its own.
 /// Everything it has to say goes out as signals; `finished` is the last of
-/// every run. A failed track or sector never stops a run, and a run has no
-/// cancel.
+/// every run. A failed track or sector never stops a run, and the user has no
+/// cancel: only the end of the process asks a run to stop.
 class RipWorker : public QObject {
     Q_OBJECT
 public:
@@ -36,6 +40,12 @@ public:
 
     int maxRereads() const { return rereadLimit; }
 
+    /// Makes the run end before its next sector or track; from any thread. A
+    /// track in the encoder is still finished.
+    void requestStop() { stopping = true; }
+    /// The file that is being written at this moment, or nothing; from any thread.
+    QString unfinishedFile() const;
+
 public Q_SLOTS:
     void run();
 
@@ -54,15 +64,16 @@ Q_SIGNALS:
 private:
     void runDisc();
     void runCueMode();
-    void runCdMode();
     void runFileMode();
     QPixmap imageCover();
-    void saveCover() const;
-    RipResult ripImageTrack(class ParanoiaReader& reader, const TrackInfo& track, const QString& name,
+    RipResult ripImageTrack(ParanoiaReader& reader, const TrackInfo& track, const QString& name,
                             const QPixmap& trackCover);
+    /// Encodes and tags one track; false when its file is not whole.
     /// @param pcm  taken over; 16-bit values shifted left by 16
     bool encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,
                      const QString& title, int trackNumber, int totalTracks, const QPixmap& trackCover);
+    bool writeAudio(const AudioBlock& block, const AudioFormat& format, const QString& path);
+    void setUnfinishedFile(const QString& path);
 
     CdDrive* drive = nullptr;
     DiscToc disc;
@@ -79,4 +90,8 @@ private:
     OutputFormat outputFormat = OutputFlac;
     QString sourceAudioFile;
     int rereadLimit = 20;
+
+    std::atomic<bool> stopping = false;
+    mutable std::mutex fileLock;
+    QString fileInWork;
 };

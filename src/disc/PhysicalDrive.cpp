@@ -1,0 +1,308 @@
+// The physical half of CdDrive: table of contents, batches with their ladder of
+// retries, C2 pointers, model text and bus.
+
+#include "base/ByteOrder.h"
+#include "disc/CdDrive.h"
+#include "disc/DrivePlatform.h"
+
+#include <QDebug>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <numeric>
+
+namespace {
+
+constexpr int tocAttempts = 5;
+constexpr int tocPauseMs = 300;
+constexpr quint32 sessionGapSectors = 11400; // lead-out and lead-in between two sessions
+constexpr quint32 immediateAttempts = 5;
+constexpr quint32 seekAttempts = 20;
+constexpr quint32 patientAttempts = 10;
+constexpr int seekPauseMs = 10;
+constexpr int patientPauseMs = 100;
+constexpr quint32 seekDistance = 100;
+constexpr int probeAttempts = 3;
+constexpr size_t inquiryBytes = 96;
+
+using TocTable = std::array<quint8, 804>;
+
+quint32 entryLba(const quint8* entry)
+{
+    const quint32 seconds = quint32{entry[5]} * 60 + entry[6];
+    return seconds * SECTORS_PER_SECOND + entry[7] - LEAD_IN_SECTORS;
+}
+
+const quint8* tocEntry(const TocTable& table, int place)
+{
+    return table.data() + 4 + place * 8;
+}
+
+bool plausibleToc(const TocTable& table)
+{
+    const int first = table[2];
+    const int last = table[3];
+    return first != 0 && last >= first && last < 100;
+}
+
+// In a multi-session disc the last audio track would include the gap between
+// the sessions.
+void cutSessionGaps(QList<TrackInfo>& tracks)
+{
+    for (qsizetype i = 0; i + 1 < tracks.size(); ++i) {
+        TrackInfo& track = tracks[i];
+        const TrackInfo& next = tracks[i + 1];
+        if (!track.isData && next.isData && next.startLba > track.startLba + sessionGapSectors) {
+            track.endLba = next.startLba - sessionGapSectors - 1;
+            track.seconds = trackSeconds(track.startLba, track.endLba);
+        }
+    }
+}
+
+DiscToc discFromToc(const TocTable& table)
+{
+    DiscToc disc;
+    const int first = table[2];
+    const int count = table[3] - first + 1;
+    for (int i = 0; i < count; ++i) {
+        const quint8* entry = tocEntry(table, i);
+        TrackInfo track;
+        track.number = first + i;
+        track.startLba = entryLba(entry);
+        track.endLba = entryLba(tocEntry(table, i + 1)) - 1;
+        track.seconds = trackSeconds(track.startLba, track.endLba);
+        track.isData = (entry[1] & 0x04) != 0;
+        disc.tracks.append(track);
+    }
+    cutSessionGaps(disc.tracks);
+    disc.totalSectors = entryLba(tocEntry(table, count));
+    return disc;
+}
+
+QString cleanText(const QByteArray& text)
+{
+    return QString::fromLatin1(text.left(text.indexOf('\0') < 0 ? text.size() : text.indexOf('\0'))).simplified();
+}
+
+QString joinModel(const QString& vendor, const QString& product)
+{
+    if (product.isEmpty())
+        return {};
+    return vendor.isEmpty() ? product : vendor + QStringLiteral(" - ") + product;
+}
+
+} // namespace
+
+bool CdDrive::open(const QString& letter)
+{
+    if (isBorrowed())
+        return false;
+    close();
+    image = false;
+    device = drivePlatform().open(letter);
+    if (!device) {
+        qWarning().noquote() << "CdDrive: cannot open" << letter;
+        return false;
+    }
+    driveName = letter;
+    return true;
+}
+
+DiscToc CdDrive::readToc()
+{
+    if (image)
+        return imageDisc;
+    if (!device)
+        return {};
+    for (int attempt = 1; attempt <= tocAttempts; ++attempt) {
+        TocTable table{};
+        device->checkVerify();
+        const DriveReply reply = device->readToc(table);
+        if (reply.ok && plausibleToc(table)) {
+            DiscToc disc = discFromToc(table);
+            sectorLimit = disc.totalSectors;
+            return disc;
+        }
+        if (!reply.ok) {
+            qWarning() << "CdDrive: IOCTL_CDROM_READ_TOC failed (attempt" << attempt << "):" << reply.errorNumber;
+        } else {
+            qWarning() << "CdDrive: invalid TOC returned (attempt" << attempt << ") FirstTrack=" << table[2]
+                       << "LastTrack=" << table[3];
+        }
+        if (attempt < tocAttempts)
+            drivePlatform().sleepMilliseconds(tocPauseMs);
+    }
+    qWarning() << "CdDrive: could not obtain a valid TOC after" << tocAttempts << "attempts";
+    return {};
+}
+
+quint32 CdDrive::boundedBatch(quint32 lba) const
+{
+    if (sectorLimit == 0)
+        return READ_BATCH_SECTORS;
+    return lba >= sectorLimit ? 0 : std::min<quint32>(READ_BATCH_SECTORS, sectorLimit - lba);
+}
+
+bool CdDrive::readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts)
+{
+    if (!device || count < 1)
+        return false;
+    std::array<quint8, 12> command{0xBE, 0x04};
+    byteorder::writeBig(command.data() + 2, lba);
+    command[6] = static_cast<quint8>(count >> 16);
+    command[7] = static_cast<quint8>(count >> 8);
+    command[8] = static_cast<quint8>(count);
+    command[9] = 0x12; // user data and the 294-byte C2 block
+
+    QByteArray raw(static_cast<qsizetype>(count) * RAW_PLUS_C2_BYTES, '\0');
+    auto* bytes = reinterpret_cast<quint8*>(raw.data());
+    const DriveReply reply = device->passThrough(command, {bytes, static_cast<size_t>(raw.size())});
+    errorOfLastCommand = reply.errorNumber;
+    if (!reply.ok)
+        return false;
+
+    data.clear();
+    data.reserve(static_cast<qsizetype>(count) * RAW_SECTOR_BYTES);
+    c2Counts.clear();
+    for (quint32 i = 0; i < count; ++i) {
+        const qsizetype start = static_cast<qsizetype>(i) * RAW_PLUS_C2_BYTES;
+        data.append(raw.constData() + start, RAW_SECTOR_BYTES);
+        const quint8* pointers = bytes + start + RAW_SECTOR_BYTES;
+        c2Counts.append(std::accumulate(pointers, pointers + C2_BLOCK_BYTES, 0,
+                                        [](int sum, quint8 bits) { return sum + std::popcount(bits); }));
+    }
+    return true;
+}
+
+bool CdDrive::attemptBatch(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts)
+{
+    if (c2On)
+        return readRawC2(lba, count, data, c2Counts);
+    data.resize(static_cast<qsizetype>(count) * RAW_SECTOR_BYTES);
+    c2Counts.clear();
+    return device->readRaw(lba, count, {reinterpret_cast<quint8*>(data.data()), static_cast<size_t>(data.size())},
+                           true).ok;
+}
+
+QByteArray CdDrive::readBatch(quint32 lba)
+{
+    retriesOfLastRead = 0;
+    c2OfLastRead = 0;
+    speed = 0;
+    const quint32 count = boundedBatch(lba);
+    if (count == 0 || !device)
+        return {};
+
+    const qint64 started = drivePlatform().nowNanoseconds();
+    QByteArray data;
+    QList<int> c2Counts;
+    constexpr quint32 attempts = immediateAttempts + seekAttempts + patientAttempts;
+    for (quint32 attempt = 0; attempt < attempts; ++attempt) {
+        if (attempt >= immediateAttempts + seekAttempts) {
+            drivePlatform().sleepMilliseconds(patientPauseMs);
+        } else if (attempt >= immediateAttempts) {
+            QByteArray elsewhere(READ_BATCH_SECTORS * RAW_SECTOR_BYTES, Qt::Uninitialized);
+            device->readRaw(lba > seekDistance ? lba - seekDistance : lba + seekDistance, READ_BATCH_SECTORS,
+                            {reinterpret_cast<quint8*>(elsewhere.data()), static_cast<size_t>(elsewhere.size())},
+                            false);
+            drivePlatform().sleepMilliseconds(seekPauseMs);
+        }
+        if (attemptBatch(lba, count, data, c2Counts)) {
+            retriesOfLastRead = attempt;
+            updateSpeed(started, count);
+            keepBatch(lba, count, data, c2Counts);
+            return batchCache.left(RAW_SECTOR_BYTES);
+        }
+    }
+    retriesOfLastRead = attempts;
+    return {};
+}
+
+void CdDrive::keepBatch(quint32 lba, quint32 count, QByteArray data, QList<int> c2Counts)
+{
+    batchCache = std::move(data);
+    batchStartLba = lba;
+    batchCount = count;
+    batchC2Counts = std::move(c2Counts);
+    c2OfLastRead = static_cast<quint32>(batchC2Counts.value(0, 0));
+}
+
+void CdDrive::updateSpeed(qint64 started, quint32 count)
+{
+    const qint64 now = drivePlatform().nowNanoseconds();
+    if (!timingStarted) {
+        firstReadTime = started;
+        timingStarted = true;
+    }
+    bytesRead += quint64{count} * RAW_SECTOR_BYTES;
+    const double elapsed = static_cast<double>(now - firstReadTime) / 1e9;
+    if (elapsed > 0)
+        speed = static_cast<quint32>(static_cast<double>(bytesRead) / elapsed / 1024);
+}
+
+bool CdDrive::probeC2(quint32 lba)
+{
+    c2Supported = false;
+    c2On = false;
+    if (image || !device)
+        return false;
+    const quint32 count = boundedBatch(lba);
+    if (count == 0)
+        return false;
+
+    QByteArray data;
+    QList<int> c2Counts;
+    bool answered = false;
+    for (int attempt = 0; attempt < probeAttempts && !answered; ++attempt)
+        answered = readRawC2(lba, count, data, c2Counts);
+    if (!answered) {
+        qWarning() << "[CdDrive] C2: READ CD with C2 not available (err=" << errorOfLastCommand << ")";
+        return false;
+    }
+    const qint64 sum = std::accumulate(c2Counts.cbegin(), c2Counts.cend(), qint64{0});
+    const qint64 bits = qint64{count} * RAW_SECTOR_BYTES;
+    if (2 * sum > bits) {
+        qWarning() << "[CdDrive] C2: values look invalid (" << sum << "/" << bits << "bits set)";
+        return false;
+    }
+    c2Supported = true;
+    qDebug() << "[CdDrive] C2: supported";
+    return true;
+}
+
+QString CdDrive::queryModel()
+{
+    if (image || !device)
+        return {};
+    const auto descriptor = device->descriptor();
+    if (!descriptor)
+        return {};
+
+    constexpr std::array<quint8, 6> inquiry{0x12, 0, 0, 0, inquiryBytes, 0};
+    std::array<quint8, inquiryBytes> answer{};
+    if (device->passThrough(inquiry, answer).ok) {
+        const auto text = reinterpret_cast<const char*>(answer.data());
+        const QString vendor = cleanText(QByteArray(text + 8, 8));
+        const QString product = cleanText(QByteArray(text + 16, 16));
+        if (!vendor.isEmpty() && !product.isEmpty())
+            return joinModel(vendor, product);
+    }
+
+    QString vendor = cleanText(descriptor->vendor);
+    QString product = cleanText(descriptor->product);
+    const qsizetype blank = product.indexOf(u' ');
+    if ((vendor.isEmpty() || vendor.compare(QLatin1String("ATA"), Qt::CaseInsensitive) == 0) && blank >= 0) {
+        vendor = product.left(blank);
+        product = product.mid(blank + 1).simplified();
+    }
+    return joinModel(vendor, product);
+}
+
+bool CdDrive::isUsb()
+{
+    if (image || !device)
+        return false;
+    const auto descriptor = device->descriptor();
+    return descriptor && descriptor->usb;
+}

@@ -1,0 +1,27 @@
+#include "base/Language.h"
+#include "ui/Fonts.h"
+#include "ui/MainWindow.h"
+#include "ui/ProgramInfo.h"
+#include "ui/Resources.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QIcon>
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QLatin1String(programinfo::name));
+    QApplication::setApplicationVersion(QLatin1String(programinfo::version));
+    initResources();
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon.ico")));
+    QApplication::setOrganizationName(QLatin1String(programinfo::organisation));
+    // After the names, which set the scope of the settings, and before any widget.
+    loadLanguage();
+    installFontSubstitutes();
+    QApplication::setFont(QFont(QStringLiteral("Segoe UI"), 9));
+
+    MainWindow window;
+    window.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,106 @@
+// The run over a CUE image.
+
+#include "disc/CdDrive.h"
+#include "rip/RipWorker.h"
+#include "secure/ParanoiaReader.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+constexpr char coverName[] = "/cover.jpg";
+constexpr int coverQuality = 90;
+constexpr qsizetype widenedAtOnce = 4096; // values; stays in the processor's cache
+
+// A fresh list is filled piece by piece, so that its memory is touched once.
+QList<int> leftJustified(const QList<qint16>& samples)
+{
+    QList<int> pcm;
+    pcm.reserve(samples.size());
+    for (qsizetype place = 0; place < samples.size(); place += widenedAtOnce) {
+        const qsizetype count = std::min(widenedAtOnce, samples.size() - place);
+        pcm.resize(place + count);
+        std::transform(samples.cbegin() + place, samples.cbegin() + place + count, pcm.begin() + place,
+                       [](qint16 value) { return int{value} * 65536; });
+    }
+    return pcm;
+}
+
+void copyCover(const QString& from, const QString& to)
+{
+    if (QFileInfo(from).canonicalFilePath() == QFileInfo(to).canonicalFilePath())
+        return;
+    QFile::remove(to);
+    QFile::copy(from, to);
+}
+
+} // namespace
+
+QPixmap RipWorker::imageCover()
+{
+    const auto trackCount = static_cast<int>(disc.tracks.size());
+    const QString target = outputFolder + QLatin1String(coverName);
+    if (!cover.isNull()) {
+        cover.save(target, "JPEG", coverQuality);
+        Q_EMIT trackStarted(0, trackCount, QStringLiteral("Cover art: OK"));
+        return cover;
+    }
+    QPixmap found;
+    const QString sibling =
+        QFileInfo(disc.tracks.constFirst().sourceFile).absolutePath() + QLatin1String(coverName);
+    if (QFileInfo(sibling).isFile() && found.load(sibling))
+        copyCover(sibling, target);
+    // Said in every case, also after a cover was found and copied.
+    Q_EMIT trackStarted(0, trackCount, QStringLiteral("Cover art: not found"));
+    return found;
+}
+
+void RipWorker::runCueMode()
+{
+    const QPixmap runCover = imageCover();
+    ParanoiaReader reader;
+    reader.onSector = [this, &reader](const SectorResult& record) {
+        Q_EMIT sectorDone(record);
+        reader.abortFlag = stopping;
+    };
+    const auto trackCount = static_cast<int>(disc.tracks.size());
+    int place = 0;
+    for (const TrackInfo& track : std::as_const(disc.tracks)) {
+        if (stopping)
+            return;
+        const QString name = track.title.isEmpty() ? QStringLiteral("Track %1").arg(track.number) : track.title;
+        Q_EMIT trackStarted(++place, trackCount, name);
+        const RipResult result = ripImageTrack(reader, track, name, runCover);
+        if (!reader.abortFlag)
+            Q_EMIT trackDone(result);
+    }
+}
+
+RipResult RipWorker::ripImageTrack(ParanoiaReader& reader, const TrackInfo& track, const QString& name,
+                                   const QPixmap& trackCover)
+{
+    RipResult result;
+    result.trackNumber = track.number;
+    result.title = name;
+
+    QList<qint16> samples = reader.readTrack(*drive, track);
+    if (samples.isEmpty()) {
+        result.errorSectors = noSamplesRead;
+        return result;
+    }
+    result.errorSectors = static_cast<quint32>(
+        std::count_if(reader.results.cbegin(), reader.results.cend(), [](const SectorResult& r) { return r.bad; }));
+    result.suspectSectors =
+        std::accumulate(reader.results.cbegin(), reader.results.cend(), quint32{0},
+                        [](quint32 sum, const SectorResult& r) { return sum + static_cast<quint32>(r.retries); });
+
+    QList<int> pcm = leftJustified(samples);
+    samples = QList<qint16>();
+    result.ok = encodeTrack(std::move(pcm), AudioFormat(), outputBasePath(track.number, name), name, track.number,
+                            static_cast<int>(disc.tracks.size()), trackCover);
+    return result;
+}

@@ -1,0 +1,77 @@
+#include "rip/OutputNaming.h"
+
+#include "base/Language.h"
+#include "base/Settings.h"
+#include "rip/RipWorker.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTextBoundaryFinder>
+
+namespace {
+
+constexpr qsizetype maxNameBytes = 255;
+
+QString twoDigits(int number)
+{
+    return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
+}
+
+} // namespace
+
+QString withoutForbiddenCharacters(QString text)
+{
+    static const QRegularExpression forbidden(QStringLiteral(R"([\\/:*?"<>|])"));
+    return text.remove(forbidden);
+}
+
+QString cleanNamePart(const QString& text)
+{
+    QString name = withoutForbiddenCharacters(text);
+    while (name.endsWith(u' ') || name.endsWith(u'.'))
+        name.chop(1);
+    return name.trimmed();
+}
+
+QString fittingPath(const QString& basePath, const QString& extension)
+{
+    const qsizetype nameStart = basePath.lastIndexOf(u'/') + 1;
+    QString name = basePath.mid(nameStart);
+    name.remove(QChar(u'\0'));
+    const qsizetype room = maxNameBytes - QFile::encodeName(extension).size();
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, name);
+    characters.toEnd();
+    qsizetype length = name.size();
+    while (length > 0 && QFile::encodeName(name.left(length)).size() > room)
+        length = characters.toPreviousBoundary();
+    return basePath.left(nameStart) + name.left(length) + extension;
+}
+
+QString RipWorker::outputBasePath(int trackNumber, const QString& title) const
+{
+    QString name = namingRule.trimmed();
+    if (name.isEmpty())
+        name = QLatin1String(settings::defaultNamingRule);
+    name.replace(QLatin1String("{track}"), twoDigits(trackNumber));
+    name.replace(QLatin1String("{title}"), cleanNamePart(title));
+    name.replace(QLatin1String("{artist}"), cleanNamePart(artist));
+    name.replace(QLatin1String("{album}"), cleanNamePart(album));
+    name.replace(QLatin1String("{year}"), cleanNamePart(year.left(4)));
+    name = cleanNamePart(name);
+    if (name.isEmpty())
+        name = twoDigits(trackNumber) + QStringLiteral(". ") + cleanNamePart(title);
+    return outputFolder + u'/' + name;
+}
+
+QString RipWorker::uniqueFolder(const QString& parent, const QString& name)
+{
+    const QString first = parent + u'/' + name;
+    const QString copy = first + pickLang(" - コピー", " - Copy");
+    QString candidate = first;
+    for (int n = 1; QFileInfo(candidate).isDir(); ++n)
+        candidate = n == 1 ? copy : copy + QStringLiteral(" (%1)").arg(n);
+    QDir().mkpath(candidate);
+    return candidate;
+}

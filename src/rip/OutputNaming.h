@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+/// Takes out what no file name may hold on any common system: \ / : * ? " < > |
+QString withoutForbiddenCharacters(QString text);
+
+/// The text without forbidden characters, and without blanks and full stops at
+/// its end.
+QString cleanNamePart(const QString& text);
+
+/// The path with its extension appended, the file name cut at a whole character
+/// to what the file system takes (255 bytes, the extension kept).
+QString fittingPath(const QString& basePath, const QString& extension);

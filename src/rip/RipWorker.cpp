@@ -1,0 +1,166 @@
+#include "rip/RipWorker.h"
+
+#include "base/Settings.h"
+#include "codecs/IAudioEncoder.h"
+#include "disc/CdDrive.h"
+#include "metadata/TagWriter.h"
+#include "rip/OutputNaming.h"
+#include "rip/RunGuard.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStorageInfo>
+
+#include <algorithm>
+
+namespace {
+
+struct FormatOfRip {
+    OutputFormat format;
+    EncoderId encoder;
+    const char* extension;
+};
+
+constexpr FormatOfRip formats[] = {
+    {OutputFlac, FlacEncoderId, ".flac"}, {OutputWav, WavEncoderId, ".wav"},
+    {OutputMp3, Mp3EncoderId, ".mp3"},    {OutputAac, AacEncoderId, ".m4a"},
+    {OutputAlac, AlacEncoderId, ".m4a"},
+};
+constexpr const FormatOfRip& wavFormat = formats[1];
+
+const FormatOfRip& formatOfRip(OutputFormat format)
+{
+    const auto* found =
+        std::find_if(std::begin(formats), std::end(formats), [format](const auto& f) { return f.format == format; });
+    return found == std::end(formats) ? wavFormat : *found;
+}
+
+// Tags that run out of room in the middle would cut the end off the audio, so
+// they are only begun where they surely fit.
+bool roomForTags(const QString& path, const QPixmap& cover)
+{
+    constexpr qint64 texts = 256 * 1024;
+    const qint64 picture = qint64{cover.width()} * cover.height() * 2;
+    return QStorageInfo(QFileInfo(path).absolutePath()).bytesAvailable() > texts + picture;
+}
+
+} // namespace
+
+RipWorker::RipWorker(QObject* parent)
+    : QObject(parent)
+    , namingRule(QLatin1String(settings::defaultNamingRule))
+{
+    qRegisterMetaType<SectorResult>();
+    qRegisterMetaType<RipResult>();
+    qRegisterMetaType<QList<TrackInfo>>();
+}
+
+RipWorker::~RipWorker() = default;
+
+void RipWorker::configure(CdDrive* newDrive, const DiscToc& newDisc, const QString& folder,
+                          const QString& newArtist, const QString& newAlbum, const QString& newYear,
+                          const QPixmap& newCover, const QString& token, int number, int total, int quality,
+                          OutputFormat format, const QString& audioFile, int rereads)
+{
+    drive = newDrive;
+    disc = newDisc;
+    outputFolder = folder;
+    artist = newArtist;
+    album = newAlbum;
+    year = newYear;
+    cover = newCover;
+    discogsToken = token;
+    discNumber = number;
+    discTotal = total;
+    qualityValue = quality;
+    outputFormat = format;
+    sourceAudioFile = audioFile;
+    rereadLimit = std::max(rereads, 1);
+}
+
+void RipWorker::setNamingRule(const QString& rule)
+{
+    namingRule = rule;
+}
+
+QString RipWorker::unfinishedFile() const
+{
+    const std::lock_guard lock(fileLock);
+    return fileInWork;
+}
+
+void RipWorker::setUnfinishedFile(const QString& path)
+{
+    const std::lock_guard lock(fileLock);
+    fileInWork = path;
+}
+
+void RipWorker::run()
+{
+    if (sourceAudioFile.isEmpty()) {
+        runDisc();
+    } else {
+        QDir().mkpath(outputFolder);
+        runFileMode();
+    }
+    Q_EMIT finished();
+}
+
+void RipWorker::runDisc()
+{
+    if (!drive || disc.tracks.isEmpty()) {
+        if (drive)
+            drive->giveBack();
+        Q_EMIT error(QStringLiteral("No drive or tracks"));
+        return;
+    }
+    drive->borrow();
+    runGuard().begin();
+    QDir().mkpath(outputFolder);
+    if (disc.isImage)
+        runCueMode();
+    runGuard().end();
+    drive->giveBack();
+}
+
+bool RipWorker::encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,
+                            const QString& title, int trackNumber, int totalTracks, const QPixmap& trackCover)
+{
+    const quint64 frames = static_cast<quint64>(pcm.size()) / std::max<quint64>(format.channels, 1);
+    const QString path = fittingPath(basePath, QLatin1String(formatOfRip(outputFormat).extension));
+    {
+        const AudioBlock block{std::move(pcm), frames};
+        if (!writeAudio(block, format, path))
+            return false;
+    }
+    TagData tags;
+    tags.title = title;
+    tags.artist = artist;
+    tags.album = album;
+    tags.year = year;
+    tags.trackNumber = trackNumber;
+    tags.trackTotal = totalTracks;
+    tags.discNumber = discNumber;
+    tags.discTotal = discTotal;
+    tags.cover = trackCover;
+    if (roomForTags(path, trackCover))
+        writeTags(path, tags);
+    return true;
+}
+
+bool RipWorker::writeAudio(const AudioBlock& block, const AudioFormat& format, const QString& path)
+{
+    const auto encoder = makeEncoder(formatOfRip(outputFormat).encoder);
+    const bool opened = encoder->open(QFile::encodeName(path).toStdString(), format);
+    if (opened)
+        setUnfinishedFile(path);
+    const bool written = opened && encoder->write(block);
+    const bool closed = encoder->close();
+    const bool whole = written && closed;
+    // What a failed encoder leaves behind would pass for a track.
+    if (opened && !whole && QFileInfo(path).isFile())
+        QFile::remove(path);
+    setUnfinishedFile(QString());
+    return whole;
+}

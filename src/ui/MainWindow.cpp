@@ -1,0 +1,294 @@
+#include "ui/MainWindow.h"
+
+#include "base/Language.h"
+#include "base/Settings.h"
+#include "disc/CdDrive.h"
+#include "rip/RipWorker.h"
+#include "ui/DrawThrottle.h"
+#include "ui/LogViewer.h"
+#include "ui/PageParts.h"
+#include "ui/ProgramInfo.h"
+#include "ui/Resources.h"
+#include "ui/RipRelay.h"
+#include "ui/SectorMap.h"
+#include "ui/StyleSheet.h"
+
+#include <QComboBox>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QRegularExpression>
+#include <QScrollArea>
+#include <QSettings>
+#include <QSpinBox>
+#include <QStackedWidget>
+#include <QStyle>
+#include <QTableWidget>
+#include <QThread>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int stopMilliseconds = 5000;
+
+QWidget* bar(const char* objectName, int height)
+{
+    auto* made = new QWidget;
+    made->setObjectName(QLatin1String(objectName));
+    made->setFixedHeight(height);
+    return made;
+}
+
+} // namespace
+
+MainWindow::MainWindow()
+    : drive(std::make_unique<CdDrive>()), namingRule(QLatin1String(settings::defaultNamingRule))
+{
+    initResources();
+    setWindowTitle(QLatin1String(programinfo::name));
+    setMinimumSize(960, 620);
+    resize(1100, 680);
+    loadSettings();
+
+    auto* central = new QWidget;
+    auto* layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(buildTitleBar());
+    layout->addWidget(buildStepBar());
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setObjectName(QStringLiteral("hline"));
+    layout->addWidget(line);
+    pages = new QStackedWidget;
+    for (QWidget* page : {buildSourcePage(), buildOutputPage(), buildMetadataPage(), buildRipPage(),
+                          buildVerifyPage()})
+        pages->addWidget(pageparts::scrolling(page));
+    layout->addWidget(pages, 1);
+    layout->addWidget(buildNavBar());
+    setCentralWidget(central);
+
+    counterDrawing = new DrawThrottle([this] { drawCounters(); }, this);
+    setStyleSheet(styleSheetText());
+    goToStep(0);
+}
+
+MainWindow::~MainWindow()
+{
+    for (const RunningRip& rip : runningRips) {
+        rip.relay->close();
+        if (!rip.ended)
+            rip.worker->requestStop();
+        rip.thread->quit();
+    }
+    QDeadlineTimer patience(stopMilliseconds);
+    for (const RunningRip& rip : runningRips) {
+        if (rip.thread->wait(patience)) {
+            if (!rip.ended)
+                delete rip.worker;
+            continue;
+        }
+        // A rip that hangs keeps its thread and the drive, which outlive the window,
+        // and what it was writing is no track.
+        if (!rip.ended)
+            QFile::remove(rip.worker->unfinishedFile());
+        rip.thread->setParent(nullptr);
+        static_cast<void>(drive.release());
+    }
+}
+
+void MainWindow::loadSettings()
+{
+    const QSettings store;
+    maxRetries = store.value(QLatin1String(settings::maxRetries), maxRetries).toInt();
+    sampleOffset = store.value(QLatin1String(settings::sampleOffset), sampleOffset).toInt();
+    defaultOutputDir = store.value(QLatin1String(settings::defaultDir), QString()).toString();
+    namingRule = store.value(QLatin1String(settings::namingRule), namingRule).toString();
+    if (namingRule.trimmed().isEmpty())
+        namingRule = QLatin1String(settings::defaultNamingRule);
+}
+
+QWidget* MainWindow::buildTitleBar()
+{
+    auto* titleBar = bar("titleBar", 44);
+    auto* settingsBtn = pageparts::button(QStringLiteral("⚙  Settings"), "settingsBtn");
+    auto* convertBtn = pageparts::button(pickLang("⇄  ファイル変換", "⇄  Convert Files"), "convertBtn");
+    settingsBtn->setFixedHeight(28);
+    convertBtn->setFixedHeight(28);
+    connect(settingsBtn, &QPushButton::clicked, this, &MainWindow::onSettingsClicked);
+    connect(convertBtn, &QPushButton::clicked, this, &MainWindow::onConvertClicked);
+
+    auto* row = new QHBoxLayout(titleBar);
+    row->setContentsMargins(24, 0, 16, 0);
+    row->addWidget(pageparts::label(QStringLiteral("TARVEL CD RIPPER"), "appTitle"));
+    row->addWidget(pageparts::label(QLatin1Char('v') + QLatin1String(programinfo::version), "verLabel"));
+    row->addStretch();
+    row->addWidget(settingsBtn);
+    row->addWidget(convertBtn);
+    return titleBar;
+}
+
+QWidget* MainWindow::buildStepBar()
+{
+    static const std::array<QString, stepCount> names{
+        QStringLiteral("① Source"), QStringLiteral("② Output"), QStringLiteral("③ Metadata"),
+        QStringLiteral("④ RIP"), QStringLiteral("⑤ Verify")};
+
+    stepBar = bar("stepBar", 48);
+    auto* row = new QHBoxLayout(stepBar);
+    row->setContentsMargins(24, 0, 24, 0);
+    row->setSpacing(0);
+    for (std::size_t step = 0; step < names.size(); ++step) {
+        if (step > 0) {
+            auto* separator = pageparts::label(QStringLiteral("›"), "stepSep");
+            separator->setAlignment(Qt::AlignCenter);
+            row->addWidget(separator, 0);
+        }
+        stepLabels[step] = pageparts::label(names[step], "stepLabel");
+        stepLabels[step]->setAlignment(Qt::AlignCenter);
+        row->addWidget(stepLabels[step], 1);
+    }
+    return stepBar;
+}
+
+QWidget* MainWindow::buildNavBar()
+{
+    auto* navBar = bar("navBar", 56);
+    backBtn = pageparts::button(QStringLiteral("◀  Back"), "backBtn");
+    nextBtn = pageparts::button(QStringLiteral("Next  ▶"), "nextBtn");
+    backBtn->setFixedSize(110, 34);
+    nextBtn->setFixedSize(110, 34);
+    connect(backBtn, &QPushButton::clicked, this, &MainWindow::onBack);
+    connect(nextBtn, &QPushButton::clicked, this, &MainWindow::onNext);
+
+    auto* row = new QHBoxLayout(navBar);
+    row->setContentsMargins(24, 0, 24, 0);
+    row->setSpacing(12);
+    row->addWidget(backBtn);
+    row->addStretch();
+    row->addWidget(nextBtn);
+    return navBar;
+}
+
+void MainWindow::updateStepIndicator()
+{
+    for (int step = 0; step < stepCount; ++step) {
+        QLabel* label = stepLabels[static_cast<std::size_t>(step)];
+        label->setProperty("active", step == currentStep);
+        label->setProperty("done", step < currentStep);
+        label->style()->unpolish(label);
+        label->style()->polish(label);
+    }
+}
+
+void MainWindow::goToStep(int step)
+{
+    currentStep = step;
+    pages->setCurrentIndex(step);
+    updateStepIndicator();
+    backBtn->setVisible(step >= 1);
+    backBtn->setEnabled(step > 0);
+
+    if (step == 2) {
+        enterMetadata();
+        return;
+    }
+    nextBtn->setText(step == 4 ? pickLang("完了", "Finish") : QStringLiteral("Next  ▶"));
+    nextBtn->setEnabled(step != 3);
+    if (step == 4) {
+        rebuildVerifyTable();
+        startVerify();
+    }
+}
+
+QString MainWindow::chosenDriveLetter() const
+{
+    const QString letter = driveCombo->currentData().toString();
+    const QString text = driveCombo->currentText();
+    if (!letter.isEmpty() || text.trimmed().isEmpty())
+        return letter;
+    static const QRegularExpression windowsLetter(QStringLiteral("([A-Z]:)"));
+    return windowsLetter.match(text).captured(1);
+}
+
+// The audio file wins over the CUE sheet, and the CUE sheet over the drive,
+// whatever the order in which they were chosen. A sheet's tracks were filled
+// in when it was picked.
+void MainWindow::enterMetadata()
+{
+    const QString letter = chosenDriveLetter();
+    if (!audioPathEdit->text().isEmpty())
+        fillForAudioFile();
+    else if (!letter.isEmpty() && cuePathEdit->text().isEmpty())
+        enterDrive(letter);
+}
+
+void MainWindow::enterDrive(const QString& letter)
+{
+    if (!drive->open(letter))
+        return;
+    applyDriveOffset();
+    const DiscToc read = drive->readToc();
+    if (read.tracks.isEmpty())
+        return;
+    disc = read;
+    fillTrackTable();
+}
+
+bool MainWindow::sourceIsAudioFile() const
+{
+    return !audioPathEdit->text().isEmpty() && disc.tracks.size() == 1 && disc.tracks.first().sourceIsAudioFile;
+}
+
+void MainWindow::onNext()
+{
+    if ((sourceIsAudioFile() && currentStep == 3) || currentStep >= 4)
+        close();
+    else
+        goToStep(currentStep + 1);
+}
+
+void MainWindow::onBack()
+{
+    if (currentStep >= 1)
+        goToStep(currentStep - 1);
+}
+
+void MainWindow::reset()
+{
+    driveCombo->setCurrentIndex(-1);
+    cuePathEdit->clear();
+    audioPathEdit->clear();
+    for (QLineEdit* field : {albumEdit, artistEdit, yearEdit}) {
+        field->clear();
+        field->setPlaceholderText(QString());
+    }
+    trackTable->setRowCount(0);
+    coverPixmap = QPixmap();
+    artLabel->setText(QStringLiteral("♪"));
+    discNumberSpin->setValue(1);
+    discTotalSpin->setValue(1);
+    disc = DiscToc();
+    drive->close();
+    resetRipPage();
+
+    pages->setCurrentIndex(0);
+    currentStep = 0;
+    updateStepIndicator();
+    backBtn->setEnabled(false);
+    nextBtn->setText(QStringLiteral("Next  ▶"));
+    nextBtn->setEnabled(true);
+}
+
+void MainWindow::onSettingsClicked()
+{
+}
+
+void MainWindow::onConvertClicked()
+{
+}

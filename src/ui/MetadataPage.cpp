@@ -1,0 +1,149 @@
+#include "ui/MainWindow.h"
+
+#include "base/Language.h"
+#include "ui/AlbumFolder.h"
+#include "ui/PageParts.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+QLabel* formLabel(const QString& text)
+{
+    auto* made = pageparts::label(text, "formLabel");
+    made->setFixedWidth(80);
+    return made;
+}
+
+QHBoxLayout* formRow(const QString& text, QLineEdit* field)
+{
+    auto* row = new QHBoxLayout;
+    row->addWidget(formLabel(text));
+    row->addWidget(field, 1);
+    return row;
+}
+
+QSpinBox* discSpin()
+{
+    auto* spin = new QSpinBox;
+    spin->setObjectName(QStringLiteral("formEdit"));
+    spin->setRange(1, 99);
+    spin->setValue(1);
+    spin->setFixedWidth(60);
+    return spin;
+}
+
+} // namespace
+
+QWidget* MainWindow::buildMetadataPage()
+{
+    artLabel = pageparts::label(QStringLiteral("♪"), "artLabel");
+    artLabel->setFixedSize(pageparts::coverPixels, pageparts::coverPixels);
+    artLabel->setAlignment(Qt::AlignCenter);
+    auto* selectArt = pageparts::button(pickLang("アートを選択", "Select Art"), "browseBtn");
+    connect(selectArt, &QPushButton::clicked, this, [this] { pickCover(); });
+    auto* coverColumn = new QVBoxLayout;
+    coverColumn->addWidget(artLabel);
+    coverColumn->addWidget(selectArt);
+    coverColumn->addStretch();
+
+    auto* columns = new QHBoxLayout;
+    columns->setSpacing(24);
+    columns->addLayout(coverColumn);
+    columns->addLayout(buildAlbumFields(), 1);
+
+    trackTable = pageparts::trackTable(
+        {QStringLiteral("#"), pickLang("曲名", "Title"), pickLang("時間", "Time")}, 40, 70);
+    trackTable->setFixedHeight(180);
+
+    auto* page = new QWidget;
+    auto* layout = pageparts::pageLayout(page, 16);
+    layout->addWidget(pageparts::heading(
+        pickLang("アルバム情報を確認・編集してください", "Check and edit the album information")));
+    layout->addLayout(columns);
+    layout->addWidget(pageparts::label(pickLang("トラックリスト", "Track List"), "sectionLabel"));
+    layout->addWidget(trackTable);
+    layout->addStretch();
+    return page;
+}
+
+QBoxLayout* MainWindow::buildAlbumFields()
+{
+    albumEdit = pageparts::lineEdit("formEdit");
+    artistEdit = pageparts::lineEdit("formEdit");
+    yearEdit = pageparts::lineEdit("formEdit");
+    discNumberSpin = discSpin();
+    discTotalSpin = discSpin();
+
+    auto* discRow = new QHBoxLayout;
+    discRow->addWidget(formLabel(QStringLiteral("DISC")));
+    discRow->addWidget(discNumberSpin);
+    discRow->addWidget(pageparts::label(QStringLiteral(" /  "), "formLabel"));
+    discRow->addWidget(discTotalSpin);
+    discRow->addStretch();
+
+    auto* fields = new QVBoxLayout;
+    fields->setSpacing(10);
+    fields->addLayout(formRow(pickLang("アルバム", "Album"), albumEdit));
+    fields->addLayout(formRow(pickLang("アーティスト", "Artist"), artistEdit));
+    fields->addLayout(formRow(pickLang("年", "Year"), yearEdit));
+    fields->addLayout(discRow);
+    return fields;
+}
+
+void MainWindow::pickCover()
+{
+    const QString path =
+        QFileDialog::getOpenFileName(this, QStringLiteral("Select cover art"), QString(),
+                                     QStringLiteral("Images (*.png *.jpg *.jpeg *.bmp *.gif)"));
+    QPixmap picture;
+    if (path.isEmpty() || !picture.load(path))
+        return;
+    coverPixmap = picture;
+    pageparts::showCover(artLabel, picture);
+}
+
+void MainWindow::fillTrackTable()
+{
+    trackTable->setRowCount(0);
+    for (const TrackInfo& track : disc.tracks) {
+        const QString title = track.isData
+            ? pickLang("（データトラック・音声ではないため取り込みません）",
+                       "(data track - not audio, will not be ripped)")
+            : pageparts::shownTitle(track);
+        pageparts::addTrackRow(trackTable, pageparts::twoDigits(track.number), title,
+                               pageparts::playingTime(track.seconds));
+    }
+}
+
+void MainWindow::fillForAudioFile()
+{
+    TrackInfo track;
+    track.number = 1;
+    track.title = QFileInfo(audioPathEdit->text()).completeBaseName();
+    track.sourceIsAudioFile = true;
+    disc = DiscToc();
+    disc.tracks = {track};
+
+    trackTable->setRowCount(0);
+    pageparts::addTrackRow(trackTable, pageparts::twoDigits(track.number), track.title, QStringLiteral("—"));
+    albumEdit->setPlaceholderText(pickLang("アルバム名を入力", "Enter album name"));
+    artistEdit->setPlaceholderText(pickLang("アーティスト名を入力", "Enter artist name"));
+}
+
+void MainWindow::mergeTitles()
+{
+    const auto rows = qMin<qsizetype>(trackTable->rowCount(), disc.tracks.size());
+    for (int row = 0; row < rows; ++row) {
+        const QString title = pageparts::cellText(trackTable, row, 1);
+        if (!title.isEmpty() && !looksGenerated(title))
+            disc.tracks[row].title = title;
+    }
+}

@@ -1,0 +1,122 @@
+#include "ui/MainWindow.h"
+
+#include "base/Language.h"
+#include "ui/PageParts.h"
+
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStandardPaths>
+#include <QVBoxLayout>
+
+#include <array>
+
+namespace {
+
+/// By the number of the format; the worker has two more than the page offers.
+constexpr std::array<const char*, 5> extensions{"flac", "wav", "mp3", "m4a", "m4a"};
+
+struct FormatChoice {
+    const char* japanese;
+    const char* english;
+    const char* name;
+};
+
+constexpr std::array<FormatChoice, 3> formatChoices{{
+    {"FLAC  （可逆圧縮・タグ・アルバムアート埋め込み）", "FLAC  (lossless · tags · cover art)", "flac"},
+    {"WAV   （非圧縮・タグ・アルバムアート埋め込み）", "WAV   (uncompressed · tags · cover art)", "wav"},
+    {"MP3   （非可逆圧縮・タグ・アルバムアート埋め込み）", "MP3   (lossy · tags · cover art)", "mp3"},
+}};
+
+QString sampleFileName(QString rule, int number, const QString& artist, const QString& album,
+                       const QString& extension)
+{
+    rule.replace(QStringLiteral("{track}"), pageparts::twoDigits(number));
+    rule.replace(QStringLiteral("{title}"), pickLang("曲名", "Title"));
+    rule.replace(QStringLiteral("{artist}"), artist);
+    rule.replace(QStringLiteral("{album}"), album);
+    rule.replace(QStringLiteral("{year}"), pickLang("年", "Year"));
+    return rule + QLatin1Char('.') + extension;
+}
+
+} // namespace
+
+QWidget* MainWindow::buildOutputPage()
+{
+    outputPathEdit = pageparts::lineEdit("pathEdit", pickLang("フォルダを選択...", "Select folder..."));
+    outputPathEdit->setText(defaultOutputDir.isEmpty()
+                                ? QStandardPaths::writableLocation(QStandardPaths::MusicLocation)
+                                : defaultOutputDir);
+    auto* browse = pageparts::button(pickLang("参照...", "Browse..."), "browseBtn");
+    browse->setFixedWidth(80);
+    connect(browse, &QPushButton::clicked, this, &MainWindow::onBrowseOutput);
+    auto* folderRow = new QHBoxLayout;
+    folderRow->addWidget(outputPathEdit, 1);
+    folderRow->addWidget(browse);
+
+    auto* page = new QWidget;
+    formatCombo = new QComboBox(page);
+    formatCombo->hide();
+    auto* formatButtons = new QButtonGroup(page);
+    auto* formats = new QVBoxLayout;
+    for (const FormatChoice& choice : formatChoices) {
+        auto* radio = new QRadioButton(pickLang(choice.japanese, choice.english));
+        radio->setObjectName(QStringLiteral("fmtRadio"));
+        formatButtons->addButton(radio, formatCombo->count());
+        formatCombo->addItem(QLatin1String(choice.name));
+        formats->addWidget(radio);
+    }
+    formatButtons->button(0)->setChecked(true);
+    connect(formatButtons, &QButtonGroup::idClicked, this, [this](int id) {
+        formatCombo->setCurrentIndex(id);
+        updateFolderPreview();
+    });
+
+    folderPreview = pageparts::label(QString(), "previewLabel");
+    auto* preview = new QVBoxLayout;
+    preview->addWidget(folderPreview);
+
+    auto* layout = pageparts::pageLayout(page, 20);
+    layout->addWidget(pageparts::heading(
+        pickLang("出力先とフォーマットを設定してください", "Choose the output folder and format")));
+    layout->addWidget(pageparts::group(pickLang("出力先フォルダ", "Output Folder"), folderRow));
+    layout->addWidget(pageparts::group(pickLang("出力フォーマット", "Output Format"), formats));
+    formats->setSpacing(10);
+    layout->addWidget(pageparts::group(pickLang("フォルダ構成プレビュー", "Folder Preview"), preview));
+    layout->addStretch();
+    updateFolderPreview();
+    return page;
+}
+
+void MainWindow::updateFolderPreview()
+{
+    const int chosen = formatCombo->currentIndex();
+    const bool known = chosen >= 0 && chosen < formatCombo->count()
+        && chosen < static_cast<int>(extensions.size());
+    const QString extension = QLatin1String(extensions[known ? static_cast<std::size_t>(chosen) : 0]);
+    const QString artist = pickLang("アーティスト名", "Artist");
+    const QString album = pickLang("アルバム名", "Album");
+
+    folderPreview->setText(pickLang("出力先", "Output folder") + QStringLiteral("\\\n  └─ ") + artist
+                           + QStringLiteral(" - ") + album + QStringLiteral("\\\n        ├─ ")
+                           + sampleFileName(namingRule, 1, artist, album, extension)
+                           + QStringLiteral("\n        ├─ ")
+                           + sampleFileName(namingRule, 2, artist, album, extension)
+                           + QStringLiteral("\n        └─ cover.jpg\n\n")
+                           + pickLang("※ 複数枚組は Disc1\\ Disc2\\ … に分かれます",
+                                      "* Multi-disc sets are split into Disc1\\ Disc2\\ …"));
+}
+
+void MainWindow::onBrowseOutput()
+{
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, pickLang("出力先フォルダを選択", "Select output folder"),
+                                          outputPathEdit->text(), QFileDialog::ShowDirsOnly);
+    if (!folder.isEmpty())
+        outputPathEdit->setText(folder);
+}

@@ -1,0 +1,119 @@
+#include "ui/PageParts.h"
+
+#include "disc/DiscModel.h"
+
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPixmap>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace pageparts {
+
+QLabel* label(const QString& text, const char* objectName)
+{
+    auto* made = new QLabel(text);
+    made->setObjectName(QLatin1String(objectName));
+    return made;
+}
+
+QLabel* heading(const QString& text)
+{
+    return label(text, "stepHeading");
+}
+
+QLineEdit* lineEdit(const char* objectName, const QString& placeholder)
+{
+    auto* made = new QLineEdit;
+    made->setObjectName(QLatin1String(objectName));
+    made->setPlaceholderText(placeholder);
+    return made;
+}
+
+QPushButton* button(const QString& text, const char* objectName)
+{
+    auto* made = new QPushButton(text);
+    made->setObjectName(QLatin1String(objectName));
+    return made;
+}
+
+QGroupBox* group(const QString& title, QBoxLayout* content)
+{
+    auto* made = new QGroupBox(title);
+    made->setObjectName(QStringLiteral("sourceGroup"));
+    // The style sheet's padding stands around this; the top keeps clear of the title.
+    content->setContentsMargins(4, 8, 4, 2);
+    made->setLayout(content);
+    return made;
+}
+
+QVBoxLayout* pageLayout(QWidget* page, int spacing)
+{
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(40, 32, 40, 32);
+    layout->setSpacing(spacing);
+    return layout;
+}
+
+QScrollArea* scrolling(QWidget* page)
+{
+    auto* area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(page);
+    return area;
+}
+
+QTableWidget* trackTable(const QStringList& headers, int firstWidth, int lastWidth)
+{
+    auto* table = new QTableWidget(0, static_cast<int>(headers.size()));
+    table->setObjectName(QStringLiteral("trackTable"));
+    table->setHorizontalHeaderLabels(headers);
+    table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
+    table->setColumnWidth(0, firstWidth);
+    table->setColumnWidth(2, lastWidth);
+    table->verticalHeader()->setVisible(false);
+    return table;
+}
+
+void addTrackRow(QTableWidget* table, const QString& number, const QString& title, const QString& last)
+{
+    const int row = table->rowCount();
+    table->insertRow(row);
+    table->setRowHeight(row, 26);
+    int column = 0;
+    for (const QString& text : {number, title, last})
+        table->setItem(row, column++, new QTableWidgetItem(text));
+}
+
+QString cellText(const QTableWidget* table, int row, int column)
+{
+    const QTableWidgetItem* item = table->item(row, column);
+    return item ? item->text() : QString();
+}
+
+QString twoDigits(int number)
+{
+    return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
+}
+
+QString playingTime(int seconds)
+{
+    return QStringLiteral("%1:%2").arg(QString::number(seconds / 60), twoDigits(seconds % 60));
+}
+
+QString shownTitle(const TrackInfo& track)
+{
+    return track.title.isEmpty() ? QStringLiteral("Track %1").arg(track.number) : track.title;
+}
+
+void showCover(QLabel* box, const QPixmap& cover)
+{
+    box->setPixmap(cover.scaled(box->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+}
+
+} // namespace pageparts

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class QBoxLayout;
+class QGroupBox;
+class QLabel;
+class QLayout;
+class QLineEdit;
+class QPixmap;
+class QPushButton;
+class QScrollArea;
+class QTableWidget;
+class QVBoxLayout;
+class QWidget;
+struct TrackInfo;
+
+/// The pieces that the wizard's pages are put together from. Object names act
+/// as style classes.
+namespace pageparts {
+
+inline constexpr int coverPixels = 140; ///< edge of the cover box
+
+QLabel* label(const QString& text, const char* objectName);
+QLabel* heading(const QString& text);
+QLineEdit* lineEdit(const char* objectName, const QString& placeholder = {});
+QPushButton* button(const QString& text, const char* objectName);
+/// A titled frame that takes over the layout.
+QGroupBox* group(const QString& title, QBoxLayout* content);
+/// The common frame of a text page: its margins, and the spacing given.
+QVBoxLayout* pageLayout(QWidget* page, int spacing);
+/// The page in an area that scrolls only when the window is too small for it.
+QScrollArea* scrolling(QWidget* page);
+
+/// An empty table of three columns, the middle one taking what room there is.
+QTableWidget* trackTable(const QStringList& headers, int firstWidth, int lastWidth);
+void addTrackRow(QTableWidget* table, const QString& number, const QString& title, const QString& last);
+QString cellText(const QTableWidget* table, int row, int column);
+
+QString twoDigits(int number);
+/// Minutes and two digits of seconds.
+QString playingTime(int seconds);
+/// The title, or "Track 7" for a track without one.
+QString shownTitle(const TrackInfo& track);
+/// Puts the cover into its box, scaled to the box.
+void showCover(QLabel* box, const QPixmap& cover);
+
+} // namespace pageparts

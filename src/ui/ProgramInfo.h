@@ -1,0 +1,11 @@
+#pragma once
+
+/// What the program calls itself, in the window, the log and the About page.
+namespace programinfo {
+
+inline constexpr char name[] = "Tarvel CD Ripper";
+inline constexpr char organisation[] = "VEDRANO";
+inline constexpr char version[] = "2.0.0";
+inline constexpr char buildLabel[] = "2.0.0 (build 20261006-1720)";
+
+} // namespace programinfo

@@ -1,0 +1,157 @@
+#include "ui/RipRelay.h"
+
+#include "rip/RipWorker.h"
+
+#include <QElapsedTimer>
+#include <QPointer>
+
+#include <condition_variable>
+#include <mutex>
+#include <utility>
+
+/// The part that both threads touch.
+class RipRelay::Channel {
+public:
+    explicit Channel(RipRelay* target) : relay(target) {}
+
+    /// On the worker's thread.
+    void push(Event event)
+    {
+        std::unique_lock lock(mutex);
+        room.wait(lock, [this] { return closed || waiting.size() <= waitingLimit; });
+        if (closed)
+            return;
+        waiting.push_back(std::move(event));
+        wakeLocked();
+    }
+
+    /// Swaps the waiting events into an empty batch; on the GUI thread.
+    void take(std::vector<Event>& batch)
+    {
+        {
+            const std::lock_guard lock(mutex);
+            waiting.swap(batch);
+        }
+        room.notify_all();
+    }
+
+    void wake()
+    {
+        const std::lock_guard lock(mutex);
+        if (!closed)
+            wakeLocked();
+    }
+
+    void turnBegins()
+    {
+        const std::lock_guard lock(mutex);
+        wakeUnderWay = false;
+    }
+
+    void close()
+    {
+        {
+            const std::lock_guard lock(mutex);
+            closed = true;
+            waiting.clear();
+        }
+        room.notify_all();
+    }
+
+private:
+    // The relay cannot go while the lock is held and the channel is open: its
+    // destructor closes the channel first.
+    void wakeLocked()
+    {
+        if (!std::exchange(wakeUnderWay, true))
+            QMetaObject::invokeMethod(relay, &RipRelay::deliverTurn, Qt::QueuedConnection);
+    }
+
+    std::mutex mutex;
+    std::condition_variable room;
+    std::vector<Event> waiting;
+    RipRelay* relay;
+    bool wakeUnderWay = false;
+    bool closed = false;
+};
+
+RipRelay::RipRelay(QObject* parent)
+    : QObject(parent), channel(std::make_shared<Channel>(this))
+{
+}
+
+RipRelay::~RipRelay()
+{
+    close();
+}
+
+void RipRelay::attach(RipWorker* worker)
+{
+    // Connected to the channel rather than to this object, which may go while
+    // the worker is inside one of these functions.
+    const auto to = channel;
+    connect(worker, &RipWorker::sectorDone, worker,
+            [to](const SectorResult& sector) { to->push(sector); }, Qt::DirectConnection);
+    connect(worker, &RipWorker::trackStarted, worker,
+            [to](int number, int total, const QString& title) { to->push(TrackStart{number, total, title}); },
+            Qt::DirectConnection);
+    connect(worker, &RipWorker::trackDone, worker,
+            [to](const RipResult& result) { to->push(result); }, Qt::DirectConnection);
+    connect(worker, &RipWorker::logLine, worker,
+            [to](const QString& line) { to->push(LogLine{line}); }, Qt::DirectConnection);
+    connect(worker, &RipWorker::statusText, worker,
+            [to](const QString& text) { to->push(StatusText{text}); }, Qt::DirectConnection);
+    connect(worker, &RipWorker::finished, worker, [to] { to->push(Finish{}); }, Qt::DirectConnection);
+}
+
+void RipRelay::close()
+{
+    channel->close();
+    batch.clear();
+    next = 0;
+}
+
+void RipRelay::deliverTurn()
+{
+    channel->turnBegins();
+    const QPointer<RipRelay> self(this);
+    QElapsedTimer turn;
+    turn.start();
+    while (fetchBatch()) {
+        // Taken out first: a slot may run an event loop that comes back here.
+        const Event event = std::move(batch[next++]);
+        deliver(event);
+        if (!self)
+            return;
+        if (turn.elapsed() >= turnMilliseconds) {
+            channel->wake();
+            return;
+        }
+    }
+}
+
+bool RipRelay::fetchBatch()
+{
+    if (next < batch.size())
+        return true;
+    batch.clear();
+    next = 0;
+    channel->take(batch);
+    return !batch.empty();
+}
+
+void RipRelay::deliver(const Event& event)
+{
+    if (const auto* sector = std::get_if<SectorResult>(&event))
+        Q_EMIT sectorDone(*sector);
+    else if (const auto* start = std::get_if<TrackStart>(&event))
+        Q_EMIT trackStarted(start->number, start->total, start->title);
+    else if (const auto* result = std::get_if<RipResult>(&event))
+        Q_EMIT trackDone(*result);
+    else if (const auto* line = std::get_if<LogLine>(&event))
+        Q_EMIT logLine(line->text);
+    else if (const auto* status = std::get_if<StatusText>(&event))
+        Q_EMIT statusText(status->text);
+    else
+        Q_EMIT finished();
+}

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "disc/DiscModel.h"
+#include "rip/RipTypes.h"
+
+#include <QObject>
+
+#include <memory>
+#include <variant>
+#include <vector>
+
+class RipWorker;
+
+/// Carries what a worker reports to the GUI thread, in order and complete, at
+/// any speed: a burst crosses as one wake-up instead of one posted event for
+/// each signal, delivery gives the event loop a turn every few milliseconds,
+/// and a worker that runs far ahead is made to wait.
+///
+/// Lives in the GUI thread, and its signals are emitted there. No lock is held
+/// while they are, so that a slot may run an event loop of its own.
+class RipRelay : public QObject {
+    Q_OBJECT
+public:
+    /// Events that may wait before the worker is held.
+    static constexpr std::size_t waitingLimit = 8192;
+    /// How long one turn of delivery may last before the event loop gets its own.
+    static constexpr int turnMilliseconds = 10;
+
+    explicit RipRelay(QObject* parent = nullptr);
+    ~RipRelay() override;
+
+    /// Called once, before the worker runs.
+    void attach(RipWorker* worker);
+    /// Drops everything from now on and frees a worker that waits. For good.
+    void close();
+
+Q_SIGNALS:
+    void sectorDone(const SectorResult& sector);
+    void trackStarted(int trackNumber, int totalTracks, const QString& title);
+    void trackDone(const RipResult& result);
+    void logLine(const QString& line);
+    void statusText(const QString& text);
+    void finished();
+
+private:
+    struct TrackStart {
+        int number;
+        int total;
+        QString title;
+    };
+    struct LogLine {
+        QString text;
+    };
+    struct StatusText {
+        QString text;
+    };
+    struct Finish {};
+    using Event = std::variant<SectorResult, TrackStart, RipResult, LogLine, StatusText, Finish>;
+    class Channel;
+
+    void deliverTurn();
+    bool fetchBatch();
+    void deliver(const Event& event);
+
+    std::shared_ptr<Channel> channel; ///< shared with the worker's connections, which may outlive this
+    std::vector<Event> batch;         ///< taken from the channel, delivered up to `next`
+    std::size_t next = 0;
+};

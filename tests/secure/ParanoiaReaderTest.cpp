@@ -1,0 +1,134 @@
+#include "secure/ParanoiaReader.h"
+#include "support/DiscMaker.h"
+#include "support/SimulatedDrive.h"
+
+#include <QTemporaryDir>
+#include <QtEndian>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QList<qint16> valuesOf(const QByteArray& audio)
+{
+    QList<qint16> values(audio.size() / 2);
+    qFromLittleEndian<qint16>(audio.constData(), values.size(), values.data());
+    return values;
+}
+
+class ImageTrackReading : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        audio = makeAudio(50, 11);
+        ImageDescription image;
+        image.tracks = {{0, QStringLiteral("One")}, {20, QStringLiteral("Two")}};
+        ASSERT_TRUE(drive.openCue(writeImage(folder.path(), image, audio)));
+        disc = drive.readToc();
+    }
+
+    QList<qint16> truth(int first, int count) const
+    {
+        return valuesOf(audio.mid(qsizetype{first} * RAW_SECTOR_BYTES, qsizetype{count} * RAW_SECTOR_BYTES));
+    }
+
+    QTemporaryDir folder;
+    QByteArray audio;
+    CdDrive drive;
+    DiscToc disc;
+    ParanoiaReader reader;
+};
+
+} // namespace
+
+TEST_F(ImageTrackReading, TracksAreBitExactAndEverySectorHasItsRecord)
+{
+    int calls = 0;
+    reader.onSector = [&calls](const SectorResult& record) {
+        EXPECT_EQ(record.lba, static_cast<quint32>(20 + calls));
+        ++calls;
+    };
+    EXPECT_EQ(reader.readTrack(drive, disc.tracks[1]), truth(20, 30));
+    EXPECT_EQ(calls, 30);
+    ASSERT_EQ(reader.results.size(), 30);
+    for (const SectorResult& record : reader.results) {
+        EXPECT_TRUE(record.clean);
+        EXPECT_FALSE(record.bad);
+        EXPECT_EQ(record.retries, 0);
+    }
+}
+
+TEST_F(ImageTrackReading, ProgressCountsSectorsFromOne)
+{
+    QList<QList<int>> seen;
+    reader.onProgress = [&seen](int track, int place, int count) { seen.append({track, place, count}); };
+    reader.readTrack(drive, disc.tracks[0]);
+    ASSERT_EQ(seen.size(), 20);
+    EXPECT_EQ(seen.constFirst(), (QList<int>{1, 1, 20}));
+    EXPECT_EQ(seen.constLast(), (QList<int>{1, 20, 20}));
+}
+
+TEST_F(ImageTrackReading, OffsetCountsValuesAndFillsWithSilence)
+{
+    const QList<qint16> plain = truth(0, 20);
+    drive.setReadOffset(6);
+    const QList<qint16> ahead = reader.readTrack(drive, disc.tracks[0]);
+    EXPECT_EQ(ahead.size(), plain.size());
+    EXPECT_EQ(ahead.first(plain.size() - 6), plain.sliced(6));
+    EXPECT_EQ(ahead.last(6), QList<qint16>(6, 0));
+    drive.setReadOffset(-6);
+    const QList<qint16> behind = reader.readTrack(drive, disc.tracks[0]);
+    EXPECT_EQ(behind.first(6), QList<qint16>(6, 0));
+    EXPECT_EQ(behind.sliced(6), plain.first(plain.size() - 6));
+}
+
+TEST_F(ImageTrackReading, UnreadableSectorIsBadAndSilent)
+{
+    TrackInfo track = disc.tracks[1];
+    track.startLba = 48;
+    track.endLba = 51;
+    const QList<qint16> samples = reader.readTrack(drive, track);
+    EXPECT_EQ(samples.first(2 * SECTOR_VALUES), truth(48, 2));
+    EXPECT_EQ(samples.last(2 * SECTOR_VALUES), QList<qint16>(2 * SECTOR_VALUES, 0));
+    EXPECT_TRUE(reader.results[3].bad);
+    EXPECT_FALSE(reader.results[3].clean);
+}
+
+TEST_F(ImageTrackReading, TracksWithoutLengthGiveNothing)
+{
+    TrackInfo track = disc.tracks[0];
+    for (const auto& [start, end] : {std::pair{0U, 0xFFFFFFFFU}, {20U, 19U}, {100U, 49U}, {0U, 0xFFFFFFF0U}}) {
+        track.startLba = start;
+        track.endLba = end;
+        EXPECT_TRUE(reader.readTrack(drive, track).isEmpty()) << start << ' ' << end;
+    }
+}
+
+TEST_F(ImageTrackReading, AbortEndsBeforeTheNextSectorAndIsClearedByTheNextRead)
+{
+    int calls = 0;
+    reader.onSector = [this, &calls](const SectorResult&) { reader.abortFlag = ++calls == 3; };
+    EXPECT_TRUE(reader.readTrack(drive, disc.tracks[0]).isEmpty());
+    EXPECT_EQ(calls, 3);
+    reader.onSector = nullptr;
+    EXPECT_EQ(reader.readTrack(drive, disc.tracks[0]), truth(0, 20));
+}
+
+TEST_F(ImageTrackReading, ForcedVerificationReadsEachSectorTwiceAndAgrees)
+{
+    reader.forceVerify = true;
+    EXPECT_EQ(reader.readTrack(drive, disc.tracks[0]), truth(0, 20));
+    EXPECT_TRUE(reader.results[7].clean);
+}
+
+TEST(PhysicalTrackReading, TracksOfADriveAreVerified)
+{
+    SimulatedDrive platform;
+    const DrivePlatformOverride override(platform);
+    platform.audio = makeAudio(40, 4);
+    CdDrive drive;
+    ASSERT_TRUE(drive.open(platform.letter));
+    ParanoiaReader reader;
+    EXPECT_EQ(reader.readTrack(drive, drive.readToc().tracks[0]), valuesOf(platform.audio));
+    EXPECT_TRUE(reader.results.constLast().clean);
+}

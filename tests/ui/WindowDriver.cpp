@@ -1,0 +1,110 @@
+#include "ui/WindowDriver.h"
+
+#include "base/Language.h"
+#include "base/Settings.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QSettings>
+#include <QStackedWidget>
+#include <QTest>
+#include <QTextEdit>
+#include <QTimer>
+
+namespace {
+
+constexpr int dialogPollMilliseconds = 5;
+constexpr int ripPatienceMilliseconds = 60000;
+
+} // namespace
+
+DialogWatcher::DialogWatcher(std::function<void(QDialog*)> onDialog)
+    : timer(std::make_unique<QTimer>())
+{
+    QObject::connect(timer.get(), &QTimer::timeout, [this, onDialog] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        timer->stop();
+        onDialog(dialog);
+    });
+    timer->start(dialogPollMilliseconds);
+}
+
+DialogWatcher::~DialogWatcher() = default;
+
+WindowDriver::WindowDriver(int languageMode)
+{
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QSettings().setValue(QLatin1String(settings::language), languageMode);
+    loadLanguage();
+    frame = std::make_unique<MainWindow>();
+    frame->show();
+}
+
+WindowDriver::~WindowDriver() = default;
+
+QWidget* WindowDriver::pageAt(int step)
+{
+    return frame->findChild<QStackedWidget*>()->widget(step);
+}
+
+int WindowDriver::step()
+{
+    return frame->findChild<QStackedWidget*>()->currentIndex();
+}
+
+void WindowDriver::click(QPushButton* button)
+{
+    QTest::mouseClick(button, Qt::LeftButton);
+}
+
+void WindowDriver::advanceTo(int wanted)
+{
+    while (step() < wanted && next()->isEnabled())
+        click(next());
+}
+
+void WindowDriver::pickFile(QPushButton* opener, const QString& path)
+{
+    const DialogWatcher watcher([&path](QDialog* dialog) {
+        if (path.isEmpty()) {
+            dialog->reject();
+            return;
+        }
+        dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    click(opener);
+}
+
+QStringList WindowDriver::runRip()
+{
+    QStringList box;
+    const DialogWatcher watcher([&box](QDialog* dialog) {
+        if (auto* message = qobject_cast<QMessageBox*>(dialog))
+            box = QStringList{message->windowTitle(), message->text()};
+        dialog->accept();
+    });
+    click(rip());
+    static_cast<void>(QTest::qWaitFor([&box] { return !box.isEmpty(); }, ripPatienceMilliseconds));
+    return box;
+}
+
+QStringList WindowDriver::logLines()
+{
+    const QString text = pageAt(3)->findChild<QTextEdit*>()->toPlainText();
+    return text.isEmpty() ? QStringList() : text.split(QLatin1Char('\n'));
+}
+
+QString WindowDriver::card(int place)
+{
+    return onPage<QLabel>(3, "statValue", place)->text();
+}
+
+QString WindowDriver::cell(QTableWidget* table, int row, int column)
+{
+    const QTableWidgetItem* item = table->item(row, column);
+    return item ? item->text() : QString();
+}
