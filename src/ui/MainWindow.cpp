@@ -16,13 +16,11 @@
 #include <QComboBox>
 #include <QDeadlineTimer>
 #include <QFile>
-#include <QFile>
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QRegularExpression>
 #include <QScrollArea>
 #include <QSettings>
