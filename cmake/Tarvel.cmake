@@ -27,6 +27,18 @@ function(tarvel_library folder)
     target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE tarvel_options ${ARG_PRIVATE})
 endfunction()
 
+# tarvel_platform_source(variable Subject)
+#
+# Names the file of this folder that implements a subject for the platform that
+# is built for, LinuxSubject.cpp on Linux.
+function(tarvel_platform_source variable subject)
+    set(file ${CMAKE_SYSTEM_NAME}${subject}.cpp)
+    if(NOT EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${file})
+        message(FATAL_ERROR "${CMAKE_SYSTEM_NAME} is not served yet: there is no ${file}.")
+    endif()
+    set(${variable} ${file} PARENT_SCOPE)
+endfunction()
+
 # tarvel_test(name SOURCES ... LINK ... LABELS ...)
 #
 # One test executable for one folder of tests/; its cases are single CTest tests.

@@ -8,6 +8,7 @@
 
 #include <taglib/flacfile.h>
 #include <taglib/flacpicture.h>
+#include <taglib/id3v1tag.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/infotag.h>
 #include <taglib/mp4coverart.h>
@@ -41,13 +42,24 @@ std::unique_ptr<File> openTagged(const QString& path)
                                   TagLib::AudioProperties::Average);
 }
 
+// What TagLib's save without arguments does, save for its order: that fills the
+// gaps of the ID3v2 tag from the ID3v1 tag last, so that a title just emptied
+// comes back and a year that is no number is dropped, even in a file that had
+// neither tag. Here the gaps are filled ahead of our values.
 bool writeTagsMp3(const QString& path, const TagData& tags)
 {
-    const auto file = openTagged<TagLib::MPEG::File>(path);
+    using TagLib::MPEG::File;
+
+    const auto file = openTagged<File>(path);
     if (!file->isValid())
         return fail(QStringLiteral("Cannot open MP3 file: ") + path);
-    fillId3v2Tag(file->ID3v2Tag(true), tags);
-    return file->save() || failToSave(path);
+    TagLib::ID3v2::Tag* tag = file->ID3v2Tag(true);
+    TagLib::ID3v1::Tag* oldTag = file->ID3v1Tag(true);
+    TagLib::Tag::duplicate(oldTag, tag, false);
+    fillId3v2Tag(tag, tags);
+    TagLib::Tag::duplicate(tag, oldTag, true);
+    return file->save(File::AllTags, File::StripOthers, TagLib::ID3v2::v4, File::DoNotDuplicate)
+        || failToSave(path);
 }
 
 void addCount(TagLib::Ogg::XiphComment& comment, const char* key, int count)

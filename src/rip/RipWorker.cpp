@@ -129,11 +129,18 @@ bool RipWorker::encodeTrack(QList<int>&& pcm, const AudioFormat& format, const Q
 {
     const quint64 frames = static_cast<quint64>(pcm.size()) / std::max<quint64>(format.channels, 1);
     const QString path = fittingPath(basePath, QLatin1String(formatOfRip(outputFormat).extension));
-    {
-        const AudioBlock block{std::move(pcm), frames};
-        if (!writeAudio(block, format, path))
-            return false;
-    }
+    const bool whole = writeAudio(AudioBlock{std::move(pcm), frames}, format, path);
+    if (whole)
+        tagTrack(path, title, trackNumber, totalTracks, trackCover);
+    setUnfinishedFile(QString());
+    return whole;
+}
+
+void RipWorker::tagTrack(const QString& path, const QString& title, int trackNumber, int totalTracks,
+                         const QPixmap& trackCover) const
+{
+    if (!roomForTags(path, trackCover))
+        return;
     TagData tags;
     tags.title = title;
     tags.artist = artist;
@@ -144,9 +151,7 @@ bool RipWorker::encodeTrack(QList<int>&& pcm, const AudioFormat& format, const Q
     tags.discNumber = discNumber;
     tags.discTotal = discTotal;
     tags.cover = trackCover;
-    if (roomForTags(path, trackCover))
-        writeTags(path, tags);
-    return true;
+    writeTags(path, tags);
 }
 
 bool RipWorker::writeAudio(const AudioBlock& block, const AudioFormat& format, const QString& path)
@@ -161,6 +166,5 @@ bool RipWorker::writeAudio(const AudioBlock& block, const AudioFormat& format, c
     // What a failed encoder leaves behind would pass for a track.
     if (opened && !whole && QFileInfo(path).isFile())
         QFile::remove(path);
-    setUnfinishedFile(QString());
     return whole;
 }

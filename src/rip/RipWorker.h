@@ -72,6 +72,8 @@ private:
     /// @param pcm  taken over; 16-bit values shifted left by 16
     bool encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,
                      const QString& title, int trackNumber, int totalTracks, const QPixmap& trackCover);
+    void tagTrack(const QString& path, const QString& title, int trackNumber, int totalTracks,
+                  const QPixmap& trackCover) const;
     bool writeAudio(const AudioBlock& block, const AudioFormat& format, const QString& path);
     void setUnfinishedFile(const QString& path);
 

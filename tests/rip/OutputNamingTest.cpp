@@ -1,0 +1,132 @@
+#include "base/Language.h"
+#include "base/Settings.h"
+#include "rip/OutputNaming.h"
+#include "rip/RipWorker.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// The file name that a rule gives, without its folder.
+QString named(const char* rule, int number, const QString& title, const QString& artist = QStringLiteral("Artist"),
+              const QString& album = QStringLiteral("Album"), const QString& year = QStringLiteral("2001-05-12"))
+{
+    RipWorker worker;
+    worker.configure(nullptr, DiscToc(), QStringLiteral("/out"), artist, album, year, QPixmap(), QString(), 1, 1, 300,
+                     OutputFlac, QString(), 20);
+    worker.setNamingRule(QString::fromUtf8(rule));
+    const QString path = worker.outputBasePath(number, title);
+    EXPECT_TRUE(path.startsWith(QStringLiteral("/out/")));
+    return path.mid(5);
+}
+
+} // namespace
+
+TEST(OutputNaming, AnEmptyRuleIsTheDefault)
+{
+    EXPECT_EQ(named("", 3, QStringLiteral("Song")), QStringLiteral("03. Song"));
+    EXPECT_EQ(named("   ", 3, QStringLiteral("Song")), QStringLiteral("03. Song"));
+}
+
+TEST(OutputNaming, TheTrackAloneGivesItsNumber)
+{
+    EXPECT_EQ(named("{track}", 7, QStringLiteral("Song")), QStringLiteral("07"));
+    EXPECT_EQ(named("{track}", 100, QStringLiteral("Song")), QStringLiteral("100"));
+}
+
+TEST(OutputNaming, ForbiddenCharactersAreRemoved)
+{
+    EXPECT_EQ(named("{track}. {title}", 7, QStringLiteral("What?")), QStringLiteral("07. What"));
+    EXPECT_EQ(named("{track}. {title}", 7, QStringLiteral("a\\b/c:d*e?f\"g<h>i|j")), QStringLiteral("07. abcdefghij"));
+    EXPECT_EQ(named("{artist}/{title}", 7, QStringLiteral("Song")), QStringLiteral("ArtistSong")) << "no subfolders";
+}
+
+TEST(OutputNaming, ATitleOfDotsLeavesTheNumber)
+{
+    EXPECT_EQ(named("{track}. {title}", 7, QStringLiteral("...")), QStringLiteral("07"));
+}
+
+TEST(OutputNaming, WhenNothingRemainsTheFallbackKeepsItsTrailingBlank)
+{
+    EXPECT_EQ(named("{title}", 7, QStringLiteral("???")), QStringLiteral("07. "));
+}
+
+TEST(OutputNaming, TheYearIsCutToFourCharacters)
+{
+    EXPECT_EQ(named("{year} - {title}", 7, QStringLiteral("Song")), QStringLiteral("2001 - Song"));
+}
+
+TEST(OutputNaming, ATokenInsideATitleIsReplacedByTheLaterSteps)
+{
+    EXPECT_EQ(named("{title}", 1, QStringLiteral("x{album}")), QStringLiteral("xAlbum"));
+    EXPECT_EQ(named("{title}", 1, QStringLiteral("x{track}")), QStringLiteral("x{track}")) << "already replaced";
+}
+
+TEST(OutputNaming, EmptyValuesLeaveTheirSeparators)
+{
+    EXPECT_EQ(named("{artist} - {title}", 1, QStringLiteral("Song"), QString()), QStringLiteral("- Song"));
+    EXPECT_EQ(named("{title} - {artist}", 1, QStringLiteral("Song"), QString()), QStringLiteral("Song -"));
+}
+
+TEST(OutputNaming, TokensAreCaseSensitiveAndAllOccurrencesCount)
+{
+    EXPECT_EQ(named("{Track} {track} {track}", 5, QString()), QStringLiteral("{Track} 05 05"));
+}
+
+TEST(FittingPath, ShortNamesAreLeftAlone)
+{
+    EXPECT_EQ(fittingPath(QStringLiteral("/out/01. Song"), QStringLiteral(".flac")), QStringLiteral("/out/01. Song.flac"));
+}
+
+TEST(FittingPath, LongNamesEndAtAWholeCharacterWithin255Bytes)
+{
+    const QString japanese = QString(300, QChar(u'あ'));
+    const QString path = fittingPath(QStringLiteral("/out/") + japanese, QStringLiteral(".flac"));
+    const QString name = path.mid(5);
+    EXPECT_TRUE(name.endsWith(QStringLiteral(".flac")));
+    EXPECT_EQ(name.size() - 5, (255 - 5) / 3) << "three bytes a character";
+    EXPECT_EQ(name.left(name.size() - 5), japanese.left(name.size() - 5));
+}
+
+TEST(FittingPath, ACharacterOfSeveralCodePointsIsNotCut)
+{
+    const QString family = QStringLiteral("👨‍👩‍👧");
+    const QString name = fittingPath(QLatin1Char('/') + family.repeated(40), QStringLiteral(".mp3")).mid(1).chopped(4);
+    EXPECT_LE(name.toUtf8().size(), 251);
+    EXPECT_EQ(name.size() % family.size(), 0);
+    EXPECT_GT(name.size(), 0);
+}
+
+TEST(UniqueFolder, NamesGoOnWhereTheyAreTaken)
+{
+    QSettings().setValue(QLatin1String(settings::language), 2);
+    loadLanguage();
+    QTemporaryDir folder;
+    const QString base = folder.path();
+    for (const char* expected : {"x", "x - Copy", "x - Copy (2)", "x - Copy (3)"}) {
+        const QString made = RipWorker::uniqueFolder(base, QStringLiteral("x"));
+        EXPECT_EQ(made, base + QLatin1Char('/') + QLatin1String(expected));
+        EXPECT_TRUE(QFileInfo(made).isDir());
+    }
+}
+
+TEST(UniqueFolder, TheSuffixFollowsTheLanguage)
+{
+    QSettings().setValue(QLatin1String(settings::language), 1);
+    loadLanguage();
+    QTemporaryDir folder;
+    RipWorker::uniqueFolder(folder.path(), QStringLiteral("x"));
+    EXPECT_EQ(RipWorker::uniqueFolder(folder.path(), QStringLiteral("x")), folder.path() + QStringLiteral("/x - コピー"));
+}
+
+TEST(UniqueFolder, AnEmptyNameGivesAPathThatEndsInASlash)
+{
+    QTemporaryDir folder;
+    EXPECT_EQ(RipWorker::uniqueFolder(folder.path() + QStringLiteral("/new"), QString()), folder.path() + QStringLiteral("/new/"));
+}

@@ -1,0 +1,152 @@
+#include <gtest/gtest.h>
+
+#include "RunRecorder.h"
+#include "support/Tool.h"
+
+#include <QDir>
+
+#include <csignal>
+#include <sys/resource.h>
+
+namespace {
+
+/// Files of this process end at a size, as on a disk that is full.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &previous);
+        const rlimit limited{bytes, previous.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limited);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &previous);
+        std::signal(SIGXFSZ, previousHandler);
+    }
+
+private:
+    rlimit previous{};
+    void (*previousHandler)(int) = SIG_DFL;
+};
+
+class RipFailure : public ::testing::TestWithParam<OutputFormat> {
+protected:
+    QString out() const { return folder.filePath(QStringLiteral("out")); }
+
+    QString image(const QString& title, int sectors = 60)
+    {
+        ImageDescription description;
+        description.tracks = {{0, title}};
+        return writeImage(folder.path(), description, makeAudio(sectors, 2));
+    }
+
+    void expectOneFailedTrack() const
+    {
+        ASSERT_EQ(run.results.size(), 1);
+        EXPECT_FALSE(run.results[0].ok);
+        EXPECT_EQ(run.finishedCount, 1);
+    }
+
+    QTemporaryDir folder;
+    RunRecorder run;
+};
+
+} // namespace
+
+TEST_P(RipFailure, AnOutputFolderThatIsAFileFailsTheTrack)
+{
+    const QString cue = image(QStringLiteral("One"));
+    writeFile(folder.path(), QStringLiteral("out"), "a file");
+    run.rip(cue, GetParam(), out());
+    expectOneFailedTrack();
+    EXPECT_EQ(contentOf(out()), "a file");
+}
+
+TEST_P(RipFailure, AFullDiskFailsTheTrackAndLeavesNoFile)
+{
+    const QString cue = image(QStringLiteral("One"));
+    {
+        const FileSizeLimit limit(10000);
+        run.rip(cue, GetParam(), out());
+    }
+    expectOneFailedTrack();
+    EXPECT_TRUE(QDir(out()).entryList(QDir::Files).isEmpty());
+}
+
+TEST_P(RipFailure, ATrackPathThatIsAFolderFailsAndKeepsTheFolder)
+{
+    const QString cue = image(QStringLiteral("One"));
+    const QString extension = GetParam() == OutputFlac ? QStringLiteral(".flac")
+        : GetParam() == OutputMp3                      ? QStringLiteral(".mp3")
+                                                       : QStringLiteral(".wav");
+    const QString taken = out() + QStringLiteral("/01. One") + extension + QStringLiteral("/inside");
+    ASSERT_TRUE(QDir().mkpath(taken));
+    run.rip(cue, GetParam(), out());
+    expectOneFailedTrack();
+    EXPECT_TRUE(QFileInfo(taken).isDir());
+}
+
+TEST_P(RipFailure, TitlesOfAnyKindGiveAFile)
+{
+    const QString titles[] = {QStringLiteral("a/b\\c"),       QStringLiteral("..."),
+                              QStringLiteral("???"),          QString(300, u'x'),
+                              QString(300, QChar(u'漢')),     QStringLiteral("👩‍🎤 🎸"),
+                              QStringLiteral("שלום עולם"),    QStringLiteral("tab\there\x01"),
+                              QStringLiteral("zero\0byte")};
+    for (const QString& title : titles) {
+        SCOPED_TRACE(title.toStdString());
+        RunRecorder once;
+        QTemporaryDir target;
+        ASSERT_TRUE(once.drive.openCue(image(QStringLiteral("x"), 5)));
+        DiscToc disc = once.drive.readToc();
+        disc.tracks[0].title = title;
+        once.worker.configure(&once.drive, disc, target.path(), title, title, QString(), QPixmap(), QString(), 1, 1,
+                              300, GetParam(), QString(), 20);
+        once.worker.run();
+        ASSERT_EQ(once.results.size(), 1);
+        EXPECT_TRUE(once.results[0].ok);
+        EXPECT_EQ(QDir(target.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    }
+}
+
+TEST_P(RipFailure, AnImageThatShrinksMidwayIsSilentFromThereOn)
+{
+    const QString cue = image(QStringLiteral("One"), 200);
+    QObject::connect(&run.worker, &RipWorker::sectorDone, [this](const SectorResult& sector) {
+        if (sector.lba == 50)
+            QFile::resize(folder.filePath(QStringLiteral("disc.bin")), 60 * RAW_SECTOR_BYTES);
+    });
+    run.rip(cue, GetParam(), out());
+    ASSERT_EQ(run.results.size(), 1);
+    EXPECT_TRUE(run.results[0].ok);
+    EXPECT_GE(run.results[0].errorSectors, 130U);
+    EXPECT_EQ(run.sectors.size(), 200);
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, RipFailure, ::testing::Values(OutputFlac, OutputWav, OutputMp3));
+
+TEST(RipRefusal, FormatsThatAreNotThereYetFailTheTrack)
+{
+    for (const OutputFormat format : {OutputAac, OutputAlac}) {
+        QTemporaryDir folder;
+        ImageDescription description;
+        description.tracks = {{0, QStringLiteral("One")}};
+        RunRecorder run;
+        run.rip(writeImage(folder.path(), description, makeAudio(5, 2)), format, folder.filePath(QStringLiteral("out")));
+        ASSERT_EQ(run.results.size(), 1);
+        EXPECT_FALSE(run.results[0].ok);
+        EXPECT_TRUE(QDir(folder.filePath(QStringLiteral("out"))).entryList(QDir::Files).isEmpty());
+    }
+}
+
+TEST(RipFormat, AnUnknownNumberCountsAsWav)
+{
+    QTemporaryDir folder;
+    ImageDescription description;
+    description.tracks = {{0, QStringLiteral("One")}};
+    RunRecorder run;
+    run.rip(writeImage(folder.path(), description, makeAudio(5, 2)), static_cast<OutputFormat>(9), folder.path());
+    EXPECT_TRUE(QFileInfo::exists(folder.filePath(QStringLiteral("01. One.wav"))));
+}

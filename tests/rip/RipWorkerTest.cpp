@@ -1,0 +1,111 @@
+#include "rip/RunGuard.h"
+
+#include <gtest/gtest.h>
+
+#include "RunRecorder.h"
+
+#include <QDir>
+#include <QThread>
+
+namespace {
+
+class RecordingGuard : public RunGuard {
+public:
+    void begin() override { calls += "begin "; }
+    void end() override { calls += "end "; }
+    std::string calls;
+};
+
+} // namespace
+
+TEST(RipWorker, RereadsAreAtLeastOne)
+{
+    RipWorker worker;
+    for (const auto& [given, stored] : {std::pair{0, 1}, {-5, 1}, {1, 1}, {500, 500}}) {
+        worker.configure(nullptr, DiscToc(), QString(), QString(), QString(), QString(), QPixmap(), QString(), 0, 0,
+                         300, OutputFlac, QString(), given);
+        EXPECT_EQ(worker.maxRereads(), stored);
+    }
+}
+
+TEST(RipWorker, WithoutDriveOrTracksItEndsWithAnErrorAndNothingRaised)
+{
+    RecordingGuard guard;
+    const RunGuardOverride override(guard);
+    RunRecorder run;
+    run.worker.run();
+    EXPECT_EQ(run.errors, QStringList{QStringLiteral("No drive or tracks")});
+    EXPECT_EQ(run.finishedCount, 1);
+    run.worker.configure(&run.drive, DiscToc(), QString(), QString(), QString(), QString(), QPixmap(), QString(), 0, 0,
+                         300, OutputFlac, QString(), 20);
+    run.worker.run();
+    EXPECT_EQ(run.errors.size(), 2);
+    EXPECT_EQ(run.finishedCount, 2);
+    EXPECT_EQ(guard.calls, "");
+    EXPECT_FALSE(run.drive.isBorrowed());
+}
+
+TEST(RipWorker, AnImageRunIsGuardedAndGivesTheDriveBack)
+{
+    RecordingGuard guard;
+    const RunGuardOverride override(guard);
+    QTemporaryDir folder;
+    ImageDescription image;
+    image.tracks = {{0, QStringLiteral("One")}};
+    RunRecorder run;
+    run.rip(writeImage(folder.path(), image, makeAudio(5, 1)), OutputWav, folder.filePath(QStringLiteral("out/deep")));
+    EXPECT_EQ(guard.calls, "begin end ");
+    EXPECT_FALSE(run.drive.isBorrowed());
+    EXPECT_EQ(run.finishedCount, 1);
+    EXPECT_TRUE(run.results[0].ok) << "the output folder is made";
+}
+
+TEST(RipWorker, WhileItRunsTheDriveCannotBeOpenedByOthers)
+{
+    QTemporaryDir folder;
+    ImageDescription image;
+    image.tracks = {{0, QStringLiteral("One")}};
+    const QString cue = writeImage(folder.path(), image, makeAudio(5, 1));
+    RunRecorder run;
+    bool reopened = true;
+    QObject::connect(&run.worker, &RipWorker::trackStarted, [&] {
+        reopened = run.drive.openCue(cue);
+        run.drive.close();
+    });
+    run.rip(cue, OutputWav, folder.filePath(QStringLiteral("out")));
+    EXPECT_FALSE(reopened);
+    EXPECT_TRUE(run.results[0].ok);
+    EXPECT_EQ(run.results[0].errorSectors, 0U);
+    EXPECT_TRUE(run.drive.readSector(0).isEmpty()) << "closed once it was given back";
+}
+
+TEST(RipWorker, ARequestToStopEndsTheRunWithoutReportingTheTrack)
+{
+    QTemporaryDir folder;
+    ImageDescription image;
+    image.tracks = {{0, QStringLiteral("One")}, {10, QStringLiteral("Two")}, {20, QStringLiteral("Three")}};
+    RunRecorder run;
+    QObject::connect(&run.worker, &RipWorker::sectorDone, [&run](const SectorResult& sector) {
+        if (sector.lba == 15)
+            run.worker.requestStop();
+    });
+    run.rip(writeImage(folder.path(), image, makeAudio(30, 1)), OutputWav, folder.filePath(QStringLiteral("out")));
+    ASSERT_EQ(run.results.size(), 1);
+    EXPECT_TRUE(run.results[0].ok);
+    EXPECT_EQ(run.finishedCount, 1);
+    EXPECT_EQ(QDir(folder.filePath(QStringLiteral("out"))).entryList(QDir::Files), QStringList{QStringLiteral("01. One.wav")});
+    EXPECT_EQ(run.worker.unfinishedFile(), QString());
+}
+
+TEST(RipWorker, AnAudioFileWithoutADecoderIsRefused)
+{
+    QTemporaryDir folder;
+    RunRecorder run;
+    run.worker.configure(nullptr, DiscToc(), folder.path(), QString(), QString(), QString(), QPixmap(), QString(), 1, 1,
+                         300, OutputFlac, QStringLiteral("/music/a.xyz"), 20);
+    run.worker.run();
+    ASSERT_EQ(run.errors.size(), 1);
+    EXPECT_TRUE(run.errors[0].endsWith(QStringLiteral(": /music/a.xyz")));
+    EXPECT_TRUE(run.started.isEmpty());
+    EXPECT_EQ(run.finishedCount, 1);
+}
