@@ -125,8 +125,9 @@ QWidget* MainWindow::buildTitleBar()
 
     auto* row = new QHBoxLayout(titleBar);
     row->setContentsMargins(24, 0, 16, 0);
-    row->addWidget(pageparts::label(QStringLiteral("TARVEL CD RIPPER"), "appTitle"));
-    row->addWidget(pageparts::label(QLatin1Char('v') + QLatin1String(programinfo::version), "verLabel"));
+    row->addWidget(pageparts::label(QStringLiteral("TARVEL CD RIPPER"), "appTitle"), 0, Qt::AlignVCenter);
+    row->addWidget(pageparts::label(QLatin1Char('v') + QLatin1String(programinfo::version), "verLabel"), 0,
+                   Qt::AlignVCenter);
     row->addStretch();
     row->addWidget(settingsBtn);
     row->addWidget(convertBtn);

@@ -120,6 +120,7 @@ QWidget* MainWindow::buildStatisticsPane()
     ripProgress->setTextVisible(false);
     ripProgress->setFixedHeight(4);
     progressLabel = pageparts::label(idleText(), "progressLabel");
+    progressLabel->setWordWrap(true); // some of its texts are longer than the pane is wide
     ripBtn = pageparts::button(QStringLiteral("▶  RIP START"), "ripBtn");
     ripBtn->setFixedHeight(40);
     connect(ripBtn, &QPushButton::clicked, this, &MainWindow::onRipClicked);

@@ -93,10 +93,23 @@ QSpinBox::up-button, QSpinBox::down-button { background: #0d2a45; border: none; 
 #settingsCheck { color: #4a7aa0; }
 )";
 
+// Without these the base rule leaves half-native bars with white outlines.
+constexpr char scrollBarRules[] = R"(
+QScrollBar { background: #07070f; border: none; }
+QScrollBar:vertical { width: 10px; }
+QScrollBar:horizontal { height: 10px; }
+QScrollBar::handle { background: #0d2a45; border-radius: 3px; }
+QScrollBar::handle:hover { background: #1a5a9a; }
+QScrollBar::handle:vertical { min-height: 24px; }
+QScrollBar::handle:horizontal { min-width: 24px; }
+QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
+QScrollBar::add-page, QScrollBar::sub-page { background: none; }
+)";
+
 } // namespace
 
 QString styleSheetText()
 {
     return QString::fromUtf8(frameRules) + QString::fromUtf8(pageRules) + QString::fromUtf8(ripRules)
-        + QString::fromUtf8(choiceRules);
+        + QString::fromUtf8(choiceRules) + QString::fromUtf8(scrollBarRules);
 }

@@ -2,6 +2,7 @@
 
 #include "support/DiscMaker.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QImage>
@@ -213,6 +214,9 @@ TEST_F(RipPage, AnAudioFileEndsWithoutReadQualityAndNextCloses)
                   language == 1
                       ? QStringLiteral("完了  ✦  変換済み（CD読み取りを伴わないためRead Qualityは対象外です）")
                       : QStringLiteral("Done  ✦  Converted (no CD was read, so Read Quality does not apply)"));
+        QCoreApplication::processEvents();
+        auto* label = app.onPage<QLabel>(3, "progressLabel");
+        EXPECT_GE(label->height(), label->heightForWidth(label->width()));
         WindowDriver::click(app.next());
         EXPECT_FALSE(app.window().isVisible());
     }
