@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+/// What a fresh process does for one measured run. The result line on stdout is
+/// "processor seconds, wall seconds, longest stall in seconds" of the rip itself,
+/// without the start of the program. Both return the exit code.
+
+/// The worker on the calling thread.
+int ripWithWorker(int argc, char** argv, const QString& cue, int format, const QString& folder);
+
+/// The worker behind the window, at the FLAC format, in the window's event loop.
+/// @param watchStalls  a timer of one millisecond runs along and costs time itself
+int ripThroughWindow(int argc, char** argv, const QString& cue, const QString& folder, bool watchStalls);
