@@ -122,8 +122,9 @@ bool CdDrive::openCue(const QString& path)
 
 QByteArray CdDrive::readImageSector(quint32 lba)
 {
-    const quint64 position = quint64{lba} * RAW_SECTOR_BYTES + imageDisc.imageDataOffset;
-    if (!imageFile.isOpen() || !imageFile.seek(static_cast<qint64>(position)))
+    const auto position = static_cast<qint64>(quint64{lba} * RAW_SECTOR_BYTES + imageDisc.imageDataOffset);
+    // A sequential reader stands there already; a seek would cost a system call.
+    if (!imageFile.isOpen() || (imageFile.pos() != position && !imageFile.seek(position)))
         return {};
     QByteArray sector(RAW_SECTOR_BYTES, Qt::Uninitialized);
     return imageFile.read(sector.data(), RAW_SECTOR_BYTES) == RAW_SECTOR_BYTES ? sector : QByteArray();

@@ -1,5 +1,6 @@
 // The run over a CUE image.
 
+#include "base/LargeMemory.h"
 #include "disc/CdDrive.h"
 #include "rip/RipWorker.h"
 #include "secure/ParanoiaReader.h"
@@ -21,6 +22,7 @@ QList<int> leftJustified(const QList<qint16>& samples)
 {
     QList<int> pcm;
     pcm.reserve(samples.size());
+    preferLargePages(pcm.data(), static_cast<size_t>(pcm.capacity()) * sizeof(int));
     for (qsizetype place = 0; place < samples.size(); place += widenedAtOnce) {
         const qsizetype count = std::min(widenedAtOnce, samples.size() - place);
         pcm.resize(place + count);

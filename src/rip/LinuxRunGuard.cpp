@@ -6,19 +6,24 @@
 #include <QDBusUnixFileDescriptor>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
 constexpr int raisedNice = -10;
 constexpr int busTimeoutMs = 1000;
 
-// The nice value is the calling thread's; without the right to raise it the call
-// changes nothing. Sleep stays inhibited for as long as the descriptor is held.
+// A nice value is one thread's. The main thread rises with the running one, or a
+// busy encoder would keep the window waiting for a processor. Without the right
+// to raise them the calls change nothing. Sleep stays inhibited for as long as
+// the descriptor is held.
 class LinuxRunGuard : public RunGuard {
 public:
     void begin() override
     {
         niceBefore = getpriority(PRIO_PROCESS, 0);
+        mainNiceBefore = getpriority(PRIO_PROCESS, mainThread());
+        setpriority(PRIO_PROCESS, mainThread(), raisedNice);
         setpriority(PRIO_PROCESS, 0, raisedNice);
         inhibitSleep();
     }
@@ -26,10 +31,13 @@ public:
     void end() override
     {
         sleepInhibitor = QDBusUnixFileDescriptor();
+        setpriority(PRIO_PROCESS, mainThread(), mainNiceBefore);
         setpriority(PRIO_PROCESS, 0, niceBefore);
     }
 
 private:
+    static id_t mainThread() { return static_cast<id_t>(getpid()); }
+
     void inhibitSleep()
     {
         const QDBusConnection bus = QDBusConnection::systemBus();
@@ -46,6 +54,7 @@ private:
     }
 
     int niceBefore = 0;
+    int mainNiceBefore = 0;
     QDBusUnixFileDescriptor sleepInhibitor;
 };
 

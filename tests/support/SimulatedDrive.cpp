@@ -4,7 +4,6 @@
 #include "disc/DiscModel.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -53,7 +52,7 @@ public:
         note({guarded ? SimulatedDrive::Command::Raw : SimulatedDrive::Command::SeekRead, lba, count});
         if (!readable(lba, count) || failsNow())
             return {false, ioError};
-        std::memcpy(data.data(), sectors(lba), size_t{count} * RAW_SECTOR_BYTES);
+        copySectors(lba, count, data.data());
         return {true, 0};
     }
 
@@ -84,7 +83,12 @@ private:
         return true;
     }
 
-    const char* sectors(quint32 lba) const { return drive.audio.constData() + qsizetype{lba} * RAW_SECTOR_BYTES; }
+    void copySectors(quint32 lba, quint32 count, quint8* target) const
+    {
+        const QByteArray sectors =
+            drive.audio.mid(qsizetype{lba} * RAW_SECTOR_BYTES, qsizetype{count} * RAW_SECTOR_BYTES);
+        std::ranges::copy(sectors, target);
+    }
 
     DriveReply inquiry(std::span<quint8> data)
     {
@@ -104,7 +108,7 @@ private:
             return {false, ioError};
         std::ranges::fill(data, quint8{0});
         for (quint32 i = 0; i < count; ++i)
-            std::memcpy(data.data() + size_t{i} * RAW_PLUS_C2_BYTES, sectors(lba + i), RAW_SECTOR_BYTES);
+            copySectors(lba + i, 1, data.data() + size_t{i} * RAW_PLUS_C2_BYTES);
         return {true, 0};
     }
 
