@@ -27,9 +27,10 @@ class ConverterFlacEncoder::Stream {
 public:
     bool start(const std::filesystem::path& path, const AudioFormat& format);
     bool write(const AudioBlock& block);
-    bool finish() { return FLAC__stream_encoder_finish(encoder.get()) != 0; }
+    bool finish();
 
 private:
+    bool good() const { return FLAC__stream_encoder_get_state(encoder.get()) == FLAC__STREAM_ENCODER_OK; }
     void configure(const AudioFormat& format);
 
     quint16 channels = 0;
@@ -70,7 +71,7 @@ void ConverterFlacEncoder::Stream::configure(const AudioFormat& format)
 
 bool ConverterFlacEncoder::Stream::write(const AudioBlock& block)
 {
-    if (FLAC__stream_encoder_get_state(encoder.get()) != FLAC__STREAM_ENCODER_OK)
+    if (!good())
         return false;
     const int shift = 32 - static_cast<int>(FLAC__stream_encoder_get_bits_per_sample(encoder.get()));
     const qint32* samples = block.samples.constData();
@@ -89,8 +90,21 @@ bool ConverterFlacEncoder::Stream::write(const AudioBlock& block)
     return true;
 }
 
+bool ConverterFlacEncoder::Stream::finish()
+{
+    // The library reports success for an encoder that had failed before.
+    const bool wasGood = good();
+    return FLAC__stream_encoder_finish(encoder.get()) && wasGood;
+}
+
 ConverterFlacEncoder::ConverterFlacEncoder() = default;
-ConverterFlacEncoder::~ConverterFlacEncoder() = default;
+
+ConverterFlacEncoder::~ConverterFlacEncoder()
+{
+    // Deleting the library's encoder alone would drop its last frame.
+    if (stream)
+        stream->finish();
+}
 
 bool ConverterFlacEncoder::open(const std::filesystem::path& path, const AudioFormat& format)
 {
