@@ -5,13 +5,13 @@
 #include "codecs/OutputFile.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstring>
+#include <vector>
 
 namespace {
 
-constexpr std::size_t samplesPerPiece = 16 * 1024;
+constexpr std::size_t samplesPerPiece = 128 * 1024;
 
 // One whole 16-bit store a sample, so that the compiler vectorises the loop,
 // which it does not do for single bytes.
@@ -76,7 +76,7 @@ void packPcm(const qint32* samples, std::size_t count, PcmLayout layout, quint8*
 
 bool writePcm(OutputFile& file, const AudioBlock& block, PcmLayout layout)
 {
-    std::array<quint8, samplesPerPiece * 3> bytes;
+    std::vector<quint8> bytes(samplesPerPiece * 3);
     const qint32* samples = block.samples.constData();
     auto left = static_cast<std::size_t>(block.samples.size());
     while (left > 0 && file.good()) {

@@ -55,6 +55,7 @@ void CdDrive::release()
 {
     device.reset();
     imageFile.close();
+    imagePiece.clear();
     imageDisc = DiscToc();
     emptyCache();
     sectorLimit = 0;

@@ -71,6 +71,7 @@ private:
 
     void release();
     QByteArray readImageSector(quint32 lba);
+    void loadImagePiece(qint64 position);
     QByteArray readBatch(quint32 lba);
     bool attemptBatch(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts);
     bool readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts);
@@ -85,6 +86,8 @@ private:
     std::unique_ptr<DriveDevice> device;
     DiscToc imageDisc;
     QFile imageFile;
+    QByteArray imagePiece; ///< bytes of the image file around the last read
+    qint64 imagePieceStart = 0;
     bool image = false;
     QString driveName;
     int offsetSamples = 0;

@@ -7,17 +7,20 @@
 #include <QDebug>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 
 // A sheet of ten thousand tracks stays below 2 MiB; an endless file must end.
 constexpr qint64 maxSheetBytes = 16 * 1024 * 1024;
 constexpr int maxRiffChunks = 1 << 20;
+constexpr qint64 imagePieceBytes = 32 * RAW_SECTOR_BYTES; // a system call each
 
 // Devices and pipes could block for ever, so only regular files are opened.
-bool openRegular(QFile& file, const QString& path)
+bool openRegular(QFile& file, const QString& path, QIODevice::OpenMode mode = QIODevice::ReadOnly)
 {
     file.setFileName(path);
-    return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
+    return QFileInfo(path).isFile() && file.open(mode);
 }
 
 QByteArray readSheet(const QString& path)
@@ -112,7 +115,7 @@ bool CdDrive::openCue(const QString& path)
         return false;
     }
     const QString source = imageDisc.tracks.constFirst().sourceFile;
-    if (!openRegular(imageFile, source)) {
+    if (!openRegular(imageFile, source, QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         qWarning().noquote() << "CdDrive: cannot open bin:" << source;
         return false;
     }
@@ -123,9 +126,18 @@ bool CdDrive::openCue(const QString& path)
 QByteArray CdDrive::readImageSector(quint32 lba)
 {
     const auto position = static_cast<qint64>(quint64{lba} * RAW_SECTOR_BYTES + imageDisc.imageDataOffset);
-    // A sequential reader stands there already; a seek would cost a system call.
-    if (!imageFile.isOpen() || (imageFile.pos() != position && !imageFile.seek(position)))
-        return {};
-    QByteArray sector(RAW_SECTOR_BYTES, Qt::Uninitialized);
-    return imageFile.read(sector.data(), RAW_SECTOR_BYTES) == RAW_SECTOR_BYTES ? sector : QByteArray();
+    const auto held = [&] {
+        return position >= imagePieceStart && position + RAW_SECTOR_BYTES <= imagePieceStart + imagePiece.size();
+    };
+    if (!held())
+        loadImagePiece(position);
+    return held() ? imagePiece.mid(position - imagePieceStart, RAW_SECTOR_BYTES) : QByteArray();
+}
+
+void CdDrive::loadImagePiece(qint64 position)
+{
+    imagePiece.resize(imagePieceBytes);
+    const bool there = imageFile.isOpen() && imageFile.seek(position);
+    imagePiece.truncate(there ? std::max<qint64>(imageFile.read(imagePiece.data(), imagePieceBytes), 0) : 0);
+    imagePieceStart = position;
 }

@@ -1,6 +1,7 @@
 #include "metadata/TagWriter.h"
 
 #include "metadata/Id3Tags.h"
+#include "metadata/TagStream.h"
 #include "metadata/TagValues.h"
 
 #include <QFile>
@@ -9,6 +10,7 @@
 #include <taglib/flacfile.h>
 #include <taglib/flacpicture.h>
 #include <taglib/id3v1tag.h>
+#include <taglib/id3v2framefactory.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/infotag.h>
 #include <taglib/mp4coverart.h>
@@ -19,6 +21,7 @@
 #include <taglib/xiphcomment.h>
 
 #include <memory>
+#include <type_traits>
 
 QString lastTagError;
 
@@ -35,12 +38,32 @@ bool failToSave(const QString& path)
     return fail(QStringLiteral("Failed to save tags: ") + path);
 }
 
+/// One kind of TagLib file on a stream of ours.
 template <typename File>
-std::unique_ptr<File> openTagged(const QString& path)
-{
-    return std::make_unique<File>(QFile::encodeName(path).constData(), true,
-                                  TagLib::AudioProperties::Average);
-}
+class TaggedFile {
+public:
+    explicit TaggedFile(const QString& path)
+        : stream(QFile::encodeName(path).constData())
+        , file(open(&stream))
+    {
+    }
+
+    File* operator->() { return file.get(); }
+    File& operator*() { return *file; }
+
+private:
+    static std::unique_ptr<File> open(TagLib::IOStream* stream)
+    {
+        constexpr auto style = TagLib::AudioProperties::Average;
+        if constexpr (std::is_constructible_v<File, TagLib::IOStream*, bool, decltype(style)>)
+            return std::make_unique<File>(stream, true, style);
+        else
+            return std::make_unique<File>(stream, TagLib::ID3v2::FrameFactory::instance(), true, style);
+    }
+
+    TagStream stream;
+    std::unique_ptr<File> file;
+};
 
 // What TagLib's save without arguments does, save for its order: that fills the
 // gaps of the ID3v2 tag from the ID3v1 tag last, so that a title just emptied
@@ -50,7 +73,7 @@ bool writeTagsMp3(const QString& path, const TagData& tags)
 {
     using TagLib::MPEG::File;
 
-    const auto file = openTagged<File>(path);
+    TaggedFile<File> file(path);
     if (!file->isValid())
         return fail(QStringLiteral("Cannot open MP3 file: ") + path);
     TagLib::ID3v2::Tag* tag = file->ID3v2Tag(true);
@@ -80,7 +103,7 @@ void addCover(TagLib::FLAC::File& file, const QPixmap& cover)
 
 bool writeTagsFlac(const QString& path, const TagData& tags)
 {
-    const auto file = openTagged<TagLib::FLAC::File>(path);
+    TaggedFile<TagLib::FLAC::File> file(path);
     if (!file->isValid())
         return fail(QStringLiteral("Cannot open FLAC file: ") + path);
     TagLib::Ogg::XiphComment* comment = file->xiphComment(true);
@@ -102,7 +125,7 @@ bool writeTagsFlac(const QString& path, const TagData& tags)
 
 bool writeTagsM4a(const QString& path, const TagData& tags)
 {
-    const auto file = openTagged<TagLib::MP4::File>(path);
+    TaggedFile<TagLib::MP4::File> file(path);
     TagLib::MP4::Tag* tag = file->isValid() ? file->tag() : nullptr;
     if (!tag)
         return fail(QStringLiteral("Cannot open M4A file: ") + path);
@@ -122,7 +145,7 @@ bool writeTagsM4a(const QString& path, const TagData& tags)
 
 bool writeTagsWav(const QString& path, const TagData& tags)
 {
-    const auto file = openTagged<TagLib::RIFF::WAV::File>(path);
+    TaggedFile<TagLib::RIFF::WAV::File> file(path);
     if (!file->isValid())
         return fail(QStringLiteral("Cannot open WAV file: ") + path);
     fillId3v2Tag(file->ID3v2Tag(), tags);

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace {
 
@@ -17,19 +18,18 @@ constexpr char coverName[] = "/cover.jpg";
 constexpr int coverQuality = 90;
 constexpr qsizetype widenedAtOnce = 4096; // values; stays in the processor's cache
 
-// A fresh list is filled piece by piece, so that its memory is touched once.
-QList<int> leftJustified(const QList<qint16>& samples)
+// Fresh memory is filled piece by piece, so that it is touched once; values
+// of a track before are overwritten where they stand.
+void leftJustify(const QList<qint16>& samples, QList<int>& pcm)
 {
-    QList<int> pcm;
-    pcm.reserve(samples.size());
-    preferLargePages(pcm.data(), static_cast<size_t>(pcm.capacity()) * sizeof(int));
+    reserveLarge(pcm, samples.size());
     for (qsizetype place = 0; place < samples.size(); place += widenedAtOnce) {
         const qsizetype count = std::min(widenedAtOnce, samples.size() - place);
-        pcm.resize(place + count);
+        pcm.resize(std::max(pcm.size(), place + count));
         std::transform(samples.cbegin() + place, samples.cbegin() + place + count, pcm.begin() + place,
                        [](qint16 value) { return int{value} * 65536; });
     }
-    return pcm;
+    pcm.resize(samples.size());
 }
 
 void copyCover(const QString& from, const QString& to)
@@ -100,7 +100,8 @@ RipResult RipWorker::ripImageTrack(ParanoiaReader& reader, const TrackInfo& trac
         std::accumulate(reader.results.cbegin(), reader.results.cend(), quint32{0},
                         [](quint32 sum, const SectorResult& r) { return sum + static_cast<quint32>(r.retries); });
 
-    QList<int> pcm = leftJustified(samples);
+    QList<int> pcm = std::exchange(spareSamples, {});
+    leftJustify(samples, pcm);
     samples = QList<qint16>();
     result.ok = encodeTrack(std::move(pcm), AudioFormat(), outputBasePath(track.number, name), name, track.number,
                             static_cast<int>(disc.tracks.size()), trackCover);

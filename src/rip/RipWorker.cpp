@@ -120,6 +120,7 @@ void RipWorker::runDisc()
     QDir().mkpath(outputFolder);
     if (disc.isImage)
         runCueMode();
+    spareSamples = {};
     runGuard().end();
     drive->giveBack();
 }
@@ -129,7 +130,9 @@ bool RipWorker::encodeTrack(QList<int>&& pcm, const AudioFormat& format, const Q
 {
     const quint64 frames = static_cast<quint64>(pcm.size()) / std::max<quint64>(format.channels, 1);
     const QString path = fittingPath(basePath, QLatin1String(formatOfRip(outputFormat).extension));
-    const bool whole = writeAudio(AudioBlock{std::move(pcm), frames}, format, path);
+    AudioBlock block{std::move(pcm), frames};
+    const bool whole = writeAudio(block, format, path);
+    spareSamples = std::move(block.samples);
     if (whole)
         tagTrack(path, title, trackNumber, totalTracks, trackCover);
     setUnfinishedFile(QString());

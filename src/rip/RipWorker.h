@@ -92,6 +92,9 @@ private:
     OutputFormat outputFormat = OutputFlac;
     QString sourceAudioFile;
     int rereadLimit = 20;
+    /// The samples of the track before, for their memory: touching fresh memory
+    /// costs as much as encoding it.
+    QList<int> spareSamples;
 
     std::atomic<bool> stopping = false;
     mutable std::mutex fileLock;

@@ -38,8 +38,7 @@ QList<qint16> ParanoiaReader::readTrack(CdDrive& drive, const TrackInfo& track)
         return {};
 
     QList<qint16> samples;
-    samples.reserve(static_cast<qsizetype>(count) * SECTOR_VALUES);
-    preferLargePages(samples.data(), static_cast<size_t>(samples.capacity()) * sizeof(qint16));
+    reserveLarge(samples, static_cast<qsizetype>(count) * SECTOR_VALUES);
     results.reserve(static_cast<qsizetype>(count));
     const bool direct = !forceVerify && (track.sourceIsAudioFile || !track.sourceFile.isEmpty());
     for (quint32 place = 0; place < count && !abortFlag; ++place) {

@@ -1,35 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "RunRecorder.h"
+#include "support/FileSizeLimit.h"
 #include "support/Tool.h"
 
 #include <QDir>
 
-#include <csignal>
-#include <sys/resource.h>
-
 namespace {
-
-/// Files of this process end at a size, as on a disk that is full.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        previousHandler = std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &previous);
-        const rlimit limited{bytes, previous.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limited);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &previous);
-        std::signal(SIGXFSZ, previousHandler);
-    }
-
-private:
-    rlimit previous{};
-    void (*previousHandler)(int) = SIG_DFL;
-};
 
 class RipFailure : public ::testing::TestWithParam<OutputFormat> {
 protected:
