@@ -12,20 +12,10 @@ void substitute(const QString& family, const QStringList& substitutes)
         QFont::insertSubstitutions(family, substitutes);
 }
 
-// Qt asks FreeType to thicken the stems of CFF fonts. Meant for dark text on
-// white, it makes the Japanese glyphs of this dark window look bold.
-void drawCffStemsAsDesigned()
-{
-    constexpr char properties[] = "FREETYPE_PROPERTIES";
-    if (qEnvironmentVariableIsEmpty(properties))
-        qputenv(properties, "cff:no-stem-darkening=1");
-}
-
 } // namespace
 
 void installFontSubstitutes()
 {
-    drawCffStemsAsDesigned();
     substitute(QStringLiteral("Segoe UI"),
                {QStringLiteral("Noto Sans"), QStringLiteral("Noto Sans CJK JP")});
     substitute(QStringLiteral("Consolas"),
