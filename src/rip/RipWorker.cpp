@@ -120,9 +120,17 @@ void RipWorker::runDisc()
     QDir().mkpath(outputFolder);
     if (disc.isImage)
         runCueMode();
+    else
+        runCdMode();
     spareSamples = {};
     runGuard().end();
     drive->giveBack();
+}
+
+void RipWorker::saveCover() const
+{
+    constexpr int coverQuality = 90;
+    cover.save(outputFolder + QLatin1String(coverFileName), "JPEG", coverQuality);
 }
 
 bool RipWorker::encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,
