@@ -134,6 +134,9 @@ private:
     quint32 lastAudioLba = 0; ///< offset reads go no further; 0 until a disc run begins
 
     std::atomic<bool> stopping = false;
+    /// Orders all that the run touched before the worker's destruction on another
+    /// thread.
+    std::atomic<bool> runOver = false;
     mutable std::mutex fileLock;
     QString fileInWork;
 };
