@@ -2,6 +2,7 @@
 
 #include "base/LargeMemory.h"
 #include "disc/CdDrive.h"
+#include "rip/OutputNaming.h"
 #include "rip/RipWorker.h"
 #include "secure/ParanoiaReader.h"
 
@@ -14,8 +15,6 @@
 
 namespace {
 
-constexpr char coverName[] = "/cover.jpg";
-constexpr int coverQuality = 90;
 constexpr qsizetype widenedAtOnce = 4096; // values; stays in the processor's cache
 
 // Fresh memory is filled piece by piece, so that it is touched once; values
@@ -45,15 +44,15 @@ void copyCover(const QString& from, const QString& to)
 QPixmap RipWorker::imageCover()
 {
     const auto trackCount = static_cast<int>(disc.tracks.size());
-    const QString target = outputFolder + QLatin1String(coverName);
+    const QString target = outputFolder + QLatin1String(coverFileName);
     if (!cover.isNull()) {
-        cover.save(target, "JPEG", coverQuality);
+        saveCover();
         Q_EMIT trackStarted(0, trackCount, QStringLiteral("Cover art: OK"));
         return cover;
     }
     QPixmap found;
     const QString sibling =
-        QFileInfo(disc.tracks.constFirst().sourceFile).absolutePath() + QLatin1String(coverName);
+        QFileInfo(disc.tracks.constFirst().sourceFile).absolutePath() + QLatin1String(coverFileName);
     if (QFileInfo(sibling).isFile() && found.load(sibling))
         copyCover(sibling, target);
     // Said in every case, also after a cover was found and copied.

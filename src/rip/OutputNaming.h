@@ -2,6 +2,9 @@
 
 #include <QString>
 
+/// Where the album's cover goes, below the output folder.
+inline constexpr char coverFileName[] = "/cover.jpg";
+
 /// Takes out what no file name may hold on any common system: \ / : * ? " < > |
 QString withoutForbiddenCharacters(QString text);
 

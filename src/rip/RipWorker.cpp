@@ -56,7 +56,10 @@ RipWorker::RipWorker(QObject* parent)
     qRegisterMetaType<QList<TrackInfo>>();
 }
 
-RipWorker::~RipWorker() = default;
+RipWorker::~RipWorker()
+{
+    runOver.load(std::memory_order_acquire);
+}
 
 void RipWorker::configure(CdDrive* newDrive, const DiscToc& newDisc, const QString& folder,
                           const QString& newArtist, const QString& newAlbum, const QString& newYear,
@@ -105,6 +108,7 @@ void RipWorker::run()
         runFileMode();
     }
     Q_EMIT finished();
+    runOver.store(true, std::memory_order_release);
 }
 
 void RipWorker::runDisc()
@@ -120,9 +124,17 @@ void RipWorker::runDisc()
     QDir().mkpath(outputFolder);
     if (disc.isImage)
         runCueMode();
+    else
+        runCdMode();
     spareSamples = {};
     runGuard().end();
     drive->giveBack();
+}
+
+void RipWorker::saveCover() const
+{
+    constexpr int coverQuality = 90;
+    cover.save(outputFolder + QLatin1String(coverFileName), "JPEG", coverQuality);
 }
 
 bool RipWorker::encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,

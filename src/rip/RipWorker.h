@@ -38,6 +38,16 @@ public:
     /// Creates a folder that did not exist before, and returns its path.
     static QString uniqueFolder(const QString& parent, const QString& name);
 
+    /// Shifts the samples of a finished disc track in place, by the drive's read
+    /// offset in stereo frames. What moves in comes from the neighbouring track
+    /// by a plain read, or is silence at the ends of the audio area. An image
+    /// track is shifted by values and filled with silence instead:
+    /// shiftWithSilence.
+    ///
+    /// @param pcm       16-bit values shifted left by 16; its length never changes
+    /// @param firstLba  first and last sector of the track
+    void applyReadOffset(QList<int>& pcm, quint32 firstLba, quint32 lastLba);
+
     int maxRereads() const { return rereadLimit; }
 
     /// Makes the run end before its next sector or track; from any thread. A
@@ -65,9 +75,32 @@ private:
     void runDisc();
     void runCueMode();
     void runFileMode();
+    /// The worker's own cover as "cover.jpg" in the output folder.
+    void saveCover() const;
     QPixmap imageCover();
     RipResult ripImageTrack(ParanoiaReader& reader, const TrackInfo& track, const QString& name,
                             const QPixmap& trackCover);
+
+    struct DiscRun;
+    void runCdMode();
+    DiscRun beginDiscRun();
+    void ripDiscTrack(DiscRun& run, qsizetype place);
+    QList<QByteArray> readFirstPass(const DiscRun& run, quint32 firstLba, quint32 count);
+    bool readTrackSamples(DiscRun& run, quint32 firstLba, quint32 count, const QList<QByteArray>& firstPass,
+                          QList<int>& samples, RipResult& result);
+    void keepAlive(const DiscRun& run, quint32 lba);
+    /// Judges what a pass read, replaces it where re-reads know better, and counts.
+    SectorResult judgeSector(DiscRun& run, quint32 lba, const QByteArray* first, QByteArray& data,
+                             RipResult& result);
+    /// Reads a sector again that the drive called clean; false when it came back
+    /// different. Two fresh reads outvote the data.
+    bool passesCrossCheck(quint32 lba, QByteArray& data);
+    QByteArray rereadSector(quint32 lba, const QList<QByteArray>& seeds, bool c2Mode, int& reads,
+                            bool& confirmed);
+    bool mayHoldAudio(qint64 lba) const;
+    /// Values of the disc from a stereo frame on, read without judgement.
+    QList<int> neighbourValues(qint64 firstFrame, qsizetype count);
+
     /// Encodes and tags one track; false when its file is not whole.
     /// @param pcm  taken over; 16-bit values shifted left by 16
     bool encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,
@@ -96,7 +129,14 @@ private:
     /// costs as much as encoding it.
     QList<int> spareSamples;
 
+    quint32 errorTotal = 0;
+    quint32 suspectTotal = 0;
+    quint32 lastAudioLba = 0; ///< offset reads go no further; 0 until a disc run begins
+
     std::atomic<bool> stopping = false;
+    /// Orders all that the run touched before the worker's destruction on another
+    /// thread.
+    std::atomic<bool> runOver = false;
     mutable std::mutex fileLock;
     QString fileInWork;
 };

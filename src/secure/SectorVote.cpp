@@ -1,6 +1,6 @@
 #include "secure/SectorVote.h"
 
-#include <QMap>
+#include "secure/Votes.h"
 
 #include <algorithm>
 
@@ -8,14 +8,6 @@ namespace {
 
 constexpr int trustedVotes = 3;  // ends the voting early
 constexpr int acceptedVotes = 2; // enough once the attempts are used up
-
-using Votes = QMap<QByteArray, int>;
-
-// The first of several equal counts is the lowest key.
-Votes::const_iterator mostVoted(const Votes& votes)
-{
-    return std::max_element(votes.cbegin(), votes.cend());
-}
 
 } // namespace
 

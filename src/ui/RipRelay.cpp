@@ -64,7 +64,7 @@ private:
     void wakeLocked()
     {
         if (!std::exchange(wakeUnderWay, true))
-            QMetaObject::invokeMethod(relay, &RipRelay::deliverTurn, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(relay, "deliverTurn", Qt::QueuedConnection);
     }
 
     std::mutex mutex;

@@ -58,7 +58,7 @@ private:
     using Event = std::variant<SectorResult, TrackStart, RipResult, LogLine, StatusText, Finish>;
     class Channel;
 
-    void deliverTurn();
+    Q_INVOKABLE void deliverTurn();
     bool fetchBatch();
     void deliver(const Event& event);
 

@@ -5,8 +5,10 @@
 #include "support/DiscMaker.h"
 
 #include <QTemporaryDir>
+#include <QtEndian>
 
-/// Runs a worker over a CUE image on the calling thread and keeps what it says.
+/// Runs a worker over an image or a disc on the calling thread and keeps what it
+/// says.
 class RunRecorder {
 public:
     RunRecorder()
@@ -17,6 +19,8 @@ public:
         });
         QObject::connect(&worker, &RipWorker::trackDone, [this](const RipResult& r) { results.append(r); });
         QObject::connect(&worker, &RipWorker::error, [this](const QString& text) { errors.append(text); });
+        QObject::connect(&worker, &RipWorker::logLine, [this](const QString& line) { logLines.append(line); });
+        QObject::connect(&worker, &RipWorker::statusText, [this](const QString& text) { statusTexts.append(text); });
         QObject::connect(&worker, &RipWorker::finished, [this] { ++finishedCount; });
     }
 
@@ -29,12 +33,25 @@ public:
         worker.run();
     }
 
+    /// Rips the disc in the drive of the platform in force into `folder`.
+    void ripDisc(const QString& folder, int rereads = 20, OutputFormat format = OutputWav)
+    {
+        ASSERT_TRUE(drive.open(CdDrive::enumerateDrives().constFirst()));
+        disc = drive.readToc();
+        worker.configure(&drive, disc, folder, QStringLiteral("Test Artist"), QStringLiteral("Test Album"),
+                         QStringLiteral("1998"), QPixmap(), QString(), 1, 1, 300, format, QString(), rereads);
+        worker.run();
+    }
+
     CdDrive drive;
+    DiscToc disc;
     RipWorker worker;
     QList<SectorResult> sectors;
     QStringList started;
     QList<RipResult> results;
     QStringList errors;
+    QStringList logLines;
+    QStringList statusTexts;
     int finishedCount = 0;
 };
 
@@ -42,4 +59,14 @@ inline QByteArray contentOf(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The audio bytes of a WAV file of ours, tags behind them left out.
+inline QByteArray audioOfWave(const QString& path)
+{
+    constexpr qsizetype headerBytes = 44;
+    const QByteArray file = contentOf(path);
+    return file.size() < headerBytes
+        ? QByteArray()
+        : file.mid(headerBytes, qFromLittleEndian<quint32>(file.constData() + headerBytes - 4));
 }
