@@ -74,6 +74,10 @@ TEST_F(SimulatedDriveTest, DataAndWhatLiesBetweenSessionsRefuseAudioReads)
     EXPECT_FALSE(probe.read(300).ok) << "11400 sectors before the second session";
     EXPECT_FALSE(probe.read(280, 21).ok) << "its last sector is 300";
     EXPECT_FALSE(probe.read(300 + simulatedSessionGap).ok);
+
+    drive.refusesData = false;
+    EXPECT_EQ(probe.read(299, 2).audio, onDisc(299) + QByteArray(RAW_SECTOR_BYTES, '\0'));
+    EXPECT_FALSE(probe.read(drive.leadOut()).ok);
 }
 
 TEST_F(SimulatedDriveTest, ReadsEndAtTheLeadOut)

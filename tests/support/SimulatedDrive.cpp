@@ -96,8 +96,10 @@ private:
 
     bool refused(quint32 lba, quint32 count)
     {
-        for (quint64 sector = lba; sector < quint64{lba} + count; ++sector) {
-            if (!drive.isAudio(static_cast<qint64>(sector)))
+        if (quint64{lba} + count > drive.leadOut())
+            return true;
+        for (quint32 sector = lba; drive.refusesData && sector < lba + count; ++sector) {
+            if (!drive.isAudio(sector))
                 return true;
         }
         return drive.failingReads > 0 && drive.failingReads-- > 0;
