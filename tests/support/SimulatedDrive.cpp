@@ -4,21 +4,19 @@
 #include "disc/DiscModel.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <utility>
 
 namespace {
 
-constexpr int ioError = 5;
+// Time limits of a read that hangs.
+constexpr qint64 guardedLimit = 3'000'000'000;
+constexpr qint64 unguardedLimit = 30'000'000'000;
+constexpr qint64 passThroughLimit = 5'000'000'000;
 
-void putEntry(std::span<quint8, 804> table, int place, int number, quint32 lba, bool isData)
-{
-    quint8* entry = table.data() + 4 + place * 8;
-    const quint32 address = lba + 150;
-    entry[1] = static_cast<quint8>(0x10 | (isData ? 0x04 : 0x00));
-    entry[2] = static_cast<quint8>(number);
-    entry[5] = static_cast<quint8>(address / 75 / 60);
-    entry[6] = static_cast<quint8>(address / 75 % 60);
-    entry[7] = static_cast<quint8>(address % 75);
-}
+constexpr quint8 inquiryCommand = 0x12;
+constexpr quint8 readCdCommand = 0xBE;
+constexpr quint8 c2Wanted = 0x02; // in byte 9 of READ CD
 
 } // namespace
 
@@ -29,87 +27,137 @@ public:
     {
     }
 
-    DriveReply checkVerify() override
-    {
-        note({SimulatedDrive::Command::Verify});
-        return {true, 0};
-    }
+    DriveReply checkVerify() override { return begin({SimulatedDrive::Command::Verify}); }
 
     DriveReply readToc(std::span<quint8, 804> table) override
     {
-        note({SimulatedDrive::Command::Toc});
-        const auto count = static_cast<int>(drive.tracks.size());
-        table[2] = static_cast<quint8>(drive.firstTrackNumber);
-        table[3] = static_cast<quint8>(drive.firstTrackNumber + count - 1);
-        for (int i = 0; i < count; ++i)
-            putEntry(table, i, drive.firstTrackNumber + i, drive.tracks[i].startLba, drive.tracks[i].isData);
-        putEntry(table, count, 0xAA, drive.leadOut(), false);
-        return {true, 0};
+        const DriveReply reply = begin({SimulatedDrive::Command::Toc});
+        if (reply.ok)
+            drive.fillToc(table);
+        return reply;
     }
 
     DriveReply readRaw(quint32 lba, quint32 count, std::span<quint8> data, bool guarded) override
     {
-        note({guarded ? SimulatedDrive::Command::Raw : SimulatedDrive::Command::SeekRead, lba, count});
-        if (!readable(lba, count) || failsNow())
-            return {false, ioError};
-        copySectors(lba, count, data.data());
-        return {true, 0};
+        const DriveReply reply =
+            begin({guarded ? SimulatedDrive::Command::Raw : SimulatedDrive::Command::SeekRead, lba, count});
+        if (!reply.ok)
+            return reply;
+        const DriveReply cancelled{false, guarded ? ECANCELED : EIO};
+        return readSectors(lba, count, data, false, guarded ? guardedLimit : unguardedLimit, cancelled);
     }
 
     DriveReply passThrough(std::span<const quint8> command, std::span<quint8> data) override
     {
-        return command[0] == 0x12 ? inquiry(data) : readCd(command, data);
+        if (command[0] == inquiryCommand)
+            return inquiry(data);
+        return command[0] == readCdCommand ? readCd(command, data) : DriveReply{false, EIO};
     }
 
     std::optional<DriveDescriptor> descriptor() override
     {
+        if (drive.gone(drive.commandsSent))
+            return std::nullopt;
         return DriveDescriptor{drive.vendor, drive.product, drive.usb};
     }
 
 private:
-    void note(const SimulatedDrive::Command& command)
+    DriveReply begin(const SimulatedDrive::Command& command)
     {
         drive.commands.append(command);
         drive.clock += drive.commandNanoseconds;
-    }
-
-    bool readable(quint32 lba, quint32 count) const { return lba + count <= drive.leadOut(); }
-
-    bool failsNow()
-    {
-        if (drive.failingReads == 0)
-            return false;
-        --drive.failingReads;
-        return true;
-    }
-
-    void copySectors(quint32 lba, quint32 count, quint8* target) const
-    {
-        const QByteArray sectors =
-            drive.audio.mid(qsizetype{lba} * RAW_SECTOR_BYTES, qsizetype{count} * RAW_SECTOR_BYTES);
-        std::ranges::copy(sectors, target);
+        return drive.gone(drive.commandsSent++) ? DriveReply{false, ENODEV} : DriveReply{true, 0};
     }
 
     DriveReply inquiry(std::span<quint8> data)
     {
-        note({SimulatedDrive::Command::Inquiry});
+        const DriveReply reply = begin({SimulatedDrive::Command::Inquiry});
+        if (!reply.ok)
+            return reply;
         std::ranges::fill(data, quint8{0});
         std::ranges::copy(drive.vendor.left(8), data.begin() + 8);
         std::ranges::copy(drive.product.left(16), data.begin() + 16);
-        return {true, 0};
+        return reply;
     }
 
     DriveReply readCd(std::span<const quint8> command, std::span<quint8> data)
     {
         const auto lba = byteorder::readBig<quint32>(command.data() + 2);
         const auto count = static_cast<quint32>(command[6] << 16 | command[7] << 8 | command[8]);
-        note({SimulatedDrive::Command::RawWithC2, lba, count});
-        if (!drive.c2Available || !readable(lba, count) || failsNow())
-            return {false, ioError};
-        std::ranges::fill(data, quint8{0});
-        for (quint32 i = 0; i < count; ++i)
-            copySectors(lba + i, 1, data.data() + size_t{i} * RAW_PLUS_C2_BYTES);
-        return {true, 0};
+        const bool withC2 = (command[9] & c2Wanted) != 0;
+        const DriveReply reply =
+            begin({withC2 ? SimulatedDrive::Command::RawWithC2 : SimulatedDrive::Command::Raw, lba, count});
+        if (!reply.ok)
+            return reply;
+        if (withC2 && !drive.c2Available)
+            return {false, EIO};
+        return readSectors(lba, count, data, withC2, passThroughLimit, {false, ETIMEDOUT});
+    }
+
+    bool refused(quint32 lba, quint32 count)
+    {
+        if (quint64{lba} + count > drive.leadOut())
+            return true;
+        for (quint32 sector = lba; drive.refusesData && sector < lba + count; ++sector) {
+            if (!drive.isAudio(sector))
+                return true;
+        }
+        return drive.failingReads > 0 && drive.failingReads-- > 0;
+    }
+
+    DriveReply readSectors(quint32 lba, quint32 count, std::span<quint8> data, bool withC2, qint64 limit,
+                           const DriveReply& hung)
+    {
+        const size_t sectorBytes = withC2 ? RAW_PLUS_C2_BYTES : RAW_SECTOR_BYTES;
+        if (data.size() < count * sectorBytes)
+            return {false, EINVAL};
+        if (refused(lba, count))
+            return {false, EIO};
+        using Reading = SimulatedMechanism::Reading;
+        const Reading reading = drive.mechanism.read(lba, count, drive.clock);
+        if (reading.end == Reading::Hanging) {
+            drive.clock += limit;
+            return hung;
+        }
+        if (reading.end == Reading::Unreadable)
+            return {false, EIO};
+        quint32 sector = lba;
+        for (const WrongPattern& pattern : reading.patterns) {
+            deliver(sector, pattern, data.subspan((sector - lba) * sectorBytes, sectorBytes), withC2);
+            ++sector;
+        }
+        return reading.end == Reading::Whole ? DriveReply{true, 0} : DriveReply{false, EIO};
+    }
+
+    void deliver(quint32 lba, const WrongPattern& pattern, std::span<quint8> target, bool withC2)
+    {
+        const auto audio = target.first(RAW_SECTOR_BYTES);
+        drive.copyFrames(qint64{lba} * (RAW_SECTOR_BYTES / 4) - drive.readOffset, audio.data());
+        pattern.spoil(audio);
+        if (withC2)
+            setPointers(lba, pattern, target.subspan(RAW_SECTOR_BYTES));
+        ++drive.sectorsTransferred;
+    }
+
+    void setPointers(quint32 lba, const WrongPattern& pattern, std::span<quint8> pointers)
+    {
+        using C2 = SimulatedDrive::C2;
+        std::ranges::fill(pointers, drive.c2 == C2::AllSet ? quint8{0xFF} : quint8{0});
+        if (drive.c2 == C2::AllSet || drive.c2 == C2::NeverSet)
+            return;
+        const auto set = [&](size_t place) {
+            pointers[place / 8] = static_cast<quint8>(pointers[place / 8] | 0x80 >> (place % 8));
+        };
+        if (!pattern.silent) {
+            const double missed = drive.c2 == C2::PartiallyHonest ? drive.c2MissRate : 0;
+            pattern.forEachPlace([&](size_t place) {
+                if (!happens(missed, scramble(pattern.key, place, 2)))
+                    set(place);
+            });
+        }
+        const quint64 alarm = scramble(drive.mechanism.seed, lba, drive.sectorsTransferred);
+        if (drive.c2 == C2::Noisy && happens(drive.c2NoiseRate, alarm))
+            set(static_cast<size_t>(scramble(alarm, 3, 0) % RAW_SECTOR_BYTES));
     }
 
     SimulatedDrive& drive;
@@ -117,23 +165,18 @@ private:
 
 QStringList SimulatedDrive::enumerateDrives()
 {
-    return {letter};
+    return gone(commandsSent) ? QStringList{} : QStringList{letter};
 }
 
 std::unique_ptr<DriveDevice> SimulatedDrive::open(const QString& name)
 {
-    return name == letter ? std::make_unique<SimulatedDevice>(*this) : nullptr;
+    return name == letter && !gone(commandsSent) ? std::make_unique<SimulatedDevice>(*this) : nullptr;
 }
 
 void SimulatedDrive::sleepMilliseconds(int duration)
 {
     commands.append({Command::Sleep, static_cast<quint32>(duration)});
     clock += qint64{duration} * 1'000'000;
-}
-
-quint32 SimulatedDrive::leadOut() const
-{
-    return static_cast<quint32>(audio.size() / RAW_SECTOR_BYTES);
 }
 
 qsizetype SimulatedDrive::count(Command::Kind kind) const
