@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <limits>
+#include <memory>
 #include <numeric>
 
 namespace {
@@ -25,6 +27,7 @@ constexpr int patientPauseMs = 100;
 constexpr quint32 seekDistance = 100;
 constexpr int probeAttempts = 3;
 constexpr size_t inquiryBytes = 96;
+constexpr size_t passThroughAlignment = 64;
 
 using TocTable = std::array<quint8, 804>;
 
@@ -78,6 +81,13 @@ DiscToc discFromToc(const TocTable& table)
     cutSessionGaps(disc.tracks);
     disc.totalSectors = entryLba(tocEntry(table, count));
     return disc;
+}
+
+quint8* alignedStart(QByteArray& block)
+{
+    void* start = block.data();
+    auto space = static_cast<size_t>(block.size());
+    return static_cast<quint8*>(std::align(passThroughAlignment, 1, start, space));
 }
 
 QString cleanText(const QByteArray& text)
@@ -155,20 +165,21 @@ bool CdDrive::readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>
     command[8] = static_cast<quint8>(count);
     command[9] = 0x12; // user data and the 294-byte C2 block
 
-    QByteArray raw(static_cast<qsizetype>(count) * RAW_PLUS_C2_BYTES, '\0');
-    auto* bytes = reinterpret_cast<quint8*>(raw.data());
-    const DriveReply reply = device->passThrough(command, {bytes, static_cast<size_t>(raw.size())});
+    const size_t length = size_t{count} * RAW_PLUS_C2_BYTES;
+    QByteArray block(static_cast<qsizetype>(length + passThroughAlignment), '\0');
+    quint8* bytes = alignedStart(block);
+    const DriveReply reply = device->passThrough(command, {bytes, length});
     errorOfLastCommand = reply.errorNumber;
-    if (!reply.ok)
+    if (!reply.delivered(length))
         return false;
 
     data.clear();
     data.reserve(static_cast<qsizetype>(count) * RAW_SECTOR_BYTES);
     c2Counts.clear();
     for (quint32 i = 0; i < count; ++i) {
-        const qsizetype start = static_cast<qsizetype>(i) * RAW_PLUS_C2_BYTES;
-        data.append(raw.constData() + start, RAW_SECTOR_BYTES);
-        const quint8* pointers = bytes + start + RAW_SECTOR_BYTES;
+        const quint8* sector = bytes + size_t{i} * RAW_PLUS_C2_BYTES;
+        data.append(reinterpret_cast<const char*>(sector), RAW_SECTOR_BYTES);
+        const quint8* pointers = sector + RAW_SECTOR_BYTES;
         c2Counts.append(std::accumulate(pointers, pointers + C2_BLOCK_BYTES, 0,
                                         [](int sum, quint8 bits) { return sum + std::popcount(bits); }));
     }
@@ -181,8 +192,8 @@ bool CdDrive::attemptBatch(quint32 lba, quint32 count, QByteArray& data, QList<i
         return readRawC2(lba, count, data, c2Counts);
     data.resize(static_cast<qsizetype>(count) * RAW_SECTOR_BYTES);
     c2Counts.clear();
-    return device->readRaw(lba, count, {reinterpret_cast<quint8*>(data.data()), static_cast<size_t>(data.size())},
-                           true).ok;
+    const std::span bytes{reinterpret_cast<quint8*>(data.data()), static_cast<size_t>(data.size())};
+    return device->readRaw(lba, count, bytes, true).delivered(bytes.size());
 }
 
 QByteArray CdDrive::readBatch(quint32 lba)
@@ -237,8 +248,9 @@ void CdDrive::updateSpeed(qint64 started, quint32 count)
     }
     bytesRead += quint64{count} * RAW_SECTOR_BYTES;
     const double elapsed = static_cast<double>(now - firstReadTime) / 1e9;
+    constexpr double fastest = std::numeric_limits<quint32>::max();
     if (elapsed > 0)
-        speed = static_cast<quint32>(static_cast<double>(bytesRead) / elapsed / 1024);
+        speed = static_cast<quint32>(std::min(fastest, static_cast<double>(bytesRead) / elapsed / 1024));
 }
 
 bool CdDrive::probeC2(quint32 lba)
@@ -280,7 +292,7 @@ QString CdDrive::queryModel()
         return {};
 
     constexpr std::array<quint8, 6> inquiry{0x12, 0, 0, 0, inquiryBytes, 0};
-    std::array<quint8, inquiryBytes> answer{};
+    alignas(passThroughAlignment) std::array<quint8, inquiryBytes> answer{};
     if (device->passThrough(inquiry, answer).ok) {
         const auto text = reinterpret_cast<const char*>(answer.data());
         const QString vendor = cleanText(QByteArray(text + 8, 8));
