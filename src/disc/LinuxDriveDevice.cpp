@@ -167,8 +167,10 @@ DriveReply LinuxDriveDevice::send(std::span<const quint8> command, std::span<qui
 
     if (const int error = request(file.get(), header))
         return {false, error, 0};
+    // Some host drivers report a time-out as any other aborted command; the time
+    // it took gives it away.
     if (const int error = errorOfAnswer(header, sense))
-        return {false, error, 0};
+        return {false, header.duration >= header.timeout ? ETIMEDOUT : error, 0};
     // A negative residue means that the drive had more to say than there was
     // room for; what came is then not what was asked for.
     if (header.resid < 0 || static_cast<size_t>(header.resid) > data.size())

@@ -301,6 +301,22 @@ TEST_F(LinuxDriveDeviceTest, AGuardedReadThatRunsOutOfTimeIsCancelledAndLogged)
     }
 }
 
+TEST_F(LinuxDriveDeviceTest, AnAbortedCommandThatTookTheWholeTimeRanOutOfIt)
+{
+    SgIoFault aborted = SgIoFault::checkCondition(0x0B, 0, 0);
+    const LogCapture log;
+    aborted.duration = 2999;
+    system.faults = {aborted};
+    EXPECT_EQ(readOne().errorNumber, EIO);
+    EXPECT_TRUE(log.warnings().isEmpty());
+    aborted.duration = 3000;
+    system.faults = {aborted};
+    EXPECT_EQ(readOne().errorNumber, ECANCELED);
+    EXPECT_EQ(log.warnings().size(), 1);
+    system.faults = {aborted};
+    EXPECT_EQ(readOne(false).errorNumber, EIO) << "an unguarded read has 5 s";
+}
+
 TEST_F(LinuxDriveDeviceTest, OtherCommandsThatRunOutOfTimeAreNotLogged)
 {
     const LogCapture log;

@@ -7,12 +7,10 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <cstdarg>
 #include <vector>
 
 #include <fcntl.h>
 #include <scsi/sg.h>
-#include <sys/ioctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -22,11 +20,6 @@ constinit std::atomic<SgIoStandIn*> active = nullptr;
 
 constexpr int checkConditionStatus = 0x02;
 constexpr int senseDriverStatus = 0x08;
-
-bool carriesMode(int flags)
-{
-    return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-}
 
 void putStatus(sg_io_hdr& header, int status, const QByteArray& sense)
 {
@@ -175,6 +168,7 @@ int SgIoStandIn::request(unsigned long code, sg_io_hdr* header)
         header->host_status = static_cast<unsigned short>(fault->host);
         header->driver_status = static_cast<unsigned short>(fault->driver);
         header->resid = fault->residue.value_or(header->resid);
+        header->duration = fault->duration;
     }
     return 0;
 }
@@ -200,6 +194,7 @@ void SgIoStandIn::answer(sg_io_hdr& header)
     header.status = header.masked_status = header.sb_len_wr = 0;
     header.host_status = header.driver_status = 0;
     header.resid = 0;
+    header.duration = 1;
     bool known = false;
     switch (header.cmdp[0]) {
     case 0x00: known = testUnitReady(header); break;
@@ -274,45 +269,3 @@ bool SgIoStandIn::inquiry(sg_io_hdr& header)
     deliver(header, std::span(data).first(allowed));
     return true;
 }
-
-// The calls of the C library, which these take the place of in a test program.
-extern "C" {
-
-int open(const char* path, int flags, ...)
-{
-    va_list rest;
-    va_start(rest, flags);
-    const auto mode = carriesMode(flags) ? va_arg(rest, mode_t) : mode_t{0};
-    va_end(rest);
-    if (const auto file = SgIoStandIn::handleOpen(path, flags))
-        return *file;
-    return static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
-}
-
-int open64(const char* path, int flags, ...)
-{
-    va_list rest;
-    va_start(rest, flags);
-    const auto mode = carriesMode(flags) ? va_arg(rest, mode_t) : mode_t{0};
-    va_end(rest);
-    return open(path, flags | O_LARGEFILE, mode);
-}
-
-int close(int file)
-{
-    SgIoStandIn::handleClose(file);
-    return static_cast<int>(syscall(SYS_close, file));
-}
-
-int ioctl(int file, unsigned long code, ...) noexcept
-{
-    va_list rest;
-    va_start(rest, code);
-    void* const argument = va_arg(rest, void*);
-    va_end(rest);
-    if (const auto result = SgIoStandIn::handleRequest(file, code, argument))
-        return *result;
-    return static_cast<int>(syscall(SYS_ioctl, file, code, argument));
-}
-
-} // extern "C"

@@ -19,6 +19,7 @@ struct SgIoFault {
     int driver = 0;
     QByteArray sense;
     std::optional<int> residue; ///< bytes reported as missing
+    unsigned duration = 1;      ///< milliseconds that the command is reported to have taken
 
     int after = 0;                 ///< matching commands that pass first
     int times = 1;                 ///< commands that it strikes; negative: all from then on
@@ -36,7 +37,9 @@ QByteArray fixedSense(int key, int code, int qualifier);
 
 /// Stands in for the operating system's calls around one device path: open,
 /// close and the SG_IO request of this process, answered byte by byte from a
-/// drive behind it. All other files go to the real system. One at a time.
+/// drive behind it. All other files go to the real system. One at a time, and
+/// the commands of one thread at a time. Works in programs that are linked with
+/// SgIoCalls.cpp.
 class SgIoStandIn {
 public:
     /// What a request carried.
