@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QList>
+#include <QMutex>
+#include <QString>
+#include <QStringList>
+#include <QtGlobal>
+
+/// Takes the lines of the debug log for its lifetime, one at a time in a process.
+class LogCapture {
+public:
+    LogCapture()
+    {
+        active = this;
+        previous = qInstallMessageHandler(&LogCapture::take);
+    }
+    ~LogCapture()
+    {
+        qInstallMessageHandler(previous);
+        active = nullptr;
+    }
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+
+    /// Warnings alone, in order.
+    QStringList warnings() const { return linesOf(QtWarningMsg); }
+    QStringList debugLines() const { return linesOf(QtDebugMsg); }
+
+private:
+    struct Line {
+        QtMsgType type;
+        QString text;
+    };
+
+    static void take(QtMsgType type, const QMessageLogContext&, const QString& text)
+    {
+        const QMutexLocker locker(&active->mutex);
+        active->lines.append({type, text});
+    }
+
+    QStringList linesOf(QtMsgType type) const
+    {
+        const QMutexLocker locker(&mutex);
+        QStringList texts;
+        for (const Line& line : lines) {
+            if (line.type == type)
+                texts.append(line.text);
+        }
+        return texts;
+    }
+
+    static inline LogCapture* active = nullptr;
+    QtMessageHandler previous = nullptr;
+    mutable QMutex mutex;
+    QList<Line> lines;
+};
