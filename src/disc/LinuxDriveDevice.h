@@ -36,10 +36,11 @@ private:
 /// rather than believed. Sense data that comes with a good status and tells of
 /// nothing ("no sense", "recovered error") is no failure.
 ///
-/// Error numbers: that of the request itself, ETIMEDOUT for a command that ran
-/// out of time and ECANCELED when it was a guarded read, ENODEV for a drive
-/// that is gone, EBUSY, ENOMEDIUM, EINVAL and EAGAIN as the status and the sense
-/// key have it, EIO for all else and for a short transfer.
+/// Error numbers: that of the request itself; ETIMEDOUT for a command that ran
+/// out of time, as the kernel says or as the time it took tells, and ECANCELED
+/// when it was a guarded read; ENODEV for a drive that is gone; EBUSY, ENOMEDIUM,
+/// EINVAL and EAGAIN as the status and the sense key have it; EIO for all else
+/// and for a short transfer.
 class LinuxDriveDevice : public DriveDevice {
 public:
     /// @param blockFolder  what the kernel tells of the block device; it may be

@@ -57,8 +57,10 @@ class HangingPlatform : public SimulatedDrive {
 public:
     std::unique_ptr<DriveDevice> open(const QString& name) override
     {
-        return std::make_unique<HangingDevice>(SimulatedDrive::open(name), 1);
+        return std::make_unique<HangingDevice>(SimulatedDrive::open(name), hangingReads);
     }
+
+    int hangingReads = 0;
 };
 
 /// A read that blocks until another thread cancels it.
@@ -163,6 +165,7 @@ TEST(ReadGuard, ABlockedReadIsCancelledAfterThreeSecondsFromAnotherThread)
 TEST(ReadGuard, AHungReadOfADriveIsOneFailedAttemptAndTheNextDeliversTheSector)
 {
     HangingPlatform platform;
+    platform.hangingReads = 1;
     const DrivePlatformOverride override(platform);
     platform.audio = makeAudio(100, 5);
     CdDrive drive;
@@ -172,4 +175,20 @@ TEST(ReadGuard, AHungReadOfADriveIsOneFailedAttemptAndTheNextDeliversTheSector)
     EXPECT_EQ(drive.lastRetries(), 1U);
     EXPECT_EQ(log.warnings(),
               QStringList{QStringLiteral("[CdDrive] Sector 40 unresponsive after 3000 ms, cancelling I/O")});
+}
+
+TEST(ReadGuard, AReadThatFailsAtOnceLeavesTheWatchdogNothingToDo)
+{
+    HangingPlatform platform;
+    const DrivePlatformOverride override(platform);
+    platform.audio = makeAudio(100, 5);
+    platform.failingReads = 5;
+    CdDrive drive;
+    ASSERT_TRUE(drive.open(platform.letter));
+    const LogCapture log;
+    const auto started = Clock::now();
+    EXPECT_FALSE(drive.readSector(40).isEmpty());
+    EXPECT_LT(Clock::now() - started, milliseconds(3000));
+    EXPECT_EQ(drive.lastRetries(), 5U);
+    EXPECT_TRUE(log.lines().isEmpty());
 }

@@ -172,6 +172,38 @@ TEST_F(LinuxDrivePlatformTest, ADriveThatHangsIsCancelledOnceAndReadAgain)
               QStringList{QStringLiteral("[CdDrive] Sector 300 unresponsive after 3000 ms, cancelling I/O")});
 }
 
+TEST_F(LinuxDrivePlatformTest, ADriveThatHangsForGoodIsGivenUpAfterThirtyFiveCancelledReads)
+{
+    ASSERT_TRUE(drive.open(devicePath));
+    SgIoFault hang;
+    hang.host = 3;
+    system.faults = {hang.forever()};
+    const LogCapture log;
+    EXPECT_TRUE(drive.readSector(300).isEmpty());
+    EXPECT_EQ(drive.lastRetries(), 35U);
+    EXPECT_EQ(log.warnings(), QStringList(35, QStringLiteral("[CdDrive] Sector 300 unresponsive after 3000 ms, "
+                                                             "cancelling I/O")));
+    const auto guarded = std::ranges::count(system.requests, 3000U, &SgIoStandIn::Request::timeOutMs);
+    EXPECT_EQ(guarded, 35);
+    EXPECT_EQ(system.requests.size() - guarded, 20) << "the seek reads carry the time of any other command";
+}
+
+TEST_F(LinuxDrivePlatformTest, AHangWithC2EndsByTheTimeOfThePassThroughAndIsNotLogged)
+{
+    ASSERT_TRUE(drive.open(devicePath));
+    ASSERT_TRUE(drive.probeC2(0));
+    drive.setC2Enabled(true);
+    system.requests.clear();
+    SgIoFault hang;
+    hang.host = 3;
+    system.faults = {hang};
+    const LogCapture log;
+    EXPECT_EQ(drive.readSector(300), truth(300));
+    EXPECT_EQ(drive.lastRetries(), 1U);
+    EXPECT_TRUE(log.lines().isEmpty());
+    EXPECT_EQ(system.requests.value(0).timeOutMs, 5000U);
+}
+
 TEST_F(LinuxDrivePlatformTest, ADriveUnpluggedInTheMiddleFailsEveryBatchFromThenOn)
 {
     ASSERT_TRUE(drive.open(devicePath));

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <QtGlobal>
 
+#include <optional>
+
 /// Takes the lines of the debug log for its lifetime, one at a time in a process.
 class LogCapture {
 public:
@@ -25,6 +27,8 @@ public:
     /// Warnings alone, in order.
     QStringList warnings() const { return linesOf(QtWarningMsg); }
     QStringList debugLines() const { return linesOf(QtDebugMsg); }
+    /// Warnings and debug lines in the order in which they came.
+    QStringList lines() const { return linesOf(std::nullopt); }
 
 private:
     struct Line {
@@ -35,15 +39,15 @@ private:
     static void take(QtMsgType type, const QMessageLogContext&, const QString& text)
     {
         const QMutexLocker locker(&active->mutex);
-        active->lines.append({type, text});
+        active->taken.append({type, text});
     }
 
-    QStringList linesOf(QtMsgType type) const
+    QStringList linesOf(std::optional<QtMsgType> type) const
     {
         const QMutexLocker locker(&mutex);
         QStringList texts;
-        for (const Line& line : lines) {
-            if (line.type == type)
+        for (const Line& line : taken) {
+            if (!type || line.type == *type)
                 texts.append(line.text);
         }
         return texts;
@@ -52,5 +56,5 @@ private:
     static inline LogCapture* active = nullptr;
     QtMessageHandler previous = nullptr;
     mutable QMutex mutex;
-    QList<Line> lines;
+    QList<Line> taken;
 };
