@@ -140,7 +140,7 @@ TEST_P(DamagedDisc, WrongBytesInTheDrivesCacheAreNotBelieved)
 
 TEST_P(DamagedDisc, ADriveThatDisappearsLeavesSilenceAndATrueReport)
 {
-    drive.commandsUntilGone = 12;
+    drive.commandsUntilGone = 6;
     rip(2);
     expectOnlyTheTruthIsTrusted();
     EXPECT_TRUE(run.sectors.constLast().bad);
