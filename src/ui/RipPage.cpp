@@ -194,7 +194,9 @@ void MainWindow::onRipClicked()
     logViewer->append(riplog::cover(!coverPixmap.isNull()));
 
     mergeTitles();
-    drive->setReadOffset(sampleOffset);
+    // An audio file may be converted while an earlier rip still has the drive.
+    if (audioPathEdit->text().isEmpty())
+        drive->setReadOffset(sampleOffset);
     startRip(folder, artist, album);
 }
 

@@ -1,0 +1,173 @@
+// A disc in a drive, from the first click to the result box.
+
+#include "ui/WindowDriver.h"
+
+#include "support/DiscMaker.h"
+
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QRadioButton>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString drivePath = QStringLiteral("/dev/sr0");
+
+class DiscRoad : public ::testing::Test {
+protected:
+    void SetUp() override { QSettings().clear(); }
+
+    void loadDisc(WindowDriver& app, int sectors)
+    {
+        app.shelf().audio = makeAudio(sectors, 1);
+        app.shelf().tracks = {{0, false}, {static_cast<quint32>(sectors / 3), false}};
+    }
+
+    /// To the RIP step, with WAV files as the choice.
+    void prepare(WindowDriver& app)
+    {
+        app.outputPath()->setText(folder.path());
+        app.advanceTo(1);
+        app.onPage<QRadioButton>(1, "fmtRadio", 1)->click();
+        app.advanceTo(2);
+        app.artist()->setText(QStringLiteral("Ada"));
+        app.album()->setText(QStringLiteral("Blue"));
+        app.advanceTo(3);
+    }
+
+    QByteArray rippedTrack(int number) const
+    {
+        QFile file(folder.filePath(QStringLiteral("Ada - Blue/%1. Track %2.wav")
+                                       .arg(number, 2, 10, QLatin1Char('0'))
+                                       .arg(number)));
+        return file.open(QIODevice::ReadOnly) ? file.readAll().mid(44) : QByteArray();
+    }
+
+    QTemporaryDir folder;
+};
+
+} // namespace
+
+TEST_F(DiscRoad, ADriveThatIsPluggedInLaterIsFoundByRefresh)
+{
+    WindowDriver app(2);
+    auto* combo = app.onPage<QComboBox>(0, "driveCombo");
+    EXPECT_FALSE(combo->isEnabled());
+    app.shelf().letters = {drivePath, QStringLiteral("/dev/sr1")};
+    WindowDriver::click(app.onPage<QPushButton>(0, "browseBtn", 0));
+    EXPECT_TRUE(combo->isEnabled());
+    ASSERT_EQ(combo->count(), 2);
+    EXPECT_EQ(combo->itemText(0), QStringLiteral("CD-ROM  /dev/sr0"));
+    EXPECT_EQ(combo->currentIndex(), 0);
+    app.shelf().letters.clear();
+    WindowDriver::click(app.onPage<QPushButton>(0, "browseBtn", 0));
+    EXPECT_FALSE(combo->isEnabled());
+    EXPECT_EQ(combo->placeholderText(), QStringLiteral("No CD drive detected"));
+}
+
+TEST_F(DiscRoad, ACleanDiscGoesTheWholeWay)
+{
+    QSettings().setValue(QStringLiteral("driveOffsets/ACME - DISC READER 9/offset"), 6);
+    QSettings().setValue(QStringLiteral("driveOffsets/ACME - DISC READER 9/source"), QStringLiteral("saved"));
+    WindowDriver app(2, {drivePath});
+    loadDisc(app, 900);
+    prepare(app);
+    EXPECT_EQ(app.tracks()->rowCount(), 2);
+    EXPECT_EQ(app.cell(app.tracks(), 1, 2), QStringLiteral("0:08"));
+    const QStringList box = app.runRip();
+    EXPECT_EQ(box, (QStringList{QStringLiteral("Rip Complete"),
+                                QStringLiteral("Ripping is complete.\n\nRead Quality : 100.00%\nErrors : 0 sectors\n"
+                                               "Suspect Sectors : 0 sectors")}));
+    const QStringList log = app.logLines();
+    EXPECT_TRUE(log.contains(QStringLiteral("Drive  : ACME - DISC READER 9")));
+    EXPECT_TRUE(log.contains(QStringLiteral("Read offset : +6  (saved)")));
+    EXPECT_FALSE(log.join(QLatin1Char('\n')).contains(QStringLiteral("Source : ")));
+    EXPECT_TRUE(log.contains(QStringLiteral("Read mode   : secure - C2 error pointers (max 20 re-reads / sector)")));
+    EXPECT_TRUE(log.contains(QStringLiteral("  Track 02: ✦ saved  (errors:0)")));
+    EXPECT_TRUE(log.contains(QStringLiteral("  Result  : Perfect  ✦")));
+    EXPECT_TRUE(app.card(3).endsWith(QLatin1Char('x'))) << "the speed of the virtual clock";
+
+    const qsizetype shift = 6 * 4;
+    const QByteArray second = app.shelf().audio.mid(300 * 2352 + shift) + QByteArray(shift, '\0');
+    EXPECT_TRUE(rippedTrack(2).startsWith(second)) << "600 sectors, moved by the offset, silence at the end";
+}
+
+TEST_F(DiscRoad, ADriveWithoutPointersIsReadTwiceAndSaysSo)
+{
+    for (const int language : {1, 2}) {
+        WindowDriver app(language, {drivePath});
+        loadDisc(app, 600);
+        app.shelf().c2Available = false;
+        prepare(app);
+        app.runRip();
+        EXPECT_TRUE(app.logLines().contains(
+            QStringLiteral("Read mode   : secure - double read & compare (max 20 re-reads / sector)")));
+        EXPECT_TRUE(rippedTrack(1).startsWith(app.shelf().audio.left(200 * 2352)));
+    }
+}
+
+TEST_F(DiscRoad, SteppingBackDuringARipNeitherDisturbsItNorOpensTheDrive)
+{
+    WindowDriver app(2, {drivePath});
+    loadDisc(app, 6000);
+    prepare(app);
+    QStringList box;
+    const DialogWatcher watcher([&](QDialog* dialog) {
+        box << dialog->windowTitle();
+        dialog->accept();
+    });
+    WindowDriver::click(app.rip());
+    WindowDriver::click(app.back());
+    EXPECT_EQ(app.step(), 2);
+    WindowDriver::click(app.back());
+    app.advanceTo(2);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !box.isEmpty(); }, 60000));
+    EXPECT_TRUE(rippedTrack(1).startsWith(app.shelf().audio.left(2000 * 2352)));
+    EXPECT_TRUE(rippedTrack(2).startsWith(app.shelf().audio.mid(2000 * 2352)));
+    EXPECT_EQ(app.shelf().count(SimulatedDrive::Command::Toc), 1) << "of the first entry alone";
+}
+
+TEST_F(DiscRoad, ResetAndASheetDuringARipNeitherDisturbIt)
+{
+    ImageDescription image;
+    image.tracks = {{0, QStringLiteral("Alpha")}};
+    const QString cue = writeImage(folder.path(), image, makeAudio(30, 2));
+    WindowDriver app(2, {drivePath});
+    loadDisc(app, 6000);
+    prepare(app);
+    QStringList box;
+    const DialogWatcher watcher([&](QDialog* dialog) {
+        if (dialog->windowTitle() != QStringLiteral("Rip Complete"))
+            return;
+        box << dialog->windowTitle();
+        dialog->accept();
+    });
+    WindowDriver::click(app.rip());
+    while (app.step() > 0)
+        WindowDriver::click(app.back());
+    WindowDriver::click(app.reset());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !box.isEmpty(); }, 60000));
+    EXPECT_TRUE(rippedTrack(2).startsWith(app.shelf().audio.mid(2000 * 2352)));
+    app.pickCue(cue);
+    EXPECT_EQ(app.tracks()->rowCount(), 1) << "the drive is free again";
+}
+
+TEST_F(DiscRoad, TheWindowMayGoAtAnyMomentOfARip)
+{
+    for (const int wait : {0, 5, 50}) {
+        WindowDriver app(2, {drivePath});
+        loadDisc(app, 9000);
+        prepare(app);
+        WindowDriver::click(app.rip());
+        QTest::qWait(wait);
+        QElapsedTimer time;
+        time.start();
+        app.destroyWindow();
+        EXPECT_LT(time.elapsed(), 5000);
+    }
+}
