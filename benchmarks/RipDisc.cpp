@@ -34,7 +34,7 @@ void insertDisc(SimulatedDrive& drive, const Plan& plan, bool c2)
     drive.leadOutLba = static_cast<quint32>(plan.minutes * 60 * SECTORS_PER_SECOND);
     drive.tracks.clear();
     for (int i = 0; i < plan.tracks; ++i)
-        drive.tracks.append({drive.leadOutLba / static_cast<quint32>(plan.tracks) * static_cast<quint32>(i)});
+        drive.tracks.append(SimulatedTrack{drive.leadOutLba / static_cast<quint32>(plan.tracks) * static_cast<quint32>(i)});
     drive.c2Available = c2;
     drive.commandNanoseconds = 0;
 }
