@@ -39,6 +39,13 @@ function(tarvel_platform_source variable subject)
     set(${variable} ${file} PARENT_SCOPE)
 endfunction()
 
+# The simulated optical drive and its discs, for tests and benchmarks.
+set(TARVEL_SIMULATED_DRIVE
+    ${PROJECT_SOURCE_DIR}/tests/support/DiscDamage.cpp
+    ${PROJECT_SOURCE_DIR}/tests/support/SimulatedDisc.cpp
+    ${PROJECT_SOURCE_DIR}/tests/support/SimulatedDrive.cpp
+    ${PROJECT_SOURCE_DIR}/tests/support/SimulatedMechanism.cpp)
+
 # tarvel_test(name SOURCES ... LINK ... LABELS ...)
 #
 # One test executable for one folder of tests/; its cases are single CTest tests.

@@ -3,14 +3,22 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 
-/// The answer to one command sent to a drive. Anything but a whole, clean
-/// transfer is not ok.
+/// The answer to one command sent to a drive. Anything but a command carried
+/// out without complaint is not ok. How much a drive sends is its own affair
+/// for some commands, so a caller that needs all of it asks for all of it.
 struct DriveReply {
+    static constexpr size_t everything = SIZE_MAX;
+
     bool ok = false;
-    int errorNumber = 0; ///< the platform's error, for the debug log
+    int errorNumber = 0;             ///< the platform's error, for the debug log; set on a short transfer too
+    size_t transferred = everything; ///< bytes that came
+
+    bool delivered(size_t wanted) const { return ok && (transferred == everything || transferred == wanted); }
 };
 
 /// What the platform says of a drive without asking the disc.
@@ -29,16 +37,16 @@ public:
     /// Asks whether a medium is there; the answer is not needed for a read.
     virtual DriveReply checkVerify() = 0;
 
-    /// Fills the table of contents: 804 bytes, length, first and last track,
+    /// Fills the table of contents, the unused rest with zeros: 804 bytes, length, first and last track,
     /// then 100 entries of 8 bytes with control in byte 1 and the address as
     /// minute, second, frame in bytes 5 to 7.
     virtual DriveReply readToc(std::span<quint8, 804> table) = 0;
 
     /// Reads whole audio sectors. A read that hangs is cancelled after 3 s when
-    /// guarded, and fails.
+    /// guarded, which is logged, and fails.
     virtual DriveReply readRaw(quint32 lba, quint32 count, std::span<quint8> data, bool guarded) = 0;
 
-    /// Sends a command block that reads; ok only when all of `data` came.
+    /// Sends a command block that reads, as it is.
     virtual DriveReply passThrough(std::span<const quint8> command, std::span<quint8> data) = 0;
 
     virtual std::optional<DriveDescriptor> descriptor() = 0;

@@ -1,35 +1,25 @@
 #include "disc/LinuxDrivePlatform.h"
 
-#include "disc/DrivePlatform.h"
+#include "disc/LinuxDriveDevice.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <chrono>
 #include <thread>
 
+#include <fcntl.h>
+
 namespace {
 
-class LinuxDrivePlatform : public DrivePlatform {
-public:
-    QStringList enumerateDrives() override
-    {
-        QFile list(QStringLiteral("/proc/sys/dev/cdrom/info"));
-        return list.open(QIODevice::ReadOnly) ? drivesInKernelList(list.readAll()) : QStringList();
-    }
-
-    // Commands to a drive are not carried on this platform yet, so no drive opens.
-    std::unique_ptr<DriveDevice> open(const QString&) override { return nullptr; }
-
-    qint64 nowNanoseconds() override
-    {
-        return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
-    }
-
-    void sleepMilliseconds(int duration) override
-    {
-        std::this_thread::sleep_for(std::chrono::milliseconds(duration));
-    }
-};
+// Without O_NONBLOCK the kernel waits for a disc and closes the tray.
+FileDescriptor openDrive(const QByteArray& path)
+{
+    FileDescriptor file(::open(path.constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
+    if (!file.isOpen())
+        file = FileDescriptor(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    return file;
+}
 
 } // namespace
 
@@ -46,6 +36,37 @@ QStringList drivesInKernelList(const QByteArray& list)
     }
     drives.sort();
     return drives;
+}
+
+LinuxDrivePlatform::LinuxDrivePlatform(QString list, QString root)
+    : driveList(std::move(list))
+    , sysRoot(std::move(root))
+{
+}
+
+QStringList LinuxDrivePlatform::enumerateDrives()
+{
+    QFile list(driveList);
+    return list.open(QIODevice::ReadOnly) ? drivesInKernelList(list.readAll()) : QStringList();
+}
+
+std::unique_ptr<DriveDevice> LinuxDrivePlatform::open(const QString& letter)
+{
+    FileDescriptor file = openDrive(QFile::encodeName(letter));
+    if (!file.isOpen())
+        return nullptr;
+    const QString blockFolder = sysRoot + QStringLiteral("/class/block/") + QFileInfo(letter).fileName();
+    return std::make_unique<LinuxDriveDevice>(std::move(file), blockFolder);
+}
+
+qint64 LinuxDrivePlatform::nowNanoseconds()
+{
+    return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+void LinuxDrivePlatform::sleepMilliseconds(int duration)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(duration));
 }
 
 std::unique_ptr<DrivePlatform> makeDrivePlatform()

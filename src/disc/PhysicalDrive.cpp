@@ -1,5 +1,5 @@
-// The physical half of CdDrive: table of contents, batches with their ladder of
-// retries, C2 pointers, model text and bus.
+// The physical half of CdDrive: batches with their ladder of retries, C2
+// pointers, speed, model text and bus.
 
 #include "base/ByteOrder.h"
 #include "disc/CdDrive.h"
@@ -10,13 +10,12 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <limits>
+#include <memory>
 #include <numeric>
 
 namespace {
 
-constexpr int tocAttempts = 5;
-constexpr int tocPauseMs = 300;
-constexpr quint32 sessionGapSectors = 11400; // lead-out and lead-in between two sessions
 constexpr quint32 immediateAttempts = 5;
 constexpr quint32 seekAttempts = 20;
 constexpr quint32 patientAttempts = 10;
@@ -25,59 +24,13 @@ constexpr int patientPauseMs = 100;
 constexpr quint32 seekDistance = 100;
 constexpr int probeAttempts = 3;
 constexpr size_t inquiryBytes = 96;
+constexpr size_t passThroughAlignment = 64;
 
-using TocTable = std::array<quint8, 804>;
-
-quint32 entryLba(const quint8* entry)
+quint8* alignedStart(QByteArray& block)
 {
-    const quint32 seconds = quint32{entry[5]} * 60 + entry[6];
-    return seconds * SECTORS_PER_SECOND + entry[7] - LEAD_IN_SECTORS;
-}
-
-const quint8* tocEntry(const TocTable& table, int place)
-{
-    return table.data() + 4 + place * 8;
-}
-
-bool plausibleToc(const TocTable& table)
-{
-    const int first = table[2];
-    const int last = table[3];
-    return first != 0 && last >= first && last < 100;
-}
-
-// In a multi-session disc the last audio track would include the gap between
-// the sessions.
-void cutSessionGaps(QList<TrackInfo>& tracks)
-{
-    for (qsizetype i = 0; i + 1 < tracks.size(); ++i) {
-        TrackInfo& track = tracks[i];
-        const TrackInfo& next = tracks[i + 1];
-        if (!track.isData && next.isData && next.startLba > track.startLba + sessionGapSectors) {
-            track.endLba = next.startLba - sessionGapSectors - 1;
-            track.seconds = trackSeconds(track.startLba, track.endLba);
-        }
-    }
-}
-
-DiscToc discFromToc(const TocTable& table)
-{
-    DiscToc disc;
-    const int first = table[2];
-    const int count = table[3] - first + 1;
-    for (int i = 0; i < count; ++i) {
-        const quint8* entry = tocEntry(table, i);
-        TrackInfo track;
-        track.number = first + i;
-        track.startLba = entryLba(entry);
-        track.endLba = entryLba(tocEntry(table, i + 1)) - 1;
-        track.seconds = trackSeconds(track.startLba, track.endLba);
-        track.isData = (entry[1] & 0x04) != 0;
-        disc.tracks.append(track);
-    }
-    cutSessionGaps(disc.tracks);
-    disc.totalSectors = entryLba(tocEntry(table, count));
-    return disc;
+    void* start = block.data();
+    auto space = static_cast<size_t>(block.size());
+    return static_cast<quint8*>(std::align(passThroughAlignment, 1, start, space));
 }
 
 QString cleanText(const QByteArray& text)
@@ -109,34 +62,6 @@ bool CdDrive::open(const QString& letter)
     return true;
 }
 
-DiscToc CdDrive::readToc()
-{
-    if (image)
-        return imageDisc;
-    if (!device)
-        return {};
-    for (int attempt = 1; attempt <= tocAttempts; ++attempt) {
-        TocTable table{};
-        device->checkVerify();
-        const DriveReply reply = device->readToc(table);
-        if (reply.ok && plausibleToc(table)) {
-            DiscToc disc = discFromToc(table);
-            sectorLimit = disc.totalSectors;
-            return disc;
-        }
-        if (!reply.ok) {
-            qWarning() << "CdDrive: IOCTL_CDROM_READ_TOC failed (attempt" << attempt << "):" << reply.errorNumber;
-        } else {
-            qWarning() << "CdDrive: invalid TOC returned (attempt" << attempt << ") FirstTrack=" << table[2]
-                       << "LastTrack=" << table[3];
-        }
-        if (attempt < tocAttempts)
-            drivePlatform().sleepMilliseconds(tocPauseMs);
-    }
-    qWarning() << "CdDrive: could not obtain a valid TOC after" << tocAttempts << "attempts";
-    return {};
-}
-
 quint32 CdDrive::boundedBatch(quint32 lba) const
 {
     if (sectorLimit == 0)
@@ -155,20 +80,21 @@ bool CdDrive::readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>
     command[8] = static_cast<quint8>(count);
     command[9] = 0x12; // user data and the 294-byte C2 block
 
-    QByteArray raw(static_cast<qsizetype>(count) * RAW_PLUS_C2_BYTES, '\0');
-    auto* bytes = reinterpret_cast<quint8*>(raw.data());
-    const DriveReply reply = device->passThrough(command, {bytes, static_cast<size_t>(raw.size())});
+    const size_t length = size_t{count} * RAW_PLUS_C2_BYTES;
+    QByteArray block(static_cast<qsizetype>(length + passThroughAlignment), '\0');
+    quint8* bytes = alignedStart(block);
+    const DriveReply reply = device->passThrough(command, {bytes, length});
     errorOfLastCommand = reply.errorNumber;
-    if (!reply.ok)
+    if (!reply.delivered(length))
         return false;
 
     data.clear();
     data.reserve(static_cast<qsizetype>(count) * RAW_SECTOR_BYTES);
     c2Counts.clear();
     for (quint32 i = 0; i < count; ++i) {
-        const qsizetype start = static_cast<qsizetype>(i) * RAW_PLUS_C2_BYTES;
-        data.append(raw.constData() + start, RAW_SECTOR_BYTES);
-        const quint8* pointers = bytes + start + RAW_SECTOR_BYTES;
+        const quint8* sector = bytes + size_t{i} * RAW_PLUS_C2_BYTES;
+        data.append(reinterpret_cast<const char*>(sector), RAW_SECTOR_BYTES);
+        const quint8* pointers = sector + RAW_SECTOR_BYTES;
         c2Counts.append(std::accumulate(pointers, pointers + C2_BLOCK_BYTES, 0,
                                         [](int sum, quint8 bits) { return sum + std::popcount(bits); }));
     }
@@ -181,8 +107,8 @@ bool CdDrive::attemptBatch(quint32 lba, quint32 count, QByteArray& data, QList<i
         return readRawC2(lba, count, data, c2Counts);
     data.resize(static_cast<qsizetype>(count) * RAW_SECTOR_BYTES);
     c2Counts.clear();
-    return device->readRaw(lba, count, {reinterpret_cast<quint8*>(data.data()), static_cast<size_t>(data.size())},
-                           true).ok;
+    const std::span bytes{reinterpret_cast<quint8*>(data.data()), static_cast<size_t>(data.size())};
+    return device->readRaw(lba, count, bytes, true).delivered(bytes.size());
 }
 
 QByteArray CdDrive::readBatch(quint32 lba)
@@ -237,8 +163,9 @@ void CdDrive::updateSpeed(qint64 started, quint32 count)
     }
     bytesRead += quint64{count} * RAW_SECTOR_BYTES;
     const double elapsed = static_cast<double>(now - firstReadTime) / 1e9;
+    constexpr double fastest = std::numeric_limits<quint32>::max();
     if (elapsed > 0)
-        speed = static_cast<quint32>(static_cast<double>(bytesRead) / elapsed / 1024);
+        speed = static_cast<quint32>(std::min(fastest, static_cast<double>(bytesRead) / elapsed / 1024));
 }
 
 bool CdDrive::probeC2(quint32 lba)
@@ -280,7 +207,7 @@ QString CdDrive::queryModel()
         return {};
 
     constexpr std::array<quint8, 6> inquiry{0x12, 0, 0, 0, inquiryBytes, 0};
-    std::array<quint8, inquiryBytes> answer{};
+    alignas(passThroughAlignment) std::array<quint8, inquiryBytes> answer{};
     if (device->passThrough(inquiry, answer).ok) {
         const auto text = reinterpret_cast<const char*>(answer.data());
         const QString vendor = cleanText(QByteArray(text + 8, 8));

@@ -1,0 +1,230 @@
+#include "disc/LinuxDriveDevice.h"
+
+#include "base/ByteOrder.h"
+#include "disc/DriveWatchdog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+#include <scsi/sg.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int commandTimeOutMs = 5000;
+constexpr int interruptedTries = 16;
+
+// The kernel's host and driver status, which no header offers to programs.
+constexpr int hostNoConnection = 1;
+constexpr int hostTimeOut = 3;
+constexpr int driverStatusMask = 0x0F; // the upper half is advice
+constexpr int driverTimeOut = 6;
+constexpr int driverSense = 8; // only says that sense data came
+
+constexpr int statusGood = 0x00;
+constexpr int statusCheckCondition = 0x02;
+constexpr int statusBusy = 0x08;
+constexpr int statusReserved = 0x18;
+constexpr int statusQueueFull = 0x28;
+
+using SenseBuffer = std::array<quint8, 32>;
+
+struct Sense {
+    int key = 0;
+    int additional = 0;
+};
+
+enum SenseKey { noSense = 0, recoveredError = 1, notReady = 2, illegalRequest = 5, unitAttention = 6 };
+constexpr int noMedium = 0x3A;
+
+std::optional<Sense> decodeSense(const SenseBuffer& bytes, size_t length)
+{
+    length = std::min(length, bytes.size());
+    const int format = bytes[0] & 0x7F;
+    const bool fixed = format == 0x70 || format == 0x71;
+    const bool descriptors = format == 0x72 || format == 0x73;
+    if (fixed && length >= 3)
+        return Sense{bytes[2] & 0x0F, length > 12 ? bytes[12] : 0};
+    if (descriptors && length >= 2)
+        return Sense{bytes[1] & 0x0F, length > 2 ? bytes[2] : 0};
+    return std::nullopt;
+}
+
+int errorOfSense(const Sense& sense)
+{
+    switch (sense.key) {
+    case notReady: return sense.additional == noMedium ? ENOMEDIUM : EBUSY;
+    case illegalRequest: return EINVAL;
+    case unitAttention: return EAGAIN;
+    default: return EIO;
+    }
+}
+
+int errorOfHost(int status)
+{
+    switch (status) {
+    case hostNoConnection: return ENODEV;
+    case hostTimeOut: return ETIMEDOUT;
+    default: return EIO;
+    }
+}
+
+// 0 for a command that was carried out without complaint. What lies furthest
+// from the disc is asked first: when the transport failed, the rest means nothing.
+int errorOfAnswer(const sg_io_hdr& header, const SenseBuffer& senseBytes)
+{
+    if (header.host_status != 0)
+        return errorOfHost(header.host_status);
+    const int driver = header.driver_status & driverStatusMask;
+    if (driver != 0 && driver != driverSense)
+        return driver == driverTimeOut ? ETIMEDOUT : EIO;
+
+    const auto sense = decodeSense(senseBytes, header.sb_len_wr);
+    const int status = header.status != statusGood ? header.status : header.masked_status << 1;
+    switch (status) {
+    case statusGood:
+        return sense && sense->key != noSense && sense->key != recoveredError ? errorOfSense(*sense) : 0;
+    case statusCheckCondition:
+        return sense ? errorOfSense(*sense) : EIO;
+    case statusBusy:
+    case statusReserved:
+    case statusQueueFull:
+        return EBUSY;
+    default:
+        return EIO;
+    }
+}
+
+int request(int file, sg_io_hdr& header)
+{
+    for (int attempt = 0; attempt < interruptedTries; ++attempt) {
+        if (ioctl(file, SG_IO, &header) >= 0)
+            return 0;
+        if (errno != EINTR)
+            break;
+    }
+    return errno;
+}
+
+std::array<quint8, 12> readCd(quint32 lba, quint32 count)
+{
+    std::array<quint8, 12> command{0xBE, 0x04}; // CD-DA alone
+    byteorder::writeBig(command.data() + 2, lba);
+    command[6] = static_cast<quint8>(count >> 16);
+    command[7] = static_cast<quint8>(count >> 8);
+    command[8] = static_cast<quint8>(count);
+    command[9] = 0x10; // user data alone
+    return command;
+}
+
+QByteArray firstLine(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray text = file.readAll();
+    return text.left(text.contains('\n') ? text.indexOf('\n') : text.size());
+}
+
+} // namespace
+
+FileDescriptor::~FileDescriptor()
+{
+    if (isOpen())
+        ::close(number);
+}
+
+LinuxDriveDevice::LinuxDriveDevice(FileDescriptor opened, QString folder)
+    : file(std::move(opened))
+    , blockFolder(std::move(folder))
+{
+}
+
+DriveReply LinuxDriveDevice::send(std::span<const quint8> command, std::span<quint8> data, int timeOutMs)
+{
+    std::array<quint8, 16> block{};
+    if (command.size() > block.size())
+        return {false, EINVAL, 0};
+    std::ranges::copy(command, block.begin());
+    SenseBuffer sense{};
+
+    sg_io_hdr header{};
+    header.interface_id = 'S';
+    header.dxfer_direction = data.empty() ? SG_DXFER_NONE : SG_DXFER_FROM_DEV;
+    header.cmd_len = static_cast<unsigned char>(command.size());
+    header.cmdp = block.data();
+    header.mx_sb_len = static_cast<unsigned char>(sense.size());
+    header.sbp = sense.data();
+    header.dxfer_len = static_cast<unsigned>(data.size());
+    header.dxferp = data.empty() ? nullptr : data.data();
+    header.timeout = static_cast<unsigned>(timeOutMs);
+
+    if (const int error = request(file.get(), header))
+        return {false, error, 0};
+    // Some host drivers report a time-out as any other aborted command; the time
+    // it took gives it away.
+    if (const int error = errorOfAnswer(header, sense))
+        return {false, header.duration >= header.timeout ? ETIMEDOUT : error, 0};
+    // A negative residue means that the drive had more to say than there was
+    // room for; what came is then not what was asked for.
+    if (header.resid < 0 || static_cast<size_t>(header.resid) > data.size())
+        return {false, EIO, 0};
+    const size_t transferred = data.size() - static_cast<size_t>(header.resid);
+    return {true, header.resid == 0 ? 0 : EIO, transferred};
+}
+
+DriveReply LinuxDriveDevice::checkVerify()
+{
+    constexpr std::array<quint8, 6> testUnitReady{};
+    return send(testUnitReady, {}, commandTimeOutMs);
+}
+
+DriveReply LinuxDriveDevice::readToc(std::span<quint8, 804> table)
+{
+    std::array<quint8, 10> command{0x43, 0x02}; // READ TOC/PMA/ATIP, addresses as minute, second, frame
+    byteorder::writeBig(command.data() + 7, static_cast<quint16>(table.size()));
+    std::ranges::fill(table, quint8{0});
+    DriveReply reply = send(command, table, commandTimeOutMs);
+    if (!reply.ok)
+        return reply;
+
+    // A drive sends no more than it has, and says in the first two bytes how
+    // much that is. Less than announced means that the rest was lost.
+    const size_t announced = std::min(table.size(), size_t{byteorder::readBig<quint16>(table.data())} + 2);
+    if (reply.transferred < announced)
+        return {false, EIO, reply.transferred};
+    std::ranges::fill(table.subspan(reply.transferred), quint8{0});
+    return {true, 0, reply.transferred};
+}
+
+DriveReply LinuxDriveDevice::readRaw(quint32 lba, quint32 count, std::span<quint8> data, bool guarded)
+{
+    DriveReply reply = send(readCd(lba, count), data, guarded ? driveTimeOutMs : commandTimeOutMs);
+    // The kernel's own time-out cancels the command, as the watchdog would.
+    if (guarded && reply.errorNumber == ETIMEDOUT) {
+        logUnresponsiveSector(lba);
+        reply.errorNumber = ECANCELED;
+    }
+    return reply;
+}
+
+DriveReply LinuxDriveDevice::passThrough(std::span<const quint8> command, std::span<quint8> data)
+{
+    return send(command, data, commandTimeOutMs);
+}
+
+std::optional<DriveDescriptor> LinuxDriveDevice::descriptor()
+{
+    const QStringList path = QFileInfo(blockFolder).canonicalFilePath().split(u'/');
+    DriveDescriptor found;
+    found.vendor = firstLine(blockFolder + QStringLiteral("/device/vendor"));
+    found.product = firstLine(blockFolder + QStringLiteral("/device/model"));
+    found.usb = std::ranges::any_of(path, [](const QString& part) { return part.startsWith(QLatin1String("usb")); });
+    return found;
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "disc/DriveDevice.h"
+
+#include <QString>
+
+#include <utility>
+
+/// An open file of the operating system, closed at the end of its owner.
+class FileDescriptor {
+public:
+    FileDescriptor() = default;
+    explicit FileDescriptor(int opened) : number(opened) {}
+    FileDescriptor(FileDescriptor&& other) noexcept : number(std::exchange(other.number, closed)) {}
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept
+    {
+        std::swap(number, other.number);
+        return *this;
+    }
+    ~FileDescriptor();
+
+    bool isOpen() const { return number >= 0; }
+    int get() const { return number; }
+
+private:
+    static constexpr int closed = -1;
+    int number = closed;
+};
+
+/// An optical drive behind the kernel's SG_IO request, which takes command
+/// blocks as they are; no other request is made.
+///
+/// A command is ok when the request was taken, the SCSI, host and driver status
+/// are clean, and no sense data tells of an error. A check condition is a
+/// failure even with the sense key "recovered error": the read is repeated
+/// rather than believed. Sense data that comes with a good status and tells of
+/// nothing ("no sense", "recovered error") is no failure.
+///
+/// Error numbers: that of the request itself; ETIMEDOUT for a command that ran
+/// out of time, as the kernel says or as the time it took tells, and ECANCELED
+/// when it was a guarded read; ENODEV for a drive that is gone; EBUSY, ENOMEDIUM,
+/// EINVAL and EAGAIN as the status and the sense key have it; EIO for all else
+/// and for a short transfer.
+class LinuxDriveDevice : public DriveDevice {
+public:
+    /// @param blockFolder  what the kernel tells of the block device; it may be
+    ///                     missing, and then the drive has no texts and no USB
+    LinuxDriveDevice(FileDescriptor file, QString blockFolder);
+
+    DriveReply checkVerify() override;
+    DriveReply readToc(std::span<quint8, 804> table) override;
+    DriveReply readRaw(quint32 lba, quint32 count, std::span<quint8> data, bool guarded) override;
+    DriveReply passThrough(std::span<const quint8> command, std::span<quint8> data) override;
+    std::optional<DriveDescriptor> descriptor() override;
+
+private:
+    DriveReply send(std::span<const quint8> command, std::span<quint8> data, int timeOutMs);
+
+    FileDescriptor file;
+    QString blockFolder;
+};
