@@ -5,6 +5,7 @@
 #include "DiscRip.h"
 #include "QuietSurroundings.h"
 #include "disc/DiscModel.h"
+#include "disc/DriveWatchdog.h"
 #include "support/DiscMaker.h"
 
 #include <QCommandLineParser>
@@ -12,7 +13,9 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -20,6 +23,7 @@ namespace {
 constexpr quint32 batch = READ_BATCH_SECTORS;
 constexpr quint32 crossCheckDistance = 2000;
 constexpr double aimTimesRealTime = 150;
+constexpr double aimGuardMilliseconds = 1; // of a poll step of 50
 constexpr int patternSectors = 1000;
 
 struct Plan {
@@ -170,6 +174,43 @@ bool measureProcessor(const Plan& plan, const QString& folder)
     return fast;
 }
 
+// Milliseconds on the wall that a read of this length takes.
+double timeRead(std::chrono::milliseconds length, bool guarded)
+{
+    const auto before = std::chrono::steady_clock::now();
+    if (guarded) {
+        const ReadGuard guard([] { return true; }, 0);
+        std::this_thread::sleep_for(length);
+    } else {
+        std::this_thread::sleep_for(length);
+    }
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - before).count();
+}
+
+// The guard of platforms whose read command has no time limit of its own.
+bool measureGuard()
+{
+    constexpr int reads = 300;
+    bool unnoticed = true;
+    std::printf("\n%-52s %10s %10s %10s\n", "time of a read, milliseconds, median", "guarded", "unguarded", "added");
+    for (const int length : {0, 2, 9, 60}) {
+        std::vector<double> times[2];
+        for (int i = 0; i < reads / (length > 10 ? 10 : 1); ++i) {
+            for (const bool guarded : {true, false})
+                times[guarded ? 0 : 1].push_back(timeRead(std::chrono::milliseconds(length), guarded));
+        }
+        for (std::vector<double>& side : times)
+            std::ranges::sort(side);
+        const double guarded = times[0][times[0].size() / 2];
+        const double unguarded = times[1][times[1].size() / 2];
+        std::printf("  a read of %2d ms %35s %10.3f %10.3f %10.3f\n", length, "", guarded, unguarded,
+                    guarded - unguarded);
+        unnoticed = unnoticed && guarded - unguarded < aimGuardMilliseconds;
+    }
+    std::printf("aim: below %.0f ms  %s\n", aimGuardMilliseconds, unnoticed ? "ok" : "MISSED");
+    return unnoticed;
+}
+
 Plan readPlan(const QCoreApplication& application)
 {
     Plan plan;
@@ -199,5 +240,6 @@ int main(int argc, char** argv)
     const Plan plan = readPlan(application);
     const bool counted = countCommands(plan, folder.path() + QStringLiteral("/out"));
     const bool fast = measureProcessor(plan, folder.path() + QStringLiteral("/out"));
-    return counted && fast ? 0 : 1;
+    const bool unnoticed = measureGuard();
+    return counted && fast && unnoticed ? 0 : 1;
 }
