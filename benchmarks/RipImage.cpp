@@ -4,6 +4,7 @@
 #include "ChildRun.h"
 #include "Measure.h"
 #include "MusicImage.h"
+#include "QuietSurroundings.h"
 #include "RipCommands.h"
 #include "rip/RipTypes.h"
 
@@ -218,12 +219,7 @@ int measure(int argc, char** argv)
     const QCoreApplication application(argc, argv);
     const Plan plan = readPlan(application);
     const QTemporaryDir folder;
-    // The runs get a home of their own, off the bus and off the screen.
-    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
-        qputenv(name, folder.path().toUtf8());
-    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    keepSurroundingsQuiet(folder.path());
     try {
         Benchmark(plan, folder.path()).run();
     } catch (const std::exception& failure) {
