@@ -59,6 +59,7 @@ void CdDrive::release()
     imageDisc = DiscToc();
     emptyCache();
     sectorLimit = 0;
+    batchBounds.clear();
     c2Supported = false;
     c2On = false;
     bytesRead = 0;

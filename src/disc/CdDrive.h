@@ -100,6 +100,7 @@ private:
     bool c2Supported = false;
     bool c2On = false;
     quint32 sectorLimit = 0; ///< lead-out; 0 means no bound
+    QList<quint32> batchBounds; ///< no batch passes one of these from below
 
     quint64 bytesRead = 0;
     qint64 firstReadTime = 0;

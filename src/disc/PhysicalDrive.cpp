@@ -64,9 +64,16 @@ bool CdDrive::open(const QString& letter)
 
 quint32 CdDrive::boundedBatch(quint32 lba) const
 {
-    if (sectorLimit == 0)
-        return READ_BATCH_SECTORS;
-    return lba >= sectorLimit ? 0 : std::min<quint32>(READ_BATCH_SECTORS, sectorLimit - lba);
+    quint32 count = READ_BATCH_SECTORS;
+    if (sectorLimit != 0)
+        count = lba >= sectorLimit ? 0 : std::min(count, sectorLimit - lba);
+    // A drive refuses a batch that reaches from audio into data or into the gap
+    // behind a session, and the sound sectors in it would be lost as well.
+    for (const quint32 bound : batchBounds) {
+        if (lba < bound)
+            count = std::min(count, bound - lba);
+    }
+    return count;
 }
 
 bool CdDrive::readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts)

@@ -67,6 +67,17 @@ DiscToc discFromToc(const TocTable& table)
     return disc;
 }
 
+// One past the last sector of each audio track that data follows.
+QList<quint32> audioEnds(const QList<TrackInfo>& tracks)
+{
+    QList<quint32> ends;
+    for (qsizetype i = 0; i + 1 < tracks.size(); ++i) {
+        if (!tracks[i].isData && tracks[i + 1].isData)
+            ends.append(tracks[i].endLba + 1);
+    }
+    return ends;
+}
+
 } // namespace
 
 DiscToc CdDrive::readToc()
@@ -82,6 +93,7 @@ DiscToc CdDrive::readToc()
         if (reply.ok && plausibleToc(table)) {
             DiscToc disc = discFromToc(table);
             sectorLimit = disc.totalSectors;
+            batchBounds = audioEnds(disc.tracks);
             return disc;
         }
         if (!reply.ok) {

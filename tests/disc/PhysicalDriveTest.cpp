@@ -154,6 +154,23 @@ TEST_F(PhysicalDrive, ABatchThreeSectorsBeforeTheLeadOutHasThree)
     EXPECT_EQ(simulated.commands, (QList<Command>{{Command::Raw, 2997, 3}}));
 }
 
+TEST_F(PhysicalDrive, NoBatchReachesFromAudioIntoTheGapBeforeData)
+{
+    simulated.audio = makeAudio(20000, 11);
+    simulated.tracks = {{0}, {18000, true, 2}};
+    ASSERT_EQ(drive.readToc().tracks.value(0).endLba, 18000u - 11401);
+    simulated.commands.clear();
+    EXPECT_TRUE(drive.readSector(6590) == truth(6590));
+    EXPECT_EQ(simulated.commands, (QList<Command>{{Command::Raw, 6590, 10}})) << "the last audio sector is 6599";
+    EXPECT_TRUE(drive.readSector(6599) == truth(6599));
+    EXPECT_EQ(simulated.commands.size(), 1);
+    simulated.commands.clear();
+    drive.close();
+    ASSERT_TRUE(drive.open(simulated.letter));
+    drive.readSector(6590);
+    EXPECT_EQ(simulated.commands.value(0), (Command{Command::Raw, 6590, 27})) << "no bound without a table of contents";
+}
+
 TEST_F(PhysicalDrive, ProbeAtTheLeadOutSendsNothing)
 {
     EXPECT_FALSE(drive.probeC2(3000));

@@ -100,6 +100,20 @@ TEST_F(DiscRun, ADataTrackBehindTheAudioIsSkippedWithOneLine)
     EXPECT_EQ(run.sectors.size(), 15000 - 11400);
 }
 
+TEST_F(DiscRun, TheLastSectorsInFrontOfASecondSessionAreRead)
+{
+    load(20000, {{0}, {3000}, {18000, true, 2}});
+    for (const bool c2 : {true, false}) {
+        disc.c2Available = c2;
+        RunRecorder once;
+        once.ripDisc(folder.filePath(QString::number(c2)), 1);
+        ASSERT_EQ(once.results.size(), 2);
+        EXPECT_EQ(once.results[1].errorSectors + once.results[1].suspectSectors, 0u);
+        EXPECT_TRUE(audioOfWave(folder.filePath(QStringLiteral("%1/02. Track 2.wav").arg(int{c2})))
+                    == disc.truth(3000, 18000 - 11400 - 3000));
+    }
+}
+
 TEST_F(DiscRun, ADataTrackInFrontMovesTheNumbersBeyondTheAudioCount)
 {
     load(400, {{0, true}, {100}, {250}});

@@ -111,6 +111,41 @@ TEST_F(DiscRoad, ADriveWithoutPointersIsReadTwiceAndSaysSo)
     }
 }
 
+TEST_F(DiscRoad, AScratchedDiscShowsWhatWasRecoveredAndWhatWasNot)
+{
+    for (const int language : {1, 2}) {
+        WindowDriver app(language, {drivePath});
+        loadDisc(app, 600);
+        app.shelf().mechanism.faults = {SectorFault::flaky(100, 100, 1), SectorFault::sticky(400, 400)};
+        app.shelf().mechanism.faults[0].variants = 2;
+        prepare(app);
+        app.runRip();
+        // Sector 100 is always flagged, and so is 400: neither can be confirmed.
+        EXPECT_EQ(app.card(2), QStringLiteral("2"));
+        EXPECT_EQ(app.card(1), QStringLiteral("0"));
+        EXPECT_EQ(app.card(0), QStringLiteral("99.67%"));
+        const QStringList log = app.logLines();
+        EXPECT_TRUE(log.contains(language == 1
+                                     ? QStringLiteral("  ⚠ 読み直しても確定できなかったセクタ: LBA 400")
+                                     : QStringLiteral("  ⚠ Could not confirm sector: LBA 400")));
+        EXPECT_TRUE(log.contains(QStringLiteral("  Track 02: ✦ saved  (errors:1)")));
+        EXPECT_TRUE(log.contains(QStringLiteral("  Result  : Some sectors could not be confirmed  ✕")));
+    }
+}
+
+TEST_F(DiscRoad, ARecoveredSectorIsASuspect)
+{
+    WindowDriver app(2, {drivePath});
+    loadDisc(app, 600);
+    app.shelf().mechanism.faults = {SectorFault::flaky(101, 140, 0.3)};
+    prepare(app);
+    app.runRip();
+    EXPECT_EQ(app.card(2), QStringLiteral("0"));
+    EXPECT_GT(app.card(1).toInt(), 3) << "of 40 sectors, each wrong three times in ten";
+    EXPECT_TRUE(app.logLines().contains(QStringLiteral("  Result  : Recovered  ◈")));
+    EXPECT_TRUE(rippedTrack(1).startsWith(app.shelf().audio.left(200 * 2352)));
+}
+
 TEST_F(DiscRoad, SteppingBackDuringARipNeitherDisturbsItNorOpensTheDrive)
 {
     WindowDriver app(2, {drivePath});
