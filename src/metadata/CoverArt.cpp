@@ -98,8 +98,8 @@ QString CoverArt::discogsImageUrl(const QString& artist, const QString& album) c
         return {};
     }
     const QString query = percentEncoded(QStringLiteral("%1 %2").arg(artist, album));
-    const QByteArray body = get(QLatin1String(services::discogs) + QLatin1String("/database/search?q=") + query
-                                + QLatin1String("&type=release&per_page=5&token=") + discogsToken);
+    const QByteArray body = get(QLatin1String(services::discogs) + QLatin1String("/database/search?q=")
+                                + query + QLatin1String("&type=release&per_page=5&token=") + discogsToken);
     if (body.isEmpty()) {
         qWarning() << "CoverArt[Discogs]: request failed";
         return {};
@@ -119,8 +119,9 @@ QString CoverArt::discogsImageUrl(const QString& artist, const QString& album) c
 
 QString CoverArt::iTunesImageUrl(const QString& artist, const QString& album)
 {
-    const QByteArray body = get(QLatin1String(services::iTunes) + QLatin1String("/search?term=")
-                                + iTunesTerm(artist, album) + QLatin1String("&entity=album&limit=10&country=JP"));
+    const QByteArray body =
+        get(QLatin1String(services::iTunes) + QLatin1String("/search?term=") + iTunesTerm(artist, album)
+            + QLatin1String("&entity=album&limit=10&country=JP"));
     if (body.isEmpty()) {
         qWarning() << "CoverArt[iTunes]: request failed";
         return {};

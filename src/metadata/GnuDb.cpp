@@ -25,7 +25,8 @@ struct Candidate {
 QString commandUrl(const QString& command)
 {
     return QLatin1String(services::gnuDb)
-        + QStringLiteral("/~cddb/cddb.cgi?cmd=%1&hello=user+localhost+TarvelCDRipper+1.0&proto=6").arg(command);
+           + QStringLiteral("/~cddb/cddb.cgi?cmd=%1&hello=user+localhost+TarvelCDRipper+1.0&proto=6")
+                 .arg(command);
 }
 
 quint32 digitSum(quint32 number)
@@ -90,8 +91,8 @@ Candidate chooseCandidate(const QList<Candidate>& candidates, qsizetype need)
         if (body.isEmpty())
             continue;
         const qsizetype count = titleLines(body);
-        qDebug().noquote() << "[GnuDB] candidate" << candidate.category << candidate.discId << "tracks=" << count
-                           << "(need" << need << ")";
+        qDebug().noquote() << "[GnuDB] candidate" << candidate.category << candidate.discId
+                           << "tracks=" << count << "(need" << need << ")";
         if (count == need) {
             qDebug() << "[GnuDB] track count matched!";
             return {candidate.category, candidate.discId, body};

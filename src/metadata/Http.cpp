@@ -20,7 +20,8 @@ QByteArray contactHeader(const char* contact)
 
 bool mayStandInTarget(char byte)
 {
-    const bool plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+    const bool plain =
+        (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
     return plain || (byte != '\0' && std::strchr("-._~!$&'()*+,;=:@/?%", byte));
 }
 

@@ -12,8 +12,7 @@ HttpTransport& httpTransport()
     return replacementTransport ? *replacementTransport : *own;
 }
 
-HttpTransportOverride::HttpTransportOverride(HttpTransport& replacement)
-    : previous(replacementTransport)
+HttpTransportOverride::HttpTransportOverride(HttpTransport& replacement) : previous(replacementTransport)
 {
     replacementTransport = &replacement;
 }

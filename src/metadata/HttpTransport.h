@@ -8,13 +8,13 @@
 
 /// One GET request in the form in which it leaves.
 struct HttpRequest {
-    bool secure = false;              ///< https on port 443, else http on port 80
-    QString host;                     ///< fully decoded, without a port
-    QByteArray target = "/";          ///< begins with a slash and holds only what may stand in a request line
-    QByteArray agentName;             ///< sent as the first User-Agent line
-    QByteArray extraHeader;           ///< a whole header line, sent beside the agent name
-    bool stepDownAllowed = false;     ///< follow a redirect from https to http, too
-    bool bodyOfEveryStatus = false;   ///< false: the body of another status than 200 is not fetched
+    bool secure = false;            ///< https on port 443, else http on port 80
+    QString host;                   ///< fully decoded, without a port
+    QByteArray target = "/";        ///< begins with a slash and holds only what may stand in a request line
+    QByteArray agentName;           ///< sent as the first User-Agent line
+    QByteArray extraHeader;         ///< a whole header line, sent beside the agent name
+    bool stepDownAllowed = false;   ///< follow a redirect from https to http, too
+    bool bodyOfEveryStatus = false; ///< false: the body of another status than 200 is not fetched
 };
 
 /// How far a request came.
@@ -38,15 +38,15 @@ struct HttpLimits {
     int connectMilliseconds = 20'000; ///< name, connection and TLS together
     int silenceMilliseconds = 30'000; ///< without a byte, before or within the answer
     int redirects = 10;
-    qsizetype headBytes = 256 * 1024;          ///< a longer response head is no answer
-    qsizetype bodyBytes = 256 * 1024 * 1024;   ///< an endless body ends here, as one that breaks off
+    qsizetype headBytes = 256 * 1024;        ///< a longer response head is no answer
+    qsizetype bodyBytes = 256 * 1024 * 1024; ///< an endless body ends here, as one that breaks off
 };
 
 /// Leads every connection of a transport to this machine: a test's seam. The
 /// addresses, the TLS checks and all else stay as they are.
 struct HttpDetour {
-    quint16 plainPort = 0;     ///< on 127.0.0.1, for what would go to port 80
-    quint16 securePort = 0;    ///< on 127.0.0.1, for what would go to port 443
+    quint16 plainPort = 0;        ///< on 127.0.0.1, for what would go to port 80
+    quint16 securePort = 0;       ///< on 127.0.0.1, for what would go to port 443
     QString certificateAuthority; ///< PEM file that takes the place of the system's authorities
 };
 
@@ -80,4 +80,5 @@ private:
 
 /// The transport of the machine this was built for.
 /// @param detour  null for the real network
-std::unique_ptr<HttpTransport> makeHttpTransport(const HttpLimits& limits = {}, const HttpDetour* detour = nullptr);
+std::unique_ptr<HttpTransport> makeHttpTransport(const HttpLimits& limits = {},
+                                                 const HttpDetour* detour = nullptr);

@@ -81,7 +81,8 @@ QString chooseITunesArtwork(const QByteArray& body, const QString& album)
         if (!artwork.isEmpty() && namesMatch(value[QLatin1String("collectionName")].toString(), album))
             return largeArtwork(artwork);
     }
-    return results.isEmpty() ? QString() : largeArtwork(results.first()[QLatin1String("artworkUrl100")].toString());
+    return results.isEmpty() ? QString()
+                             : largeArtwork(results.first()[QLatin1String("artworkUrl100")].toString());
 }
 
 QStringList parseITunesSongs(const QByteArray& body)
@@ -101,9 +102,9 @@ QStringList parseITunesSongs(const QByteArray& body)
 
 ITunesResult CoverArt::lookupITunes(const QString& artist, const QString& album)
 {
-    const QString search = QLatin1String(services::iTunes)
-        + QLatin1String("/search?term=") + iTunesTerm(artist, album)
-        + QLatin1String("&entity=album&limit=10&country=JP&lang=ja_jp");
+    const QString search = QLatin1String(services::iTunes) + QLatin1String("/search?term=")
+                           + iTunesTerm(artist, album)
+                           + QLatin1String("&entity=album&limit=10&country=JP&lang=ja_jp");
     qDebug().noquote() << "[iTunes] album search:" << search;
     const QByteArray albums = get(search);
     if (albums.isEmpty()) {
@@ -115,7 +116,8 @@ ITunesResult CoverArt::lookupITunes(const QString& artist, const QString& album)
     if (collectionId < 1)
         return result;
 
-    const QString lookup = QLatin1String(services::iTunes)
+    const QString lookup =
+        QLatin1String(services::iTunes)
         + QStringLiteral("/lookup?id=%1&entity=song&country=JP&lang=ja_jp").arg(collectionId);
     qDebug().noquote() << "[iTunes] track lookup:" << lookup;
     const QByteArray songs = get(lookup);

@@ -1,8 +1,7 @@
 #include "metadata/HttpTransport.h"
 
+#include "metadata/LinuxHttpAddress.h"
 #include "metadata/LinuxSignalPipeBlock.h"
-
-#include <QUrl>
 
 #include <curl/curl.h>
 
@@ -10,6 +9,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -27,13 +27,9 @@ struct MultiCloser {
 struct ListCloser {
     void operator()(curl_slist* list) const { curl_slist_free_all(list); }
 };
-struct UrlCloser {
-    void operator()(CURLU* handle) const { curl_url_cleanup(handle); }
-};
 using EasyHandle = std::unique_ptr<CURL, EasyCloser>;
 using MultiHandle = std::unique_ptr<CURLM, MultiCloser>;
 using List = std::unique_ptr<curl_slist, ListCloser>;
-using Url = std::unique_ptr<CURLU, UrlCloser>;
 
 bool append(List& list, const QByteArray& line)
 {
@@ -43,35 +39,6 @@ bool append(List& list, const QByteArray& line)
     (void)list.release();
     list.reset(longer);
     return true;
-}
-
-bool setUrlPart(const Url& url, CURLUPart part, const QByteArray& text, unsigned flags = 0)
-{
-    return url && curl_url_set(url.get(), part, text.constData(), flags) == CURLUE_OK;
-}
-
-QByteArray urlPart(const Url& url, CURLUPart part)
-{
-    char* text = nullptr;
-    if (!url || curl_url_get(url.get(), part, &text, 0) != CURLUE_OK)
-        return {};
-    const QByteArray copy(text);
-    curl_free(text);
-    return copy;
-}
-
-// Empty when the host is none that a request could go to.
-QByteArray firstAddress(const HttpRequest& request)
-{
-    if (request.host.isEmpty())
-        return {};
-    const bool numericV6 = request.host.contains(QLatin1Char(':'));
-    const QByteArray host = numericV6 ? "[" + request.host.toLatin1() + "]" : QUrl::toAce(request.host);
-    const Url url(curl_url());
-    if (host.isEmpty() || !setUrlPart(url, CURLUPART_SCHEME, request.secure ? "https" : "http")
-        || !setUrlPart(url, CURLUPART_HOST, host))
-        return {};
-    return urlPart(url, CURLUPART_SCHEME) + "://" + urlPart(url, CURLUPART_HOST) + request.target;
 }
 
 bool isRedirect(long status)
@@ -94,7 +61,8 @@ private:
     bool prepare(const HttpDetour* detour);
     bool prepareDetour(const HttpDetour& detour);
     CURLcode performHop();
-    QByteArray redirectTarget(const QByteArray& from) const;
+    std::optional<QByteArray> redirectTarget(const QByteArray& from) const;
+    long status() const;
     bool wantsBody() const;
     void heard() { lastByte = Clock::now(); }
     bool tooSilent() const;
@@ -126,19 +94,22 @@ size_t Exchange::onHeader(char* bytes, size_t size, size_t count, void* self)
     exchange.headSize += static_cast<qsizetype>(length);
     if (exchange.headSize > exchange.limits.headBytes)
         return 0;
-    long status = 0;
-    curl_easy_getinfo(exchange.easy.get(), CURLINFO_RESPONSE_CODE, &status);
     const bool blankLine = length > 0 && (bytes[0] == '\r' || bytes[0] == '\n');
-    if (blankLine && status >= statusOk)
+    if (blankLine && exchange.status() >= statusOk)
         exchange.headComplete = true;
     return length;
 }
 
+long Exchange::status() const
+{
+    long code = 0;
+    curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &code);
+    return code;
+}
+
 bool Exchange::wantsBody() const
 {
-    long status = 0;
-    curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
-    return request.bodyOfEveryStatus || status == statusOk;
+    return request.bodyOfEveryStatus || status() == statusOk;
 }
 
 size_t Exchange::onBody(char* bytes, size_t size, size_t count, void* self)
@@ -174,10 +145,11 @@ bool Exchange::prepareDetour(const HttpDetour& detour)
     const QByteArray secure = ":443:127.0.0.1:" + QByteArray::number(detour.securePort);
     CURL* handle = easy.get();
     return append(connectTo, plain) && append(connectTo, secure) && append(connectTo, "::127.0.0.1:1")
-        && curl_easy_setopt(handle, CURLOPT_CONNECT_TO, connectTo.get()) == CURLE_OK
-        && curl_easy_setopt(handle, CURLOPT_PROXY, "") == CURLE_OK
-        && curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr) == CURLE_OK
-        && curl_easy_setopt(handle, CURLOPT_CAINFO, detour.certificateAuthority.toLocal8Bit().constData()) == CURLE_OK;
+           && curl_easy_setopt(handle, CURLOPT_CONNECT_TO, connectTo.get()) == CURLE_OK
+           && curl_easy_setopt(handle, CURLOPT_PROXY, "") == CURLE_OK
+           && curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr) == CURLE_OK
+           && curl_easy_setopt(handle, CURLOPT_CAINFO, detour.certificateAuthority.toLocal8Bit().constData())
+                  == CURLE_OK;
 }
 
 bool Exchange::prepare(const HttpDetour* detour)
@@ -224,15 +196,16 @@ CURLcode Exchange::performHop()
 
     CURLcode result = CURLE_OPERATION_TIMEDOUT;
     int running = 1;
-    while (!stopped && !tooSilent()) {
-        if (curl_multi_perform(multi.get(), &running) != CURLM_OK)
-            break;
+    while (!stopped && curl_multi_perform(multi.get(), &running) == CURLM_OK) {
         if (running == 0) {
             int left = 0;
             if (const CURLMsg* message = curl_multi_info_read(multi.get(), &left))
                 result = message->data.result;
             break;
         }
+        // Asked behind the read, so that bytes which lay waiting count as heard.
+        if (tooSilent())
+            break;
         const int wait = std::min(pollMilliseconds, limits.silenceMilliseconds);
         curl_multi_poll(multi.get(), nullptr, 0, wait, nullptr);
     }
@@ -243,16 +216,14 @@ CURLcode Exchange::performHop()
     return result;
 }
 
-// Empty when the answer is no redirect, or leads nowhere.
-QByteArray Exchange::redirectTarget(const QByteArray& from) const
+// Nothing when the answer is no redirect, an empty address when it leads nowhere.
+std::optional<QByteArray> Exchange::redirectTarget(const QByteArray& from) const
 {
     curl_header* location = nullptr;
-    if (curl_easy_header(easy.get(), "Location", 0, CURLH_HEADER, -1, &location) != CURLHE_OK)
-        return {};
-    const Url url(curl_url());
-    if (!setUrlPart(url, CURLUPART_URL, from) || !setUrlPart(url, CURLUPART_URL, location->value, CURLU_URLENCODE))
-        return {};
-    return urlPart(url, CURLUPART_URL);
+    if (!isRedirect(status())
+        || curl_easy_header(easy.get(), "Location", 0, CURLH_HEADER, -1, &location) != CURLHE_OK)
+        return std::nullopt;
+    return followedAddress(from, location->value);
 }
 
 HttpAnswer Exchange::run(const HttpDetour* detour)
@@ -264,7 +235,7 @@ HttpAnswer Exchange::run(const HttpDetour* detour)
         return answer;
 
     answer.stage = HttpStage::Connect;
-    QByteArray address = firstAddress(request);
+    QByteArray address = addressOf(request);
     if (address.isEmpty())
         return answer;
 
@@ -279,17 +250,15 @@ HttpAnswer Exchange::run(const HttpDetour* detour)
         answer.errorCode = performHop();
         if (!headComplete || stopped)
             return answer;
-        long status = 0;
-        curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
-        const QByteArray next = isRedirect(status) ? redirectTarget(address) : QByteArray();
-        const bool stepDown = address.startsWith("https:") && next.startsWith("http:");
-        if (next.isEmpty() || (stepDown && !request.stepDownAllowed)) {
+        const std::optional<QByteArray> next = redirectTarget(address);
+        const bool stepDown = next && address.startsWith("https:") && next->startsWith("http:");
+        if (!next || (stepDown && !request.stepDownAllowed)) {
             answer.stage = HttpStage::Answered;
-            answer.status = static_cast<int>(status);
+            answer.status = static_cast<int>(status());
             answer.body = std::move(body);
             return answer;
         }
-        address = next;
+        address = *next;
     }
     answer.errorCode = CURLE_TOO_MANY_REDIRECTS;
     return answer;

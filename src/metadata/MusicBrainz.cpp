@@ -65,7 +65,8 @@ MusicBrainzResult musicBrainzLookup(const DiscToc& disc)
     if (id.isEmpty())
         return {};
 
-    const QString url = QLatin1String(services::musicBrainz)
+    const QString url =
+        QLatin1String(services::musicBrainz)
         + QStringLiteral("/ws/2/discid/%1?inc=recordings+artists&fmt=json&cdstubs=no").arg(id);
     qDebug().noquote() << "[MB] DiscID URL:" << url;
     const QByteArray body = httpGet(url);

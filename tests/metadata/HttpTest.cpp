@@ -1,5 +1,5 @@
-#include "metadata/CoverArt.h"
 #include "metadata/Http.h"
+#include "metadata/CoverArt.h"
 #include "support/LogCapture.h"
 #include "support/LoopbackServices.h"
 
@@ -176,7 +176,8 @@ TEST(HttpStatus, NoConnectionIsStatusZero)
 TEST(HttpStatus, AnAddressWithoutHostIsNoConnection)
 {
     LoopbackServices services;
-    for (const char* address : {"", "http://", "nothing", "http:///x", "http://a b/", "file:///etc/hostname"}) {
+    for (const char* address :
+         {"", "http://", "nothing", "http:///x", "http://a b/", "file:///etc/hostname"}) {
         const LogCapture log;
         int status = -1;
         EXPECT_TRUE(httpGet(QString::fromLatin1(address), &status).isEmpty()) << address;
@@ -255,7 +256,8 @@ TEST(HttpConnection, CallsFromManyThreadsKeepApart)
 {
     LoopbackServices services;
     for (int i = 0; i < 8; ++i)
-        services.on("a.test", "/" + QByteArray::number(i), page(QByteArray(10'000, static_cast<char>('a' + i))));
+        services.on("a.test", "/" + QByteArray::number(i),
+                    page(QByteArray(10'000, static_cast<char>('a' + i))));
     std::vector<std::thread> threads;
     std::atomic<int> right = 0;
     for (int i = 0; i < 8; ++i) {

@@ -18,7 +18,7 @@ void collect(QtMsgType type, const QMessageLogContext&, const QString& text)
     collected.append({type, text});
 }
 
-template <typename Wanted>
+template<typename Wanted>
 QStringList linesWhere(Wanted wanted)
 {
     const std::lock_guard lock(guard);

@@ -41,7 +41,7 @@ private:
     std::atomic<bool> stopping = false;
     std::atomic<int> accepted = 0;
     mutable std::mutex guard;
-    std::set<int> descriptors; ///< guarded
+    std::set<int> descriptors;                  ///< guarded
     std::vector<std::thread> connectionThreads; ///< of the accepting thread alone
     std::thread acceptor;
 };

@@ -24,9 +24,9 @@ LoopbackServices::LoopbackServices(const HttpLimits& limits)
 {
     specialContexts["expired.test"] = authority.makeServerContext({"expired.test"}, -oneHour);
     specialContexts["stranger.test"] = strangeAuthority.makeServerContext({"stranger.test"});
-    const auto context = authority.makeServerContext({hosts::musicBrainz, hosts::coverArtArchive, hosts::discogs,
-                                                      hosts::iTunes, hosts::gnuDb, hosts::accurateRip, hosts::images,
-                                                      "a.test", "b.test"});
+    const auto context = authority.makeServerContext({hosts::musicBrainz, hosts::coverArtArchive,
+                                                      hosts::discogs, hosts::iTunes, hosts::gnuDb,
+                                                      hosts::accurateRip, hosts::images, "a.test", "b.test"});
     SSL_CTX_set_tlsext_servername_callback(context.get(), chooseCertificate);
     SSL_CTX_set_tlsext_servername_arg(context.get(), &specialContexts);
 

@@ -61,9 +61,9 @@ ServedAnswer image(const QByteArray& body)
 ServedAnswer errorPage(int status)
 {
     const QByteArray number = QByteArray::number(status);
-    ServedAnswer answer = withType("text/html", "<!doctype html>\n<html lang=en>\n<title>" + number
-                                                    + " Error</title>\n<h1>Error " + number
-                                                    + "</h1>\n<p>The server cannot answer this request.</p>\n</html>\n");
+    ServedAnswer answer = withType(
+        "text/html", "<!doctype html>\n<html lang=en>\n<title>" + number + " Error</title>\n<h1>Error "
+                         + number + "</h1>\n<p>The server cannot answer this request.</p>\n</html>\n");
     answer.status = status;
     return answer;
 }

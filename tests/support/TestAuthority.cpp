@@ -62,7 +62,8 @@ std::shared_ptr<X509> makeCertificate(const Description& description, EVP_PKEY* 
 } // namespace
 
 TestAuthority::TestAuthority()
-    : key(makeKey()), certificate(makeCertificate({"Throw-away authority", 1, secondsInTwoDays}, key.get(), nullptr))
+    : key(makeKey()),
+      certificate(makeCertificate({"Throw-away authority", 1, secondsInTwoDays}, key.get(), nullptr))
 {
     addExtension(certificate.get(), certificate.get(), NID_basic_constraints, "critical,CA:TRUE");
     addExtension(certificate.get(), certificate.get(), NID_key_usage, "critical,keyCertSign");
@@ -71,7 +72,8 @@ TestAuthority::TestAuthority()
 
     const std::unique_ptr<BIO, decltype(&BIO_free)> file(
         BIO_new_file(certificateFile().toLocal8Bit().constData(), "w"), BIO_free);
-    require(file && PEM_write_bio_X509(file.get(), certificate.get()) == 1, "the authority could not be stored");
+    require(file && PEM_write_bio_X509(file.get(), certificate.get()) == 1,
+            "the authority could not be stored");
 }
 
 TestAuthority::~TestAuthority() = default;
@@ -81,7 +83,8 @@ QString TestAuthority::certificateFile() const
     return folder.filePath(QStringLiteral("authority.pem"));
 }
 
-std::shared_ptr<SSL_CTX> TestAuthority::makeServerContext(const QList<QByteArray>& hosts, long validSeconds) const
+std::shared_ptr<SSL_CTX> TestAuthority::makeServerContext(const QList<QByteArray>& hosts,
+                                                          long validSeconds) const
 {
     const std::shared_ptr<EVP_PKEY> serverKey = makeKey();
     const std::shared_ptr<X509> server =

@@ -23,7 +23,8 @@ public:
 
     /// A server's TLS set-up with a certificate for these host names.
     /// @param validSeconds  from now; negative for one that has run out
-    std::shared_ptr<ssl_ctx_st> makeServerContext(const QList<QByteArray>& hosts, long validSeconds = 86'400) const;
+    std::shared_ptr<ssl_ctx_st> makeServerContext(const QList<QByteArray>& hosts,
+                                                  long validSeconds = 86'400) const;
 
 private:
     QTemporaryDir folder;
