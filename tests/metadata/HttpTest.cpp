@@ -3,15 +3,11 @@
 #include "support/LogCapture.h"
 #include "support/LoopbackServices.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-using testing::AllOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
+#include <chrono>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -102,6 +98,22 @@ TEST(HttpTarget, APortInTheAddressIsIgnored)
     EXPECT_EQ(CoverArt::get(QStringLiteral("http://a.test:8080/x")), "here");
     EXPECT_EQ(services.targets("a.test"), (QList<QByteArray>{"/x", "/x", "/:8080/x"}));
     EXPECT_TRUE(services.requests()[1].secure);
+}
+
+TEST(HttpTarget, CapitalsInTheHostDoNotHideIt)
+{
+    LoopbackServices services;
+    httpGet(QStringLiteral("HTTP://A.Test/Path"));
+    CoverArt::get(QStringLiteral("HTTP://A.Test/Path"));
+    EXPECT_EQ(services.targets("a.test"), (QList<QByteArray>{"/Path", "/Path"}));
+}
+
+TEST(HttpTarget, AHostInOtherLettersGoesOutInItsAsciiForm)
+{
+    LoopbackServices services;
+    httpGet(QStringLiteral("http://b\u00fccher.test/x"));
+    CoverArt::get(QStringLiteral("http://b\u00fccher.test/x"));
+    EXPECT_EQ(services.targets("xn--bcher-kva.test"), (QList<QByteArray>{"/x", "/x"}));
 }
 
 TEST(HttpHeaders, TwoUserAgentLinesAreSentAndNothingIsAccepted)
