@@ -9,7 +9,6 @@
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <optional>
 #include <utility>
 
 namespace {
@@ -61,7 +60,7 @@ private:
     bool prepare(const HttpDetour* detour);
     bool prepareDetour(const HttpDetour& detour);
     CURLcode performHop();
-    std::optional<QByteArray> redirectTarget(const QByteArray& from) const;
+    const char* location() const; ///< where a redirect leads; null for any other answer
     long status() const;
     bool wantsBody() const;
     void heard() { lastByte = Clock::now(); }
@@ -107,9 +106,17 @@ long Exchange::status() const
     return code;
 }
 
+const char* Exchange::location() const
+{
+    curl_header* header = nullptr;
+    const bool found = isRedirect(status())
+                       && curl_easy_header(easy.get(), "Location", 0, CURLH_HEADER, -1, &header) == CURLHE_OK;
+    return found ? header->value : nullptr;
+}
+
 bool Exchange::wantsBody() const
 {
-    return request.bodyOfEveryStatus || status() == statusOk;
+    return status() == statusOk || (request.bodyOfEveryStatus && !location());
 }
 
 size_t Exchange::onBody(char* bytes, size_t size, size_t count, void* self)
@@ -216,16 +223,6 @@ CURLcode Exchange::performHop()
     return result;
 }
 
-// Nothing when the answer is no redirect, an empty address when it leads nowhere.
-std::optional<QByteArray> Exchange::redirectTarget(const QByteArray& from) const
-{
-    curl_header* location = nullptr;
-    if (!isRedirect(status())
-        || curl_easy_header(easy.get(), "Location", 0, CURLH_HEADER, -1, &location) != CURLHE_OK)
-        return std::nullopt;
-    return followedAddress(from, location->value);
-}
-
 HttpAnswer Exchange::run(const HttpDetour* detour)
 {
     HttpAnswer answer;
@@ -250,15 +247,15 @@ HttpAnswer Exchange::run(const HttpDetour* detour)
         answer.errorCode = performHop();
         if (!headComplete || stopped)
             return answer;
-        const std::optional<QByteArray> next = redirectTarget(address);
-        const bool stepDown = next && address.startsWith("https:") && next->startsWith("http:");
-        if (!next || (stepDown && !request.stepDownAllowed)) {
+        const QByteArray next = location() ? followedAddress(address, location()) : QByteArray();
+        const bool stepDown = address.startsWith("https:") && next.startsWith("http:");
+        if (!location() || (stepDown && !request.stepDownAllowed)) {
             answer.stage = HttpStage::Answered;
             answer.status = static_cast<int>(status());
             answer.body = std::move(body);
             return answer;
         }
-        address = *next;
+        address = next;
     }
     answer.errorCode = CURLE_TOO_MANY_REDIRECTS;
     return answer;

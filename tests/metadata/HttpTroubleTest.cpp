@@ -200,18 +200,19 @@ TEST(HttpTrouble, FiftyMegabytesOfJunkArriveWhole)
     EXPECT_EQ(CoverArt::get(address), bytes);
 }
 
-TEST(HttpTrouble, FiftyMegabytesOfErrorPageAreNotFetched)
+TEST(HttpTrouble, TheBodyOfAnErrorIsNotWaitedFor)
 {
     LoopbackServices services;
-    ServedAnswer endless = errorPage(503);
-    endless.body = QByteArray(1 << 20, 'x');
-    endless.framing = ServedAnswer::Framing::UntilClose;
-    endless.endless = true;
-    services.on("a.test", "/", endless);
+    ServedAnswer stalls = errorPage(503);
+    stalls.stallAfter = 10;
+    services.on("a.test", "/", stalls);
+    QElapsedTimer timer;
+    timer.start();
     int status = 0;
     EXPECT_TRUE(httpGet(address, &status).isEmpty());
     EXPECT_EQ(status, 503);
     EXPECT_TRUE(gnudbGet(address).isEmpty());
+    EXPECT_LT(timer.elapsed(), HttpLimits().silenceMilliseconds / 2);
 }
 
 TEST(HttpTrouble, AnEndlessBodyEndsAtTheLimit)
@@ -226,6 +227,18 @@ TEST(HttpTrouble, AnEndlessBodyEndsAtTheLimit)
     int status = 0;
     EXPECT_EQ(httpGet(address, &status), QByteArray(3'000'001, 'x'));
     EXPECT_EQ(status, 200);
+}
+
+TEST(HttpTrouble, AHeadPastTheLimitIsNoAnswer)
+{
+    ServedAnswer wordy = page("ok");
+    for (int i = 0; i < 1'000; ++i)
+        wordy.headers.append("X-" + QByteArray::number(i) + ": " + QByteArray(20, 'y'));
+    HttpLimits limits = shortLimits();
+    limits.headBytes = wordy.head().size();
+    expectBody(wordy, "ok", 200, limits);
+    --limits.headBytes;
+    expectBody(wordy, {}, 0, limits);
 }
 
 TEST(HttpTrouble, AnEndlessHeadIsNoAnswer)
