@@ -8,7 +8,8 @@ HttpTransport* replacementTransport = nullptr;
 
 HttpTransport& httpTransport()
 {
-    static const std::unique_ptr<HttpTransport> own = makeHttpTransport();
+    // Never destroyed: a thread may still be in a request while the process ends.
+    static HttpTransport* const own = makeHttpTransport().release();
     return replacementTransport ? *replacementTransport : *own;
 }
 
