@@ -1,0 +1,35 @@
+#pragma once
+
+#include "support/ServedAnswer.h"
+
+#include <atomic>
+#include <memory>
+#include <optional>
+
+struct ssl_ctx_st;
+struct ssl_st;
+
+/// The server's side of one connection on the loopback.
+class LoopbackConnection {
+public:
+    /// @param socket  stays the caller's
+    LoopbackConnection(int socket, ssl_ctx_st* context, const std::atomic<bool>& stopFlag);
+
+    /// The TLS handshake, where there is one.
+    bool greet();
+    /// Waits for a whole request head; nothing when the client has left.
+    std::optional<ServedRequest> receive();
+    /// False when the connection is to be closed.
+    bool send(const ServedAnswer& answer);
+
+private:
+    bool sendBytes(const QByteArray& bytes);
+    bool sendPiece(const ServedAnswer& answer, const QByteArray& piece);
+    bool sendBody(const ServedAnswer& answer);
+    qsizetype receiveBytes(char* buffer, int size);
+    void waitUntilClientLeaves();
+
+    int descriptor;
+    std::unique_ptr<ssl_st, void (*)(ssl_st*)> tls;
+    const std::atomic<bool>& stopping;
+};
