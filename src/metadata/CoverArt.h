@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <QPixmap>
+#include <QString>
+#include <QStringList>
+
+/// What the iTunes store knows of an album. The empty album is the sign of a miss.
+struct ITunesResult {
+    QString artist;
+    QString album;
+    QString year; ///< four digits
+    QString artworkUrl;
+    QStringList tracks; ///< by track number; gaps in the numbers close up
+};
+
+/// Finds a cover picture, and an album's data, from artist and album text alone.
+/// All calls block the thread on their requests. A miss is an empty text, an
+/// empty record, or a null pixmap.
+class CoverArt {
+public:
+    /// Personal access token for Discogs; that source is off without one.
+    QString discogsToken;
+
+    /// Tries the Cover Art Archive, Discogs and iTunes, in this order.
+    QPixmap fetch(const QString& artist, const QString& album) const;
+
+    /// The MusicBrainz id of the release that a text search finds first.
+    static QString findMbid(const QString& artist, const QString& album);
+    QString discogsImageUrl(const QString& artist, const QString& album) const;
+    static QString iTunesImageUrl(const QString& artist, const QString& album);
+
+    /// Asks the Japanese store for the album and for its songs.
+    static ITunesResult lookupITunes(const QString& artist, const QString& album);
+
+    /// A GET request that returns the body of any status; see metadata/Http.h.
+    static QByteArray get(const QString& url);
+};
