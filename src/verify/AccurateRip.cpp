@@ -1,0 +1,91 @@
+#include "verify/AccurateRip.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr quint64 trimmedFrames = 5 * SECTOR_VALUES / 2;
+
+quint32 wholeSeconds(quint32 sector)
+{
+    return (sector + LEAD_IN_SECTORS) / SECTORS_PER_SECOND;
+}
+
+quint32 digitSum(quint32 number)
+{
+    quint32 sum = 0;
+    for (; number > 0; number /= 10)
+        sum += number % 10;
+    return sum;
+}
+
+quint32 freedbId(const DiscToc& disc)
+{
+    quint32 digits = 0;
+    for (const TrackInfo& track : disc.tracks)
+        digits += digitSum(wholeSeconds(track.startLba));
+    const quint32 seconds = wholeSeconds(disc.totalSectors) - wholeSeconds(disc.tracks.constFirst().startLba);
+    return (digits % 255) << 24 | seconds << 8 | static_cast<quint32>(disc.tracks.size());
+}
+
+} // namespace
+
+AccurateRipIds computeAccurateRipIds(const DiscToc& disc)
+{
+    AccurateRipIds ids;
+    quint32 place = 0;
+    for (const TrackInfo& track : disc.tracks) {
+        if (track.isData)
+            continue;
+        ++place;
+        ids.discId1 += track.startLba;
+        ids.discId2 += std::max(track.startLba, 1u) * place;
+    }
+    if (place == 0)
+        return {};
+    ids.discId1 += disc.totalSectors;
+    ids.discId2 += disc.totalSectors * (place + 1);
+    ids.audioTracks = static_cast<quint8>(place);
+    ids.cddbId = freedbId(disc);
+    return ids;
+}
+
+QString accurateRipDiscId(const AccurateRipIds& ids)
+{
+    const QChar zero(u'0');
+    return QStringLiteral("dBAR-%1-%2-%3-%4")
+        .arg(ids.audioTracks, 3, 10, zero)
+        .arg(ids.discId1, 8, 16, zero)
+        .arg(ids.discId2, 8, 16, zero)
+        .arg(ids.cddbId, 8, 16, zero);
+}
+
+QString accurateRipDiscId(const DiscToc& disc)
+{
+    return accurateRipDiscId(computeAccurateRipIds(disc));
+}
+
+// Plain sums over whole words, which the compiler turns into vector code.
+void accurateRipCrc(const QList<int>& samples, int trackNumber, int lastTrackNumber, quint32& crcV1, quint32& crcV2)
+{
+    crcV1 = 0;
+    crcV2 = 0;
+    const auto frames = static_cast<quint64>(samples.size()) / 2;
+    const quint64 first = trackNumber == 1 ? trimmedFrames : 1;
+    quint64 last = frames;
+    if (trackNumber == lastTrackNumber)
+        last = frames > trimmedFrames ? frames - trimmedFrames : 0;
+
+    const int* values = samples.constData();
+    quint32 low = 0;
+    quint32 high = 0;
+    for (quint64 position = first; position <= last; ++position) {
+        const auto left = static_cast<quint32>(values[2 * position - 2]);
+        const auto right = static_cast<quint32>(values[2 * position - 1]);
+        const quint64 product = quint64{(right & 0xFFFF0000) | left >> 16} * static_cast<quint32>(position);
+        low += static_cast<quint32>(product);
+        high += static_cast<quint32>(product >> 32);
+    }
+    crcV1 = low;
+    crcV2 = low + high;
+}
