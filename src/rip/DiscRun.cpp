@@ -7,6 +7,7 @@
 #include "rip/SampleValues.h"
 #include "secure/RereadVote.h"
 #include "secure/SectorVote.h"
+#include "verify/AccurateRip.h"
 
 #include <QDebug>
 
@@ -144,6 +145,7 @@ void RipWorker::ripDiscTrack(DiscRun& run, qsizetype place)
     applyReadOffset(samples, track.startLba, lastLba);
     result.ok = encodeTrack(std::move(samples), AudioFormat(), outputBasePath(track.number, name), name,
                             track.number, run.audioCount, cover);
+    accurateRipCrc(spareSamples, track.number, run.lastAudioNumber, result.crcV1, result.crcV2);
     Q_EMIT trackDone(result);
 }
 

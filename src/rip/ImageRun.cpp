@@ -5,6 +5,7 @@
 #include "rip/OutputNaming.h"
 #include "rip/RipWorker.h"
 #include "secure/ParanoiaReader.h"
+#include "verify/AccurateRip.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -104,5 +105,6 @@ RipResult RipWorker::ripImageTrack(ParanoiaReader& reader, const TrackInfo& trac
     samples = QList<qint16>();
     result.ok = encodeTrack(std::move(pcm), AudioFormat(), outputBasePath(track.number, name), name, track.number,
                             static_cast<int>(disc.tracks.size()), trackCover);
+    accurateRipCrc(spareSamples, track.number, static_cast<int>(disc.tracks.size()), result.crcV1, result.crcV2);
     return result;
 }

@@ -102,7 +102,8 @@ private:
     QList<int> neighbourValues(qint64 firstFrame, qsizetype count);
 
     /// Encodes and tags one track; false when its file is not whole.
-    /// @param pcm  taken over; 16-bit values shifted left by 16
+    /// @param pcm  taken over, and found in spareSamples afterwards; 16-bit values
+    ///             shifted left by 16
     bool encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,
                      const QString& title, int trackNumber, int totalTracks, const QPixmap& trackCover);
     void tagTrack(const QString& path, const QString& title, int trackNumber, int totalTracks,

@@ -266,3 +266,30 @@ TEST_F(DiscRun, TheWorkersCoverIsSavedWithoutAMessage)
     EXPECT_EQ(run.started, QStringList{QStringLiteral("1/1 Track 1")});
     EXPECT_EQ(QPixmap(folder.filePath(QStringLiteral("cover.jpg"))).size(), QSize(20, 20));
 }
+
+// The sums are written out over the samples as they must stand in the file.
+TEST_F(DiscRun, ChecksumsAreThoseOfTheSamplesInTheFile)
+{
+    load(300, {{0}, {100}, {280, true}});
+    disc.refusesData = false;
+    run.drive.setReadOffset(6);
+    rip();
+    ASSERT_EQ(run.results.size(), 2);
+    for (const RipResult& result : std::as_const(run.results)) {
+        const QByteArray track = rippedTrack(result.trackNumber);
+        const qsizetype frames = track.size() / 4;
+        const qsizetype first = result.trackNumber == 1 ? 2940 : 1;
+        const qsizetype last = result.trackNumber == 2 ? frames - 2940 : frames;
+        quint32 v1 = 0;
+        quint32 v2 = 0;
+        for (qsizetype position = first; position <= last; ++position) {
+            const quint64 product = quint64{qFromLittleEndian<quint32>(track.constData() + (position - 1) * 4)}
+                * static_cast<quint64>(position);
+            v1 += static_cast<quint32>(product);
+            v2 += static_cast<quint32>(product) + static_cast<quint32>(product >> 32);
+        }
+        EXPECT_EQ(result.crcV1, v1) << "track " << result.trackNumber;
+        EXPECT_EQ(result.crcV2, v2);
+        EXPECT_NE(v1, v2);
+    }
+}
