@@ -15,6 +15,7 @@
 #include <cwctype>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace {
 
@@ -38,6 +39,15 @@ constexpr DecoderEntry decoderTable[] = {
     {L".wv", make<WavPackDecoder>}, {L".dsf", make<DsfDecoder>},    {L".dff", make<DffDecoder>},
 };
 
+template <typename Character>
+std::wstring toWide(const std::basic_string<Character>& name)
+{
+    if constexpr (std::is_same_v<Character, wchar_t>)
+        return name;
+    else
+        return QString::fromUtf8(name).toStdWString();
+}
+
 /// What follows the last dot of the whole path, folders included, with the dot.
 std::wstring lowerExtension(const std::filesystem::path& path)
 {
@@ -45,8 +55,8 @@ std::wstring lowerExtension(const std::filesystem::path& path)
     const auto dot = whole.rfind(std::filesystem::path::value_type('.'));
     if (dot == std::filesystem::path::string_type::npos)
         return {};
-    // Characters are lowered, not bytes. An ending that is no text throws here.
-    std::wstring extension = std::filesystem::path(whole.substr(dot)).wstring();
+    // Characters are lowered, not bytes.
+    std::wstring extension = toWide(whole.substr(dot));
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](wchar_t letter) { return static_cast<wchar_t>(std::towlower(static_cast<wint_t>(letter))); });
     return extension;

@@ -86,9 +86,9 @@ std::optional<DffLayout> readHeader(InputFile& file)
     quint64 left = lowered(formSize, 4);
     while (left >= chunkHeaderBytes && !(layout.propertiesSeen && layout.soundSeen)) {
         const auto id = file.readBig<quint32>();
+        const auto size = file.readBig<quint64>();
         if (!file.good())
             break;
-        const auto size = file.readBig<quint64>();
         if (!readChunk(file, id, size, layout))
             return std::nullopt;
         left = lowered(left, finishChunk(file, size));

@@ -64,33 +64,33 @@ void packChannel(const Sample* source, std::size_t sourceStep, std::size_t frame
 }
 
 template <int bits, typename Sample>
-void packAll(const AVFrame& frame, std::size_t frames, quint8* target)
+void packAll(const AVFrame& frame, std::size_t first, std::size_t frames, quint8* target)
 {
     const auto channels = static_cast<std::size_t>(frame.ch_layout.nb_channels);
     const bool planar = av_sample_fmt_is_planar(static_cast<AVSampleFormat>(frame.format)) != 0;
     for (std::size_t channel = 0; channel < channels; ++channel) {
         const auto* plane = reinterpret_cast<const Sample*>(frame.extended_data[planar ? channel : 0]);
-        packChannel<bits>(planar ? plane : plane + channel, planar ? 1 : channels, frames,
+        packChannel<bits>(planar ? plane + first : plane + first * channels + channel, planar ? 1 : channels, frames,
                           target + channel * (bits / 8), channels * (bits / 8));
     }
 }
 
 template <int bits>
-void packFormat(const AVFrame& frame, std::size_t frames, quint8* target)
+void packFormat(const AVFrame& frame, std::size_t first, std::size_t frames, quint8* target)
 {
     switch (av_get_packed_sample_fmt(static_cast<AVSampleFormat>(frame.format))) {
     case AV_SAMPLE_FMT_U8:
-        return packAll<bits, quint8>(frame, frames, target);
+        return packAll<bits, quint8>(frame, first, frames, target);
     case AV_SAMPLE_FMT_S16:
-        return packAll<bits, qint16>(frame, frames, target);
+        return packAll<bits, qint16>(frame, first, frames, target);
     case AV_SAMPLE_FMT_S32:
-        return packAll<bits, qint32>(frame, frames, target);
+        return packAll<bits, qint32>(frame, first, frames, target);
     case AV_SAMPLE_FMT_S64:
-        return packAll<bits, qint64>(frame, frames, target);
+        return packAll<bits, qint64>(frame, first, frames, target);
     case AV_SAMPLE_FMT_FLT:
-        return packAll<bits, float>(frame, frames, target);
+        return packAll<bits, float>(frame, first, frames, target);
     case AV_SAMPLE_FMT_DBL:
-        return packAll<bits, double>(frame, frames, target);
+        return packAll<bits, double>(frame, first, frames, target);
     default:
         return;
     }
@@ -104,13 +104,14 @@ bool isAtMost16Bits(const AVFrame& frame)
     return packed == AV_SAMPLE_FMT_U8 || packed == AV_SAMPLE_FMT_S16;
 }
 
-void packFrame(const AVFrame& frame, int frames, int bits, std::vector<quint8>& bytes)
+void packFrame(const AVFrame& frame, int first, int frames, int bits, std::vector<quint8>& bytes)
 {
-    const auto count = static_cast<std::size_t>(std::max(frames, 0));
+    const auto start = static_cast<std::size_t>(first);
+    const auto count = static_cast<std::size_t>(frames);
     bytes.assign(count * static_cast<std::size_t>(frame.ch_layout.nb_channels) * static_cast<std::size_t>(bits / 8),
                  0);
     if (bits == 24)
-        packFormat<24>(frame, count, bytes.data());
+        packFormat<24>(frame, start, count, bytes.data());
     else
-        packFormat<16>(frame, count, bytes.data());
+        packFormat<16>(frame, start, count, bytes.data());
 }

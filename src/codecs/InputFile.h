@@ -56,5 +56,8 @@ private:
 /// The four letters that name a chunk, as they stand in the file.
 constexpr quint32 chunkId(const char (&letters)[5])
 {
-    return byteorder::readBig<quint32>(static_cast<const char*>(letters));
+    quint32 id = 0;
+    for (int i = 0; i < 4; ++i)
+        id = id << 8 | static_cast<quint8>(letters[i]);
+    return id;
 }

@@ -2,6 +2,7 @@
 #include "codecs/FrameBytes.h"
 #include "codecs/MediaReader.h"
 #include "codecs/Mp3Padding.h"
+#include "codecs/Mpeg4Timing.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -10,7 +11,6 @@ extern "C" {
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <limits>
 #include <string>
 
@@ -29,12 +29,14 @@ struct AvDeleter {
 template <typename Handle>
 using AvPointer = std::unique_ptr<Handle, AvDeleter>;
 
-AvPointer<AVFormatContext> openContainer(const std::filesystem::path& path)
+AvPointer<AVFormatContext> openContainer(const std::filesystem::path& path, bool ignoreEdits)
 {
     AVDictionary* options = nullptr;
     // A name that looks like an address, and a list of other files, stay unopened.
     av_dict_set(&options, "protocol_whitelist", "file", 0);
     av_dict_set(&options, "format_whitelist", "mp3,aac,mov", 0);
+    if (ignoreEdits)
+        av_dict_set(&options, "ignore_editlist", "1", 0);
     AVFormatContext* context = nullptr;
     const std::string name = "file:" + path.string();
     const int status = avformat_open_input(&context, name.c_str(), nullptr, &options);
@@ -72,9 +74,9 @@ private:
     bool openDecoder();
     Outcome decodeNext();
     bool feed();
-    void readGaplessLength();
+    const char* gaplessTag() const;
+    void setExtent(const std::optional<Mpeg4Timing>& timing);
     void measure(const std::filesystem::path& path);
-    int framesOf(const AVFrame& frame, bool last) const;
 
     AvPointer<AVFormatContext> container;
     AvPointer<AVCodecContext> decoder;
@@ -82,19 +84,25 @@ private:
     AvPointer<AVFrame> current{av_frame_alloc()}; ///< decoded last time, not delivered yet
     AvPointer<AVFrame> next{av_frame_alloc()};
     AVStream* stream = nullptr;
-    bool isMpeg4 = false;
     bool draining = false;
     bool ended = false;
     AudioFormat pcm;
     std::optional<quint64> ticks;
-    std::optional<quint64> statedFrames; ///< after the encoder's delay
+    quint64 framesToSkip = 0;
+    std::optional<quint64> statedFrames; ///< after those, and after what the library skips
     quint64 deliveredFrames = 0;
 };
 
 bool FfmpegReader::open(const std::filesystem::path& path)
 {
     av_log_set_level(AV_LOG_QUIET);
-    container = openContainer(path);
+    // The library keeps to an edit list by whole packets; the samples are cut here.
+    auto timing = readMpeg4Timing(path);
+    container = openContainer(path, timing.has_value());
+    if (container && timing && gaplessTag()) {
+        timing.reset();
+        container = openContainer(path, false);
+    }
     if (!container || !packet || !current || !next)
         return false;
     if (avformat_find_stream_info(container.get(), nullptr) < 0)
@@ -107,7 +115,6 @@ bool FfmpegReader::open(const std::filesystem::path& path)
         if (container->streams[i] != stream)
             container->streams[i]->discard = AVDISCARD_ALL;
     }
-    isMpeg4 = std::strstr(container->iformat->name, "mp4") != nullptr;
     if (!openDecoder())
         return false;
 
@@ -122,9 +129,15 @@ bool FfmpegReader::open(const std::filesystem::path& path)
     if (current->sample_rate <= 0 || channels <= 0 || channels > std::numeric_limits<quint16>::max())
         return false;
     pcm = {static_cast<quint32>(current->sample_rate), static_cast<quint16>(channels), 0};
-    readGaplessLength();
+    setExtent(timing);
     measure(path);
     return true;
+}
+
+const char* FfmpegReader::gaplessTag() const
+{
+    const AVDictionaryEntry* entry = av_dict_get(container->metadata, "iTunSMPB", nullptr, 0);
+    return entry ? entry->value : nullptr;
 }
 
 bool FfmpegReader::openDecoder()
@@ -176,14 +189,22 @@ MediaReader::Outcome FfmpegReader::decodeNext()
     }
 }
 
-/// The length that music shops and players write into a tag: after the delay and
-/// the padding, as the fourth of a row of hexadecimal numbers.
-void FfmpegReader::readGaplessLength()
+/// The audio within what is decoded: by the edit list, or by the tag of players,
+/// whose fourth hexadecimal number is the length after delay and padding.
+void FfmpegReader::setExtent(const std::optional<Mpeg4Timing>& timing)
 {
-    const AVDictionaryEntry* entry = av_dict_get(container->metadata, "iTunSMPB", nullptr, 0);
     unsigned long long frames = 0;
-    if (entry && std::sscanf(entry->value, "%*x %*x %*x %llx", &frames) == 1 && frames > 0)
+    if (timing) {
+        const auto toFrames = [&](std::uint64_t units) {
+            return static_cast<quint64>(av_rescale(static_cast<std::int64_t>(units), pcm.sampleRate,
+                                                   static_cast<std::int64_t>(timing->unitsASecond)));
+        };
+        framesToSkip = toFrames(timing->start);
+        statedFrames = toFrames(timing->length);
+    } else if (const char* tag = gaplessTag();
+               tag && std::sscanf(tag, "%*x %*x %*x %llx", &frames) == 1 && frames > 0) {
         statedFrames = frames;
+    }
 }
 
 void FfmpegReader::measure(const std::filesystem::path& path)
@@ -196,7 +217,7 @@ void FfmpegReader::measure(const std::filesystem::path& path)
     } else if (stream->duration > 0) {
         frames = av_rescale_q(stream->duration, stream->time_base, {1, rate});
         // This container's duration still holds what the encoder put around the audio.
-        if (stream->codecpar->codec_id == AV_CODEC_ID_MP3 && stream->start_time > 0 && !isMpeg4)
+        if (stream->codecpar->codec_id == AV_CODEC_ID_MP3 && stream->start_time > 0)
             frames -= av_rescale_q(stream->start_time, stream->time_base, {1, rate}) + mp3EndPadding(path);
     } else if (container->duration > 0) {
         frames = av_rescale(container->duration, rate, AV_TIME_BASE);
@@ -218,21 +239,6 @@ bool FfmpegReader::choosePcm(int bits)
     return true;
 }
 
-/// The frames that count. The last packet of an MPEG-4 file states how long the
-/// audio in it is.
-int FfmpegReader::framesOf(const AVFrame& frame, bool last) const
-{
-    std::int64_t frames = frame.nb_samples;
-    if (last && isMpeg4 && frame.pkt_duration > 0) {
-        const AVRational perFrame{1, frame.sample_rate};
-        frames = std::min(frames, av_rescale_q(frame.pkt_duration, stream->time_base, perFrame));
-    }
-    if (statedFrames)
-        frames = std::min<std::int64_t>(frames, static_cast<std::int64_t>(std::min<quint64>(
-                                                    *statedFrames - deliveredFrames, INT32_MAX)));
-    return static_cast<int>(frames);
-}
-
 MediaReader::Outcome FfmpegReader::read(std::vector<quint8>& pcmBytes)
 {
     if (ended)
@@ -245,13 +251,18 @@ MediaReader::Outcome FfmpegReader::read(std::vector<quint8>& pcmBytes)
             || next->ch_layout.nb_channels != current->ch_layout.nb_channels);
     // A stream that turns into another one ends there.
     ended = outcome != Outcome::Samples || changed;
-    const int frames = framesOf(*current, ended);
-    packFrame(*current, frames, pcm.bitsPerSample, pcmBytes);
-    deliveredFrames += static_cast<quint64>(frames);
-    if (statedFrames && deliveredFrames >= *statedFrames)
-        ended = true;
+
+    const auto held = static_cast<quint64>(current->nb_samples);
+    const quint64 skipped = std::min(framesToSkip, held);
+    framesToSkip -= skipped;
+    quint64 wanted = held - skipped;
+    if (statedFrames)
+        wanted = std::min(wanted, *statedFrames - deliveredFrames);
+    packFrame(*current, static_cast<int>(skipped), static_cast<int>(wanted), pcm.bitsPerSample, pcmBytes);
+    deliveredFrames += wanted;
+    ended = ended || deliveredFrames == statedFrames;
     std::swap(current, next);
-    return frames > 0 ? Outcome::Samples : Outcome::Gap;
+    return wanted > 0 ? Outcome::Samples : Outcome::Gap;
 }
 
 } // namespace

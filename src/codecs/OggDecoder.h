@@ -4,7 +4,7 @@
 
 /// Ogg Vorbis, through stb_vorbis, rounded to 16 bits by it. The library trusts
 /// its input, so it sees a file only up to the first damaged page, and only one
-/// whose headers are sound.
+/// whose headers are sound. It garbles streams of more than two coupled channels.
 class OggDecoder : public IAudioDecoder {
 public:
     OggDecoder();

@@ -189,7 +189,7 @@ bool SetupReader::readLookup(const Book& book)
     const std::int64_t type = take(4);
     if (type == 0)
         return complete;
-    if (type > 2)
+    if (type > 2 || book.dimensions == 0)
         return false;
     take(32); // minimum
     take(32); // step

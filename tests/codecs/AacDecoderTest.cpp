@@ -52,14 +52,16 @@ TEST_F(AacDecoderTest, DelayAndPaddingOfMpeg4AreCutAndTheSamplesLineUp)
         const Decoded decoded = decode(file("a.m4a"));
         EXPECT_EQ(decoded.format, (AudioFormat{44100, channels, 24}));
         EXPECT_EQ(decoded.frames(), 54441u);
-        // The container counts its length in milliseconds.
-        EXPECT_NEAR(static_cast<double>(decoded.total.value_or(0)), 54441.0, 45.0);
+        EXPECT_EQ(decoded.total, 54441u);
         // The judge does not cut the padding.
         QList<qint32> judge = decodeWithFfmpeg(file("a.m4a"));
         judge.resize(decoded.samples.size());
         EXPECT_LE(largestDifference(decoded.samples, judge, 24), 1.0);
         // Against what was encoded, one sample of misalignment would be many times as much.
-        EXPECT_LE(largestDifference(decoded.samples.mid(5000), source.mid(5000), 16), 1000.0);
+        // The low channel of six is not encoded beyond 120 Hz.
+        if (channels <= 2) {
+            EXPECT_LE(largestDifference(decoded.samples.mid(5000), source.mid(5000), 16), 1000.0);
+        }
     }
 }
 
@@ -85,6 +87,33 @@ TEST_F(AacDecoderTest, TheGaplessTagOfPlayersGivesDelayAndLength)
     EXPECT_EQ(decoded.frames(), 49000u);
     EXPECT_EQ(decoded.total, 49000u);
     EXPECT_EQ(decoded.samples, plain.samples.mid(2 * 1024, 2 * 49000));
+}
+
+TEST_F(AacDecoderTest, EveryLengthAroundAPacketIsExact)
+{
+    for (quint64 frames = 20 * 1024 - 1030; frames < 20 * 1024 + 1030; frames += 103) {
+        writeAll(file("s.wav"), waveFile({44100, 1, 16}, decoderfiles::audio(frames, 1)));
+        convert({}, file("a.m4a"));
+        const Decoded decoded = decode(file("a.m4a"));
+        EXPECT_EQ(decoded.frames(), frames);
+        EXPECT_EQ(decoded.total, frames);
+    }
+}
+
+TEST_F(AacDecoderTest, AnEditListThatEndsWithinThePacketsIsKeptTo)
+{
+    writeAll(file("s.wav"), waveFile({44100, 1, 16}, decoderfiles::audio(44100, 1)));
+    convert({QStringLiteral("-c:a"), QStringLiteral("alac")}, file("a.m4a"));
+    const Decoded whole = decode(file("a.m4a"));
+    QByteArray bytes = readAll(file("a.m4a"));
+    // Version and flags, one entry, its length in thousandths, its start.
+    const qsizetype entry = bytes.indexOf("elst") + 12;
+    ASSERT_EQ(bytes.mid(entry, 8), big(quint32{1000}) + big(quint32{0}));
+    bytes.replace(entry, 8, big(quint32{700}) + big(quint32{4410}));
+    writeAll(file("b.m4a"), bytes);
+    const Decoded edited = decode(file("b.m4a"));
+    EXPECT_EQ(edited.total, 30870u);
+    EXPECT_EQ(edited.samples, whole.samples.mid(4410, 30870));
 }
 
 TEST_F(AacDecoderTest, ASourceWithoutAudioIsRefused)
@@ -115,7 +144,11 @@ TEST_P(AlacTest, DecodesBitForBit)
 {
     const AudioFormat format = GetParam();
     for (const quint64 frames : {quint64{1}, quint64{4096}, quint64{54441}}) {
-        const QList<qint32> source = audiomaker::noise(frames * format.channels, 11);
+        // The encoder at hand fails on six channels of noise, and of a single frame.
+        if (format.channels > 2 && frames == 1)
+            continue;
+        const QList<qint32> source = format.channels <= 2 ? audiomaker::noise(frames * format.channels, 11)
+                                                          : decoderfiles::audio(frames, format.channels);
         writeAll(file("s.wav"), waveFile(format, source));
         convert({QStringLiteral("-c:a"), QStringLiteral("alac")}, file("a.m4a"));
         const Decoded decoded = decode(file("a.m4a"));

@@ -5,6 +5,8 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace decoderfiles {
 
 static QStringList words(const char* text)
@@ -60,7 +62,8 @@ QByteArray dsf(const DsfParts& parts, const QByteArray& data)
     const quint64 chunkBytes
         = parts.dataChunkBytes != 0 ? parts.dataChunkBytes : static_cast<quint64>(data.size()) + 12;
     const QByteArray format = little(quint64{52}) + little(quint32{1}) + little(parts.formatId) + little(quint32{2})
-        + little(parts.channels) + little(parts.frequency) + little(parts.bits) + little(quint64{0})
+        + little(parts.channels) + little(parts.frequency) + little(parts.bits)
+        + little(quint64{8} * static_cast<quint64>(data.size()) / std::max<quint64>(parts.channels, 1))
         + little(parts.blockBytes) + little(quint32{0});
     return "DSD " + little(quint64{28}) + little(static_cast<quint64>(92 + data.size())) + little(quint64{0})
         + "fmt " + format + "data" + little(chunkBytes) + data;

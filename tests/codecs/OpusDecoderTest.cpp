@@ -5,8 +5,9 @@
 
 class OpusDecoderTest : public EncoderTest {
 protected:
-    // Dither, on both sides, is worth a step or two of 16 bits.
-    static constexpr double ditherSteps = 4.0;
+    // The library rounds to 16 bits with shaped dither, whose peaks reach this far.
+    // A sample of misalignment would be hundreds of steps.
+    static constexpr double ditherSteps = 24.0;
 
     QList<qint32> judge(const QString& name) const
     {
@@ -31,11 +32,7 @@ TEST_P(OpusChannelsTest, AgreesWithAnIndependentDecoderToTheSample)
     for (const quint64 frames : decoded.blocks)
         EXPECT_LE(frames, 4096u);
     const QList<qint32> expected = judge(file("a.opus"));
-    // The judge puts surround channels into the order of WAVE files.
-    if (channels <= 2)
-        EXPECT_LE(largestDifference(decoded.samples, expected, 16), ditherSteps);
-    else
-        EXPECT_EQ(decoded.samples.size(), expected.size());
+    EXPECT_LE(largestDifference(decoded.samples, expected, 16), ditherSteps);
 }
 
 INSTANTIATE_TEST_SUITE_P(Channels, OpusChannelsTest, ::testing::Values(1, 2, 6));

@@ -90,9 +90,9 @@ TEST_F(WavPackDecoderTest, ATruncatedFileEndsEarly)
 TEST_F(WavPackDecoderTest, OneBitAudioIsRefused)
 {
     decoderfiles::make(file("a.dsf"), 4096 * 4);
-    ASSERT_TRUE(runTool(QStringLiteral("wavpack"), {QStringLiteral("-qy"), file("a.dsf"), QStringLiteral("-o"),
-                                                    file("a.wv")})
-                    .ok());
+    const ToolResult packed = runTool(QStringLiteral("wavpack"), {QStringLiteral("-qy"), file("a.dsf"),
+                                                                  QStringLiteral("-o"), file("a.wv")});
+    ASSERT_TRUE(packed.ok()) << packed.errors.toStdString();
     // The library must be asked for such files by a flag, and is not.
     EXPECT_FALSE(decode(file("a.wv")).opened);
 }
