@@ -21,7 +21,7 @@ namespace {
 
 using DecoderMaker = std::unique_ptr<IAudioDecoder> (*)();
 
-template <typename Decoder>
+template<typename Decoder>
 std::unique_ptr<IAudioDecoder> make()
 {
     return std::make_unique<Decoder>();
@@ -33,13 +33,13 @@ struct DecoderEntry {
 };
 
 constexpr DecoderEntry decoderTable[] = {
-    {L".wav", make<WavDecoder>},    {L".aiff", make<AiffDecoder>},  {L".aif", make<AiffDecoder>},
-    {L".mp3", make<Mp3Decoder>},    {L".flac", make<FlacDecoder>},  {L".aac", make<AacDecoder>},
-    {L".m4a", make<AacDecoder>},    {L".ogg", make<OggDecoder>},    {L".opus", make<OpusDecoder_>},
-    {L".wv", make<WavPackDecoder>}, {L".dsf", make<DsfDecoder>},    {L".dff", make<DffDecoder>},
+    {L".wav", make<WavDecoder>},    {L".aiff", make<AiffDecoder>}, {L".aif", make<AiffDecoder>},
+    {L".mp3", make<Mp3Decoder>},    {L".flac", make<FlacDecoder>}, {L".aac", make<AacDecoder>},
+    {L".m4a", make<AacDecoder>},    {L".ogg", make<OggDecoder>},   {L".opus", make<OpusDecoder_>},
+    {L".wv", make<WavPackDecoder>}, {L".dsf", make<DsfDecoder>},   {L".dff", make<DffDecoder>},
 };
 
-template <typename Character>
+template<typename Character>
 std::wstring toWide(const std::basic_string<Character>& name)
 {
     if constexpr (std::is_same_v<Character, wchar_t>)
@@ -57,8 +57,9 @@ std::wstring lowerExtension(const std::filesystem::path& path)
         return {};
     // Characters are lowered, not bytes.
     std::wstring extension = toWide(whole.substr(dot));
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](wchar_t letter) { return static_cast<wchar_t>(std::towlower(static_cast<wint_t>(letter))); });
+    std::transform(extension.begin(), extension.end(), extension.begin(), [](wchar_t letter) {
+        return static_cast<wchar_t>(std::towlower(static_cast<wint_t>(letter)));
+    });
     return extension;
 }
 
@@ -80,6 +81,7 @@ QStringList decoderExtensions()
 {
     QStringList extensions;
     for (const DecoderEntry& entry : decoderTable)
-        extensions.append(QString::fromWCharArray(entry.extension.data(), static_cast<qsizetype>(entry.extension.size())));
+        extensions.append(
+            QString::fromWCharArray(entry.extension.data(), static_cast<qsizetype>(entry.extension.size())));
     return extensions;
 }

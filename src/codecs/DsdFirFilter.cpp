@@ -73,8 +73,8 @@ public:
         double running[lanes] = {};
         for (std::size_t tap = 0; tap < taps; ++tap) {
             const double coefficient = coefficients[tap];
-            const double* bits
-                = rows[bitsPerByte - 1 - tap % bitsPerByte].data() + pastBytes + first - tap / bitsPerByte;
+            const double* bits =
+                rows[bitsPerByte - 1 - tap % bitsPerByte].data() + pastBytes + first - tap / bitsPerByte;
             for (std::size_t lane = 0; lane < lanes; ++lane)
                 running[lane] += coefficient * bits[lane];
         }

@@ -12,31 +12,31 @@ extern "C" {
 namespace {
 
 /// A sample of any format as a value of so many bits.
-template <int bits>
+template<int bits>
 qint32 scaled(quint8 sample)
 {
     return (qint32{sample} - 128) * (1 << (bits - 8));
 }
 
-template <int bits>
+template<int bits>
 qint32 scaled(qint16 sample)
 {
     return qint32{sample} * (1 << (bits - 16));
 }
 
-template <int bits>
+template<int bits>
 qint32 scaled(qint32 sample)
 {
     return sample >> (32 - bits);
 }
 
-template <int bits>
+template<int bits>
 qint32 scaled(qint64 sample)
 {
     return static_cast<qint32>(sample >> (64 - bits));
 }
 
-template <int bits>
+template<int bits>
 qint32 scaled(double sample)
 {
     constexpr double fullScale = 1 << (bits - 1);
@@ -45,13 +45,13 @@ qint32 scaled(double sample)
     return static_cast<qint32>(std::lrint(value));
 }
 
-template <int bits>
+template<int bits>
 qint32 scaled(float sample)
 {
     return scaled<bits>(double{sample});
 }
 
-template <int bits, typename Sample>
+template<int bits, typename Sample>
 void packChannel(const Sample* source, std::size_t sourceStep, std::size_t frames, quint8* target,
                  std::size_t targetStep)
 {
@@ -63,19 +63,19 @@ void packChannel(const Sample* source, std::size_t sourceStep, std::size_t frame
     }
 }
 
-template <int bits, typename Sample>
+template<int bits, typename Sample>
 void packAll(const AVFrame& frame, std::size_t first, std::size_t frames, quint8* target)
 {
     const auto channels = static_cast<std::size_t>(frame.ch_layout.nb_channels);
     const bool planar = av_sample_fmt_is_planar(static_cast<AVSampleFormat>(frame.format)) != 0;
     for (std::size_t channel = 0; channel < channels; ++channel) {
         const auto* plane = reinterpret_cast<const Sample*>(frame.extended_data[planar ? channel : 0]);
-        packChannel<bits>(planar ? plane + first : plane + first * channels + channel, planar ? 1 : channels, frames,
-                          target + channel * (bits / 8), channels * (bits / 8));
+        packChannel<bits>(planar ? plane + first : plane + first * channels + channel, planar ? 1 : channels,
+                          frames, target + channel * (bits / 8), channels * (bits / 8));
     }
 }
 
-template <int bits>
+template<int bits>
 void packFormat(const AVFrame& frame, std::size_t first, std::size_t frames, quint8* target)
 {
     switch (av_get_packed_sample_fmt(static_cast<AVSampleFormat>(frame.format))) {
@@ -108,7 +108,8 @@ void packFrame(const AVFrame& frame, int first, int frames, int bits, std::vecto
 {
     const auto start = static_cast<std::size_t>(first);
     const auto count = static_cast<std::size_t>(frames);
-    bytes.assign(count * static_cast<std::size_t>(frame.ch_layout.nb_channels) * static_cast<std::size_t>(bits / 8),
+    bytes.assign(count * static_cast<std::size_t>(frame.ch_layout.nb_channels)
+                     * static_cast<std::size_t>(bits / 8),
                  0);
     if (bits == 24)
         packFormat<24>(frame, start, count, bytes.data());

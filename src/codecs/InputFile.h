@@ -34,13 +34,13 @@ public:
     bool readMagic(const char* text);
 
     /// An integer, 0 when the file is or turns bad.
-    template <typename Integer>
+    template<typename Integer>
     Integer readLittle()
     {
         unsigned char bytes[sizeof(Integer)];
         return read(bytes, sizeof bytes) ? byteorder::readLittle<Integer>(bytes) : Integer{0};
     }
-    template <typename Integer>
+    template<typename Integer>
     Integer readBig()
     {
         unsigned char bytes[sizeof(Integer)];

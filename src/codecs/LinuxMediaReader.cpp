@@ -26,7 +26,7 @@ struct AvDeleter {
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
 };
 
-template <typename Handle>
+template<typename Handle>
 using AvPointer = std::unique_ptr<Handle, AvDeleter>;
 
 AvPointer<AVFormatContext> openContainer(const std::filesystem::path& path, bool ignoreEdits)
@@ -55,8 +55,8 @@ bool isKnownCodec(const AVCodecParameters& parameters)
         return true;
     case AV_CODEC_ID_ALAC:
         return parameters.extradata_size >= alacFrameLengthOffset + 4
-            && byteorder::readBig<quint32>(parameters.extradata + alacFrameLengthOffset)
-            <= mostFramesInAlacFrame;
+               && byteorder::readBig<quint32>(parameters.extradata + alacFrameLengthOffset)
+                      <= mostFramesInAlacFrame;
     default:
         return false;
     }
@@ -213,7 +213,8 @@ void FfmpegReader::measure(const std::filesystem::path& path)
     const auto rate = static_cast<int>(pcm.sampleRate);
     std::int64_t frames = 0;
     if (statedFrames) {
-        frames = static_cast<std::int64_t>(std::min<quint64>(*statedFrames, std::numeric_limits<qint64>::max()));
+        frames =
+            static_cast<std::int64_t>(std::min<quint64>(*statedFrames, std::numeric_limits<qint64>::max()));
     } else if (stream->duration > 0) {
         frames = av_rescale_q(stream->duration, stream->time_base, {1, rate});
         // This container's duration still holds what the encoder put around the audio.
@@ -247,8 +248,8 @@ MediaReader::Outcome FfmpegReader::read(std::vector<quint8>& pcmBytes)
     if (outcome == Outcome::Gap)
         return Outcome::Gap;
     const bool changed = outcome == Outcome::Samples
-        && (next->sample_rate != current->sample_rate || next->format != current->format
-            || next->ch_layout.nb_channels != current->ch_layout.nb_channels);
+                         && (next->sample_rate != current->sample_rate || next->format != current->format
+                             || next->ch_layout.nb_channels != current->ch_layout.nb_channels);
     // A stream that turns into another one ends there.
     ended = outcome != Outcome::Samples || changed;
 

@@ -9,10 +9,7 @@ class MediaDecoding {
 public:
     using ReaderMaker = std::unique_ptr<MediaReader> (*)();
 
-    explicit MediaDecoding(ReaderMaker maker = makeMediaReader)
-        : makeReader(maker)
-    {
-    }
+    explicit MediaDecoding(ReaderMaker maker = makeMediaReader) : makeReader(maker) {}
 
     bool open(const std::filesystem::path& path);
     const AudioFormat& format() const { return pcm; }

@@ -2,7 +2,7 @@
 
 /// Runs an action at the edge of a codec, where no exception may pass. One that
 /// ends in an exception, which is one out of memory, yields an empty result.
-template <typename Action>
+template<typename Action>
 auto withoutThrowing(Action&& action) noexcept -> decltype(action())
 {
     try {

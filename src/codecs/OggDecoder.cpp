@@ -71,8 +71,8 @@ std::optional<AudioBlock> OggDecoder::readBlock()
     if (!stream || ended)
         return std::nullopt;
     std::vector<qint16> buffer(framesPerBlock(pcm.channels) * pcm.channels);
-    const int frames = stb_vorbis_get_samples_short_interleaved(stream->handle.get(), pcm.channels,
-                                                                buffer.data(), static_cast<int>(buffer.size()));
+    const int frames = stb_vorbis_get_samples_short_interleaved(
+        stream->handle.get(), pcm.channels, buffer.data(), static_cast<int>(buffer.size()));
     if (frames <= 0) {
         ended = true;
         return std::nullopt;

@@ -20,10 +20,7 @@ struct Sync {
 /// Puts the first packets of the first logical stream together.
 class HeaderPackets {
 public:
-    explicit HeaderPackets(std::size_t count)
-        : wanted(count)
-    {
-    }
+    explicit HeaderPackets(std::size_t count) : wanted(count) {}
     ~HeaderPackets()
     {
         if (started)
@@ -92,8 +89,8 @@ CFile undamagedPart(CFile file, const OggPages& pages)
     CFile copy(std::tmpfile());
     std::vector<char> buffer(pieceBytes);
     for (std::uint64_t left = pages.bytes; copy && left > 0;) {
-        const std::size_t count = std::fread(buffer.data(), 1, std::min<std::uint64_t>(left, pieceBytes),
-                                             file.get());
+        const std::size_t count =
+            std::fread(buffer.data(), 1, std::min<std::uint64_t>(left, pieceBytes), file.get());
         if (count == 0 || std::fwrite(buffer.data(), 1, count, copy.get()) != count)
             return nullptr;
         left -= count;

@@ -8,8 +8,8 @@
 
 /// What stands in an Ogg file up to its first damaged page.
 struct OggPages {
-    bool whole = false; ///< the file holds undamaged pages and nothing else
-    std::uint64_t bytes = 0; ///< of the undamaged pages, from the start of the file
+    bool whole = false;              ///< the file holds undamaged pages and nothing else
+    std::uint64_t bytes = 0;         ///< of the undamaged pages, from the start of the file
     std::vector<QByteArray> headers; ///< the first packets, as many as were asked for, or fewer
 };
 

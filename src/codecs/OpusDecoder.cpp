@@ -79,8 +79,7 @@ std::optional<AudioBlock> OpusDecoder_::readBlock()
     if (!stream || ended)
         return std::nullopt;
     std::vector<qint16> buffer(framesPerBlock(pcm.channels) * pcm.channels);
-    const int frames
-        = op_read(stream->handle.get(), buffer.data(), static_cast<int>(buffer.size()), nullptr);
+    const int frames = op_read(stream->handle.get(), buffer.data(), static_cast<int>(buffer.size()), nullptr);
     if (frames <= 0) {
         ended = true;
         return std::nullopt;

@@ -17,10 +17,7 @@ struct PcmLayoutInFile {
 /// short for reads as zeroes, up to the size that its header states.
 class PcmFileReader {
 public:
-    explicit PcmFileReader(ByteOrder byteOrder)
-        : order(byteOrder)
-    {
-    }
+    explicit PcmFileReader(ByteOrder byteOrder) : order(byteOrder) {}
 
     /// Goes to the first sample of the file.
     void start(InputFile& file, const PcmLayoutInFile& layout);

@@ -4,7 +4,7 @@
 
 namespace {
 
-template <ByteOrder order, int sampleBytes>
+template<ByteOrder order, int sampleBytes>
 void unpack(const quint8* bytes, std::size_t count, qint32* target)
 {
     for (std::size_t i = 0; i < count; ++i, bytes += sampleBytes) {
@@ -19,13 +19,13 @@ void unpack(const quint8* bytes, std::size_t count, qint32* target)
         } else {
             constexpr bool little = order == ByteOrder::Little;
             bits = quint32{bytes[little ? 2 : 0]} << 24 | quint32{bytes[1]} << 16
-                | quint32{bytes[little ? 0 : 2]} << 8;
+                   | quint32{bytes[little ? 0 : 2]} << 8;
         }
         target[i] = static_cast<qint32>(bits);
     }
 }
 
-template <ByteOrder order>
+template<ByteOrder order>
 void unpackOrdered(const quint8* bytes, std::size_t count, int bits, qint32* target)
 {
     switch (bits) {

@@ -24,8 +24,9 @@ std::FILE* fileOf(void* id)
 
 int32_t onRead(void* id, void* target, int32_t count)
 {
-    return count > 0 ? static_cast<int32_t>(std::fread(target, 1, static_cast<std::size_t>(count), fileOf(id)))
-                     : 0;
+    return count > 0
+               ? static_cast<int32_t>(std::fread(target, 1, static_cast<std::size_t>(count), fileOf(id)))
+               : 0;
 }
 
 int64_t onTell(void* id)
@@ -128,8 +129,8 @@ std::optional<AudioBlock> WavPackDecoder::readBlock()
         return std::nullopt;
     const quint64 wanted = framesPerBlock(pcm.channels);
     AudioBlock block{QList<qint32>(static_cast<qsizetype>(wanted * pcm.channels)), 0};
-    block.frames = WavpackUnpackSamples(stream->context.get(), block.samples.data(),
-                                        static_cast<quint32>(wanted));
+    block.frames =
+        WavpackUnpackSamples(stream->context.get(), block.samples.data(), static_cast<quint32>(wanted));
     if (block.frames == 0) {
         ended = true;
         return std::nullopt;

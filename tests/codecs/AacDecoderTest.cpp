@@ -11,8 +11,8 @@ protected:
     void convert(const QStringList& options, const QString& name) const
     {
         const ToolResult made = runTool(QStringLiteral("ffmpeg"),
-                                        QStringList{QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y"),
-                                                    QStringLiteral("-i"), file("s.wav")}
+                                        QStringList{QStringLiteral("-v"), QStringLiteral("error"),
+                                                    QStringLiteral("-y"), QStringLiteral("-i"), file("s.wav")}
                                             + options + QStringList{name});
         ASSERT_TRUE(made.ok()) << made.errors.toStdString();
     }
@@ -30,8 +30,8 @@ protected:
             return big(static_cast<quint32>(body.size() + 8)) + id + body;
         };
         const QByteArray tag = box("----", box("mean", QByteArray(4, '\0') + "com.apple.iTunes")
-                                       + box("name", QByteArray(4, '\0') + "iTunSMPB")
-                                       + box("data", big(quint32{1}) + QByteArray(4, '\0') + text));
+                                               + box("name", QByteArray(4, '\0') + "iTunSMPB")
+                                               + box("data", big(quint32{1}) + QByteArray(4, '\0') + text));
         for (const char* id : {"moov", "udta", "meta", "ilst"}) {
             const qsizetype place = bytes.lastIndexOf(id) - 4;
             const auto size = byteorder::readBig<quint32>(bytes.constData() + place);
@@ -47,8 +47,9 @@ TEST_F(AacDecoderTest, DelayAndPaddingOfMpeg4AreCutAndTheSamplesLineUp)
     for (const quint16 channels : {quint16{1}, quint16{2}, quint16{6}}) {
         const QList<qint32> source = decoderfiles::audio(54441, channels);
         writeAll(file("s.wav"), waveFile({44100, channels, 16}, source));
-        convert({QStringLiteral("-c:a"), QStringLiteral("aac"), QStringLiteral("-b:a"), QStringLiteral("320k")},
-                file("a.m4a"));
+        convert(
+            {QStringLiteral("-c:a"), QStringLiteral("aac"), QStringLiteral("-b:a"), QStringLiteral("320k")},
+            file("a.m4a"));
         const Decoded decoded = decode(file("a.m4a"));
         EXPECT_EQ(decoded.format, (AudioFormat{44100, channels, 24}));
         EXPECT_EQ(decoded.frames(), 54441u);
@@ -118,11 +119,11 @@ TEST_F(AacDecoderTest, AnEditListThatEndsWithinThePacketsIsKeptTo)
 
 TEST_F(AacDecoderTest, ASourceWithoutAudioIsRefused)
 {
-    const ToolResult made = runTool(QStringLiteral("ffmpeg"),
-                                    {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-f"),
-                                     QStringLiteral("lavfi"), QStringLiteral("-i"),
-                                     QStringLiteral("testsrc=duration=1:size=64x64"), QStringLiteral("-c:v"),
-                                     QStringLiteral("mpeg4"), file("a.mp4")});
+    const ToolResult made =
+        runTool(QStringLiteral("ffmpeg"),
+                {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-f"), QStringLiteral("lavfi"),
+                 QStringLiteral("-i"), QStringLiteral("testsrc=duration=1:size=64x64"),
+                 QStringLiteral("-c:v"), QStringLiteral("mpeg4"), file("a.mp4")});
     ASSERT_TRUE(made.ok()) << made.errors.toStdString();
     EXPECT_FALSE(decodeWith<AacDecoder>(file("a.mp4")).opened);
 }

@@ -15,7 +15,8 @@ protected:
     static QByteArray common(quint16 channels, quint16 bits, const char* rate = rate44100,
                              const QByteArray& extra = {})
     {
-        return bigChunk("COMM", big(channels) + big(quint32{123456}) + big(bits) + QByteArray(rate, 10) + extra);
+        return bigChunk("COMM",
+                        big(channels) + big(quint32{123456}) + big(bits) + QByteArray(rate, 10) + extra);
     }
 
     static QByteArray sound(const QByteArray& data, quint32 offset = 0)
@@ -57,7 +58,8 @@ TEST_F(AiffDecoderTest, OtherWidthsAreRefused)
 TEST_F(AiffDecoderTest, AnOddNameAheadOfTheSoundIsPaddedAndPassedOver)
 {
     const QByteArray name = bigChunk("NAME", "abc") + '\0';
-    EXPECT_EQ(decodeBytes(form(common(1, 32) + name + sound("\x12\x34\x56\x78"))).samples, patterns({0x12345678}));
+    EXPECT_EQ(decodeBytes(form(common(1, 32) + name + sound("\x12\x34\x56\x78"))).samples,
+              patterns({0x12345678}));
 }
 
 TEST_F(AiffDecoderTest, AnOddCommonChunkIsPaddedAndPassedOver)
@@ -140,10 +142,9 @@ TEST_P(AiffAgainstSoxTest, AgreesBitForBit)
     const AudioFormat format = GetParam();
     const QList<qint32> samples = audiomaker::noise(5000u * format.channels, 8);
     writeAll(file("source.wav"), waveFile({format.sampleRate, format.channels, 32}, samples));
-    const ToolResult made = runTool(QStringLiteral("sox"), {QStringLiteral("-D"), file("source.wav"),
-                                                            QStringLiteral("-b"),
-                                                            QString::number(format.bitsPerSample),
-                                                            file("made.aiff")});
+    const ToolResult made =
+        runTool(QStringLiteral("sox"), {QStringLiteral("-D"), file("source.wav"), QStringLiteral("-b"),
+                                        QString::number(format.bitsPerSample), file("made.aiff")});
     ASSERT_TRUE(made.ok()) << made.errors.toStdString();
     const Decoded decoded = decode(file("made.aiff"));
     EXPECT_EQ(decoded.format, format);

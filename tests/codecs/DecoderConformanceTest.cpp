@@ -49,7 +49,8 @@ TEST_P(DecoderConformanceTest, RefusesEveryOtherKindUnderItsEnding)
 {
     for (const QString& other : decoderExtensions()) {
         const QStringList both{extension, other};
-        const bool sameClass = other == extension
+        const bool sameClass =
+            other == extension
             || (both.contains(QStringLiteral(".aif")) && both.contains(QStringLiteral(".aiff")));
         // These are told apart by their content, whatever the ending says.
         const QStringList platform{QStringLiteral(".mp3"), QStringLiteral(".aac"), QStringLiteral(".m4a")};
@@ -58,7 +59,8 @@ TEST_P(DecoderConformanceTest, RefusesEveryOtherKindUnderItsEnding)
         const QString made = file("other") + other;
         decoderfiles::make(made, 3000);
         writeAll(named("wrong"), readAll(made));
-        EXPECT_FALSE(makeDecoder(toPath(named("wrong")))->open(toPath(named("wrong")))) << other.toStdString();
+        EXPECT_FALSE(makeDecoder(toPath(named("wrong")))->open(toPath(named("wrong"))))
+            << other.toStdString();
     }
 }
 
@@ -171,6 +173,6 @@ TEST_P(DecoderConformanceTest, TwoDecodersAtOnceDoNotDisturbEachOther)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, DecoderConformanceTest,
-                         ::testing::Values(".wav", ".aiff", ".aif", ".mp3", ".flac", ".aac", ".m4a", ".ogg", ".opus",
-                                           ".wv", ".dsf", ".dff"),
+                         ::testing::Values(".wav", ".aiff", ".aif", ".mp3", ".flac", ".aac", ".m4a", ".ogg",
+                                           ".opus", ".wv", ".dsf", ".dff"),
                          [](const auto& instance) { return std::string(instance.param + 1); });

@@ -59,14 +59,15 @@ void make(const QString& name, quint64 frames)
 
 QByteArray dsf(const DsfParts& parts, const QByteArray& data)
 {
-    const quint64 chunkBytes
-        = parts.dataChunkBytes != 0 ? parts.dataChunkBytes : static_cast<quint64>(data.size()) + 12;
-    const QByteArray format = little(quint64{52}) + little(quint32{1}) + little(parts.formatId) + little(quint32{2})
+    const quint64 chunkBytes =
+        parts.dataChunkBytes != 0 ? parts.dataChunkBytes : static_cast<quint64>(data.size()) + 12;
+    const QByteArray format =
+        little(quint64{52}) + little(quint32{1}) + little(parts.formatId) + little(quint32{2})
         + little(parts.channels) + little(parts.frequency) + little(parts.bits)
         + little(quint64{8} * static_cast<quint64>(data.size()) / std::max<quint64>(parts.channels, 1))
         + little(parts.blockBytes) + little(quint32{0});
     return "DSD " + little(quint64{28}) + little(static_cast<quint64>(92 + data.size())) + little(quint64{0})
-        + "fmt " + format + "data" + little(chunkBytes) + data;
+           + "fmt " + format + "data" + little(chunkBytes) + data;
 }
 
 QByteArray dffChunk(const char* id, const QByteArray& body)
@@ -83,13 +84,13 @@ QByteArray dffProperties(quint32 frequency, quint16 channels)
     for (quint16 i = 0; i < channels; ++i)
         ids += "C" + QByteArray::number(100 + i);
     return dffChunk("FS  ", big(frequency)) + dffChunk("CHNL", big(channels) + ids)
-        + dffChunk("CMPR", QByteArray("DSD \x0E", 5) + "not compressed\0");
+           + dffChunk("CMPR", QByteArray("DSD \x0E", 5) + "not compressed\0");
 }
 
 QByteArray dff(const QByteArray& properties, const QByteArray& data)
 {
     const QByteArray body = "DSD " + dffChunk("FVER", big(quint32{0x01050000}))
-        + dffChunk("PROP", "SND " + properties) + dffChunk("DSD ", data);
+                            + dffChunk("PROP", "SND " + properties) + dffChunk("DSD ", data);
     return dffChunk("FRM8", body);
 }
 

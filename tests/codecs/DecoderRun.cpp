@@ -62,11 +62,11 @@ QByteArray waveFile(const AudioFormat& format, const QList<qint32>& samples)
     const auto frameBytes = static_cast<quint16>(format.channels * sampleBytes);
     // Six channels are front left, right, centre, low, back left and right.
     const quint32 mask = format.channels == 1 ? 4u : (1u << format.channels) - 1;
-    const QByteArray header = little(quint16{0xFFFE}) + little(format.channels) + little(format.sampleRate)
+    const QByteArray header =
+        little(quint16{0xFFFE}) + little(format.channels) + little(format.sampleRate)
         + little(format.sampleRate * frameBytes) + little(frameBytes)
         + little(static_cast<quint16>(8 * sampleBytes)) + little(quint16{22}) + little(format.bitsPerSample)
-        + little(mask)
-        + QByteArray("\x01\x00\x00\x00\x00\x00\x10\x00\x80\x00\x00\xAA\x00\x38\x9B\x71", 16);
+        + little(mask) + QByteArray("\x01\x00\x00\x00\x00\x00\x10\x00\x80\x00\x00\xAA\x00\x38\x9B\x71", 16);
     QByteArray data;
     data.reserve(samples.size() * sampleBytes);
     for (const qint32 sample : keepBits(samples, format.bitsPerSample)) {
@@ -99,11 +99,10 @@ static QList<qint32> fromRaw32(const QByteArray& bytes)
 
 QList<qint32> decodeWithFfmpeg(const QString& name)
 {
-    const ToolResult result
-        = runTool(QStringLiteral("ffmpeg"), {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"),
-                                             name, QStringLiteral("-f"), QStringLiteral("s32le"),
-                                             QStringLiteral("-c:a"), QStringLiteral("pcm_s32le"),
-                                             QStringLiteral("-")});
+    const ToolResult result = runTool(
+        QStringLiteral("ffmpeg"),
+        {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), name, QStringLiteral("-f"),
+         QStringLiteral("s32le"), QStringLiteral("-c:a"), QStringLiteral("pcm_s32le"), QStringLiteral("-")});
     EXPECT_TRUE(result.ok()) << result.errors.toStdString();
     return fromRaw32(result.output);
 }

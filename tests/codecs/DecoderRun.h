@@ -23,7 +23,7 @@ Decoded decode(IAudioDecoder& decoder, const QString& name);
 /// The same with the decoder that the name's ending picks.
 Decoded decode(const QString& name);
 
-template <typename Decoder>
+template<typename Decoder>
 Decoded decodeWith(const QString& name)
 {
     Decoder decoder;
@@ -32,7 +32,7 @@ Decoded decodeWith(const QString& name)
 
 void writeAll(const QString& name, const QByteArray& bytes);
 
-template <typename Integer>
+template<typename Integer>
 QByteArray little(Integer value)
 {
     QByteArray bytes(sizeof value, '\0');
@@ -40,7 +40,7 @@ QByteArray little(Integer value)
     return bytes;
 }
 
-template <typename Integer>
+template<typename Integer>
 QByteArray big(Integer value)
 {
     QByteArray bytes(sizeof value, '\0');

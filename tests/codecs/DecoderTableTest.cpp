@@ -13,7 +13,7 @@
 
 #include <clocale>
 
-template <typename Decoder>
+template<typename Decoder>
 static bool makes(const std::filesystem::path& path)
 {
     return dynamic_cast<Decoder*>(makeDecoder(path).get()) != nullptr;

@@ -56,7 +56,8 @@ TEST_F(DffDecoderTest, OddChunksArePadded)
 {
     const QByteArray odd = dffChunk("ABCD", "xyz");
     const QByteArray inner = odd + dffProperties(2822400, 1) + odd;
-    const QByteArray bytes = form(odd + dffChunk("PROP", "SND " + inner) + odd + dffChunk("DSD ", bits(9, 1)));
+    const QByteArray bytes =
+        form(odd + dffChunk("PROP", "SND " + inner) + odd + dffChunk("DSD ", bits(9, 1)));
     EXPECT_EQ(decodeBytes(bytes).total, 9u);
 }
 
@@ -77,8 +78,9 @@ TEST_F(DffDecoderTest, ChunksAfterTheSoundAreNotVisited)
 TEST_F(DffDecoderTest, CompressedSoundIsRefusedAndTheFileClosed)
 {
     const qsizetype before = openFileCount();
-    const QByteArray compressed = dffChunk("FS  ", big(quint32{2822400})) + dffChunk("CHNL", big(quint16{1}) + "C   ")
-        + dffChunk("CMPR", QByteArray("DST \0", 5));
+    const QByteArray compressed = dffChunk("FS  ", big(quint32{2822400}))
+                                  + dffChunk("CHNL", big(quint16{1}) + "C   ")
+                                  + dffChunk("CMPR", QByteArray("DST \0", 5));
     writeAll(file("a.dff"), dff(compressed, bits(64, 1)));
     DffDecoder decoder;
     EXPECT_FALSE(decoder.open(toPath(file("a.dff"))));

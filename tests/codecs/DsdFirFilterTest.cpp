@@ -1,5 +1,5 @@
-#include "codecs/DsdFilterBank.h"
 #include "codecs/DsdFirFilter.h"
+#include "codecs/DsdFilterBank.h"
 #include "support/AudioMaker.h"
 
 #include <gtest/gtest.h>
@@ -90,7 +90,8 @@ TEST(DsdFirFilter, CoefficientsAgreeWithThePlainDesignBitForBit)
     const DsdFirFilter filter;
     const PlainFilter plain;
     for (std::size_t i = 0; i < 128; ++i)
-        EXPECT_EQ(std::bit_cast<quint32>(filter.coefficients[i]), std::bit_cast<quint32>(plain.coefficients[i]));
+        EXPECT_EQ(std::bit_cast<quint32>(filter.coefficients[i]),
+                  std::bit_cast<quint32>(plain.coefficients[i]));
     EXPECT_EQ(filter.position, 0u);
     EXPECT_EQ(filter.ring[0], 0.0f);
 }
@@ -108,7 +109,8 @@ TEST(DsdFirFilter, AgreesWithThePlainLoopBitForBitAcrossCallsOfAnySize)
             std::vector<float> values(count);
             decodeDsdBytes(filter, bytes.data(), count, lsbFirst, values.data(), 1, 1);
             for (std::size_t i = 0; i < count; ++i)
-                ASSERT_EQ(std::bit_cast<quint32>(values[i]), std::bit_cast<quint32>(plain.feed(bytes[i], lsbFirst)))
+                ASSERT_EQ(std::bit_cast<quint32>(values[i]),
+                          std::bit_cast<quint32>(plain.feed(bytes[i], lsbFirst)))
                     << count << " " << i;
             ASSERT_EQ(filter.position, plain.position);
             for (std::size_t i = 0; i < 128; ++i)

@@ -69,15 +69,16 @@ TEST_F(DsfDecoderTest, ReversedBitsWithTheOtherBitOrderGiveTheSameSamples)
     const Decoded low = decodeBytes(decoderfiles::dsf({.bits = 1}, data));
     EXPECT_EQ(low.frames(), 4096u);
     for (const quint32 bits : {8u, 0u, 2u})
-        EXPECT_EQ(decodeBytes(decoderfiles::dsf({.bits = bits}, reversed(data))).samples, low.samples) << bits;
+        EXPECT_EQ(decodeBytes(decoderfiles::dsf({.bits = bits}, reversed(data))).samples, low.samples)
+            << bits;
     EXPECT_NE(decodeBytes(decoderfiles::dsf({.bits = 8}, data)).samples, low.samples);
 }
 
 TEST_F(DsfDecoderTest, ConstantBitsOfBothSignsEndAtFullScaleDown)
 {
     for (const char byte : {'\xFF', '\x00'}) {
-        const Decoded decoded
-            = decodeBytes(decoderfiles::dsf({.channels = 1, .blockBytes = 64}, QByteArray(64, byte)));
+        const Decoded decoded =
+            decodeBytes(decoderfiles::dsf({.channels = 1, .blockBytes = 64}, QByteArray(64, byte)));
         const DsdFirFilter filter;
         EXPECT_EQ(decoded.samples.last(), dsdSample(byte ? 1.0f : -1.0f)) << int{byte};
         EXPECT_EQ(decoded.samples.last(), INT32_MIN);
@@ -127,8 +128,8 @@ TEST_F(DsfDecoderTest, TheLastShortBlockStillHoldsOneRunForEachChannel)
 TEST_F(DsfDecoderTest, ATruncatedFileEndsInOneBitZeroesUpToItsLength)
 {
     const QByteArray data = decoderfiles::bits(64, 7);
-    const Decoded decoded
-        = decodeBytes(decoderfiles::dsf({.channels = 1, .blockBytes = 64, .dataChunkBytes = 12 + 192}, data));
+    const Decoded decoded =
+        decodeBytes(decoderfiles::dsf({.channels = 1, .blockBytes = 64, .dataChunkBytes = 12 + 192}, data));
     EXPECT_EQ(decoded.frames(), 192u);
     EXPECT_EQ(decoded.samples, filtered(data + QByteArray(128, '\0'), true));
     EXPECT_EQ(decoded.samples.last(), INT32_MIN);

@@ -10,8 +10,9 @@ protected:
     {
         const QList<qint32> samples = audiomaker::noise(frames * format.channels, 3);
         writeAll(file("s.wav"), waveFile(format, samples));
-        const ToolResult made = runTool(QStringLiteral("flac"), QStringList{QStringLiteral("-sf")} + options
-                                            + QStringList{QStringLiteral("-o"), file("s.flac"), file("s.wav")});
+        const ToolResult made = runTool(
+            QStringLiteral("flac"), QStringList{QStringLiteral("-sf")} + options
+                                        + QStringList{QStringLiteral("-o"), file("s.flac"), file("s.wav")});
         EXPECT_TRUE(made.ok()) << made.errors.toStdString();
         return readAll(file("s.flac"));
     }
@@ -107,7 +108,8 @@ TEST_F(FlacDecoderTest, TagsAndPicturesAreNoConcern)
 {
     const QByteArray plain = encoded({44100, 2, 16}, 5000);
     const Decoded decoded = decodeBytes(plain);
-    ASSERT_TRUE(runTool(QStringLiteral("metaflac"), {QStringLiteral("--set-tag=TITLE=x"), file("a.flac")}).ok());
+    ASSERT_TRUE(
+        runTool(QStringLiteral("metaflac"), {QStringLiteral("--set-tag=TITLE=x"), file("a.flac")}).ok());
     EXPECT_EQ(decode(file("a.flac")).samples, decoded.samples);
 }
 

@@ -31,8 +31,9 @@ TEST_P(HostileInputTest, NoMutantCrashesHangsOrTakesMemoryOutOfProportion)
     decoderfiles::make(file("valid") + extension, 6000);
     QProcess process;
     process.setProcessEnvironment(limits());
-    process.start(QStringLiteral(TARVEL_DECODE_MUTANTS), {file("valid") + extension, file("mutant") + extension,
-                                                          QStringLiteral("0"), QString::number(mutations())});
+    process.start(QStringLiteral(TARVEL_DECODE_MUTANTS),
+                  {file("valid") + extension, file("mutant") + extension, QStringLiteral("0"),
+                   QString::number(mutations())});
     ASSERT_TRUE(process.waitForFinished(-1));
     const QByteArray output = process.readAllStandardOutput();
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
@@ -42,6 +43,6 @@ TEST_P(HostileInputTest, NoMutantCrashesHangsOrTakesMemoryOutOfProportion)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, HostileInputTest,
-                         ::testing::Values(".wav", ".aiff", ".mp3", ".flac", ".aac", ".m4a", ".ogg", ".opus", ".wv",
-                                           ".dsf", ".dff"),
+                         ::testing::Values(".wav", ".aiff", ".mp3", ".flac", ".aac", ".m4a", ".ogg", ".opus",
+                                           ".wv", ".dsf", ".dff"),
                          [](const auto& instance) { return std::string(instance.param + 1); });

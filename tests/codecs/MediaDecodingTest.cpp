@@ -82,7 +82,8 @@ TEST_F(MediaDecodingTest, AnUnopenableSourceOrAZeroInItsFormatIsRefused)
 
 TEST_F(MediaDecodingTest, TheTotalIsTheDurationTimesTheRateCut)
 {
-    const std::pair<quint64, quint64> cases[] = {{10000000, 44100}, {9999999, 44099}, {0, 0}, {1, 0}, {227, 1}};
+    const std::pair<quint64, quint64> cases[] = {
+        {10000000, 44100}, {9999999, 44099}, {0, 0}, {1, 0}, {227, 1}};
     for (const auto& [ticks, frames] : cases) {
         script.duration = ticks;
         ASSERT_TRUE(media->open("x"));

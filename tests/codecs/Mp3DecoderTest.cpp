@@ -9,15 +9,17 @@ protected:
     void encode(const QString& name, quint64 frames, quint16 channels, const QStringList& options)
     {
         writeAll(file("s.wav"), waveFile({44100, channels, 16}, decoderfiles::audio(frames, channels)));
-        const ToolResult made = runTool(QStringLiteral("lame"), QStringList{QStringLiteral("--quiet")} + options
-                                            + QStringList{file("s.wav"), name});
+        const ToolResult made =
+            runTool(QStringLiteral("lame"),
+                    QStringList{QStringLiteral("--quiet")} + options + QStringList{file("s.wav"), name});
         ASSERT_TRUE(made.ok()) << made.errors.toStdString();
     }
 
     QList<qint32> judge(const QString& name) const
     {
-        const ToolResult made = runTool(QStringLiteral("lame"), {QStringLiteral("--quiet"), QStringLiteral("--decode"),
-                                                                 QStringLiteral("-t"), name, file("judge.raw")});
+        const ToolResult made =
+            runTool(QStringLiteral("lame"), {QStringLiteral("--quiet"), QStringLiteral("--decode"),
+                                             QStringLiteral("-t"), name, file("judge.raw")});
         EXPECT_TRUE(made.ok()) << made.errors.toStdString();
         return fromRaw16(readAll(file("judge.raw")));
     }
@@ -69,9 +71,11 @@ TEST_F(Mp3DecoderTest, PaddingIsFoundBehindATagWithAPicture)
 TEST_F(Mp3DecoderTest, OtherRatesAndLayersOfTheFamily)
 {
     for (const char* rate : {"48", "32", "22.05", "16", "8"}) {
-        encode(file("a.mp3"), 44100, 1, {QStringLiteral("--resample"), QString::fromLatin1(rate), QStringLiteral("-V5")});
+        encode(file("a.mp3"), 44100, 1,
+               {QStringLiteral("--resample"), QString::fromLatin1(rate), QStringLiteral("-V5")});
         const Decoded decoded = decode(file("a.mp3"));
-        EXPECT_EQ(decoded.format.sampleRate, static_cast<quint32>(QString::fromLatin1(rate).toDouble() * 1000));
+        EXPECT_EQ(decoded.format.sampleRate,
+                  static_cast<quint32>(QString::fromLatin1(rate).toDouble() * 1000));
         EXPECT_LE(largestDifference(decoded.samples, decodeWithFfmpeg(file("a.mp3")), 24), 1.0) << rate;
     }
 }

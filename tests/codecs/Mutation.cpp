@@ -11,11 +11,7 @@ namespace {
 
 class Mutator {
 public:
-    Mutator(const QByteArray& valid, quint64 number)
-        : bytes(valid)
-        , engine(number)
-    {
-    }
+    Mutator(const QByteArray& valid, quint64 number) : bytes(valid), engine(number) {}
 
     void breakOnce()
     {
@@ -60,8 +56,10 @@ private:
 
     void setField()
     {
-        constexpr quint64 values[] = {0, 1, 2, 0xFF, 0xFFFF, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF,
-                                      quint64{1} << 63, ~quint64{0}, 0x10000, 0x00FFFFFF};
+        constexpr quint64 values[] = {0,           1,          2,
+                                      0xFF,        0xFFFF,     0x7FFFFFFF,
+                                      0x80000000,  0xFFFFFFFF, quint64{1} << 63,
+                                      ~quint64{0}, 0x10000,    0x00FFFFFF};
         const quint64 value = values[draw(std::size(values))];
         const auto width = qsizetype{1} << draw(4);
         char field[8];

@@ -37,9 +37,9 @@ TEST_P(OggChannelsTest, AgreesWithAnIndependentDecoderToTheSample)
         EXPECT_EQ(decoded.format, (AudioFormat{44100, channels, 16}));
         EXPECT_EQ(decoded.total, frames);
         EXPECT_EQ(decoded.frames(), frames);
-        const ToolResult judge = runTool(QStringLiteral("oggdec"), {QStringLiteral("-Q"), QStringLiteral("-R"),
-                                                                    QStringLiteral("-o"), file("judge.raw"),
-                                                                    file("a.ogg")});
+        const ToolResult judge =
+            runTool(QStringLiteral("oggdec"), {QStringLiteral("-Q"), QStringLiteral("-R"),
+                                               QStringLiteral("-o"), file("judge.raw"), file("a.ogg")});
         ASSERT_TRUE(judge.ok()) << judge.errors.toStdString();
         const QList<qint32> expected = fromRaw16(readAll(file("judge.raw")));
         // The library decodes the values of more than two coupled channels wrongly;
@@ -103,8 +103,9 @@ TEST_F(OggDecoderTest, LongTagsAreNoConcern)
 {
     const Decoded plain = decodeBytes(encoded(20000));
     writeAll(file("tags"), "TITLE=" + QByteArray(200000, 'x') + "\n");
-    const ToolResult tagged = runTool(QStringLiteral("vorbiscomment"),
-                                      {QStringLiteral("-w"), QStringLiteral("-c"), file("tags"), file("a.ogg")});
+    const ToolResult tagged =
+        runTool(QStringLiteral("vorbiscomment"),
+                {QStringLiteral("-w"), QStringLiteral("-c"), file("tags"), file("a.ogg")});
     ASSERT_TRUE(tagged.ok()) << tagged.errors.toStdString();
     EXPECT_EQ(decode(file("a.ogg")).samples, plain.samples);
 }

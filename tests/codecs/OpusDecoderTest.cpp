@@ -11,9 +11,10 @@ protected:
 
     QList<qint32> judge(const QString& name) const
     {
-        const ToolResult made = runTool(QStringLiteral("opusdec"),
-                                        {QStringLiteral("--quiet"), QStringLiteral("--rate"), QStringLiteral("48000"),
-                                         QStringLiteral("--no-dither"), name, file("judge.raw")});
+        const ToolResult made =
+            runTool(QStringLiteral("opusdec"),
+                    {QStringLiteral("--quiet"), QStringLiteral("--rate"), QStringLiteral("48000"),
+                     QStringLiteral("--no-dither"), name, file("judge.raw")});
         EXPECT_TRUE(made.ok()) << made.errors.toStdString();
         return fromRaw16(readAll(file("judge.raw")));
     }
@@ -49,9 +50,9 @@ TEST_F(OpusDecoderTest, WhatWasRecordedAt44100IsDeliveredAt48000)
 TEST_F(OpusDecoderTest, AChainOfFilesPlaysThrough)
 {
     decoderfiles::encode(file("a.opus"), {48000, 2, 16}, decoderfiles::audio(20000, 2));
-    const ToolResult second = runTool(QStringLiteral("opusenc"), {QStringLiteral("--quiet"), QStringLiteral("--serial"),
-                                                                  QStringLiteral("2"), file("a.opus.source.wav"),
-                                                                  file("b.opus")});
+    const ToolResult second =
+        runTool(QStringLiteral("opusenc"), {QStringLiteral("--quiet"), QStringLiteral("--serial"),
+                                            QStringLiteral("2"), file("a.opus.source.wav"), file("b.opus")});
     ASSERT_TRUE(second.ok());
     writeAll(file("chain.opus"), readAll(file("a.opus")) + readAll(file("b.opus")));
     const Decoded decoded = decode(file("chain.opus"));
@@ -66,7 +67,8 @@ TEST_F(OpusDecoderTest, ALaterLinkWithOtherChannelsIsNotFollowed)
     for (const auto& [first, second] : {std::pair<quint16, quint16>{1, 2}, {2, 1}, {2, 6}, {6, 1}}) {
         decoderfiles::encode(file("a.opus"), {48000, first, 16}, decoderfiles::audio(20000, first));
         decoderfiles::encode(file("b.opus"), {48000, second, 16}, decoderfiles::audio(20000, second));
-        writeAll(file("chain.opus"), readAll(file("a.opus")) + readAll(file("b.opus")).replace(14, 1, "\x07"));
+        writeAll(file("chain.opus"),
+                 readAll(file("a.opus")) + readAll(file("b.opus")).replace(14, 1, "\x07"));
         const Decoded decoded = decode(file("chain.opus"));
         EXPECT_TRUE(decoded.opened);
         EXPECT_EQ(decoded.format.channels, first);

@@ -75,8 +75,8 @@ TEST_F(VorbisHeadersTest, ATableOfNoDimensionsIsNot)
     auto bad = headers();
     constexpr int firstBook = 7 + 1;
     // Mark, no dimensions, one entry, not sorted, not sparse, length 1, and then a table.
-    bad[2] = bad[2].left(firstBook) + QByteArray("\x42\x43\x56\x00\x00\x01\x00\x00\x80", 9)
-        + QByteArray(60, '\0');
+    bad[2] =
+        bad[2].left(firstBook) + QByteArray("\x42\x43\x56\x00\x00\x01\x00\x00\x80", 9) + QByteArray(60, '\0');
     EXPECT_FALSE(vorbisHeadersAreSound(bad));
 }
 

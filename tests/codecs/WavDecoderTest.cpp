@@ -23,7 +23,8 @@ protected:
 
 TEST_F(WavDecoderTest, EveryWidthComesOutLeftJustified)
 {
-    const QByteArray data = littleChunk("data", QByteArray("\x01\x80\xFF\x7F\x00\x00\x34\x12\x00\x80\xFE\xFF", 12));
+    const QByteArray data =
+        littleChunk("data", QByteArray("\x01\x80\xFF\x7F\x00\x00\x34\x12\x00\x80\xFE\xFF", 12));
     const Decoded bits16 = decodeBytes(riff(format(1, 1, 16) + data));
     EXPECT_EQ(bits16.format, (AudioFormat{48000, 1, 16}));
     EXPECT_EQ(bits16.samples, patterns({0x80010000, 0x7FFF0000, 0, 0x12340000, 0x80000000, 0xFFFE0000}));
@@ -37,7 +38,8 @@ TEST_F(WavDecoderTest, EveryWidthComesOutLeftJustified)
 TEST_F(WavDecoderTest, OtherWidthsAreSilenceOfTheRightLength)
 {
     const QByteArray data = littleChunk("data", QByteArray(24, '\x55'));
-    for (const auto& [bits, frames] : {std::pair<quint16, quint64>{8, 12}, {12, 12}, {20, 6}, {40, 2}, {64, 1}}) {
+    for (const auto& [bits, frames] :
+         {std::pair<quint16, quint64>{8, 12}, {12, 12}, {20, 6}, {40, 2}, {64, 1}}) {
         const Decoded decoded = decodeBytes(riff(format(1, 2, bits) + data));
         EXPECT_EQ(decoded.format.bitsPerSample, bits);
         EXPECT_EQ(decoded.total, frames) << bits;
@@ -107,7 +109,8 @@ TEST_F(WavDecoderTest, AnEmptyDataChunkHasNoFrames)
 TEST_F(WavDecoderTest, DataBeyondTheEndOfTheFileAreZeroes)
 {
     const QByteArray header = riff(format(1, 2, 16));
-    const Decoded decoded = decodeBytes(header + "data" + little(quint32{4 * 5000}) + little(quint32{0x00010002}));
+    const Decoded decoded =
+        decodeBytes(header + "data" + little(quint32{4 * 5000}) + little(quint32{0x00010002}));
     EXPECT_EQ(decoded.total, 5000u);
     EXPECT_EQ(decoded.blocks, (QList<quint64>{4096, 904}));
     EXPECT_EQ(decoded.samples.mid(0, 2), patterns({0x00020000, 0x00010000}));
@@ -156,9 +159,9 @@ TEST_P(WavAgainstSoxTest, AgreesBitForBit)
     writeAll(file("source.wav"), waveFile({format.sampleRate, format.channels, 32}, samples));
     const QString bits = QString::number(format.bitsPerSample);
     // The tool's own dither would change the low bits of what it cuts.
-    const ToolResult made
-        = runTool(QStringLiteral("sox"), {QStringLiteral("-D"), file("source.wav"), QStringLiteral("-b"), bits,
-                                          QStringLiteral("-e"), QStringLiteral("signed"), file("made.wav")});
+    const ToolResult made =
+        runTool(QStringLiteral("sox"), {QStringLiteral("-D"), file("source.wav"), QStringLiteral("-b"), bits,
+                                        QStringLiteral("-e"), QStringLiteral("signed"), file("made.wav")});
     ASSERT_TRUE(made.ok()) << made.errors.toStdString();
     const Decoded decoded = decode(file("made.wav"));
     EXPECT_EQ(decoded.format, format);

@@ -18,8 +18,8 @@ TEST_P(WavPackWidthTest, SamplesAreLeftJustifiedAndAgreeWithIndependentDecoders)
     EXPECT_EQ(decoded.total, 7000u);
     EXPECT_EQ(decoded.blocks, (QList<quint64>{4096, 2904}));
     EXPECT_EQ(decoded.samples, keepBits(samples, format.bitsPerSample));
-    ASSERT_TRUE(runTool(QStringLiteral("wvunpack"), {QStringLiteral("-qy"), file("a.wv"), QStringLiteral("-o"),
-                                                     file("judge.wav")})
+    ASSERT_TRUE(runTool(QStringLiteral("wvunpack"),
+                        {QStringLiteral("-qy"), file("a.wv"), QStringLiteral("-o"), file("judge.wav")})
                     .ok());
     EXPECT_EQ(decoded.samples, decodeWithFfmpeg(file("judge.wav")));
 }
@@ -34,9 +34,9 @@ class WavPackDecoderTest : public EncoderTest {
 protected:
     QByteArray unpackedBytes(const QString& name) const
     {
-        const ToolResult unpacked = runTool(QStringLiteral("wvunpack"), {QStringLiteral("-q"), QStringLiteral("-r"),
-                                                                         name, QStringLiteral("-o"),
-                                                                         QStringLiteral("-")});
+        const ToolResult unpacked =
+            runTool(QStringLiteral("wvunpack"), {QStringLiteral("-q"), QStringLiteral("-r"), name,
+                                                 QStringLiteral("-o"), QStringLiteral("-")});
         EXPECT_TRUE(unpacked.ok()) << unpacked.errors.toStdString();
         return unpacked.output;
     }
@@ -64,10 +64,11 @@ TEST_F(WavPackDecoderTest, FloatsComeOutAsTheirWords)
         data += little(words.last());
     }
     const QByteArray format = little(quint16{3}) + little(quint16{1}) + little(quint32{44100})
-        + little(quint32{176400}) + little(quint16{4}) + little(quint16{32});
-    writeAll(file("f.wav"), littleChunk("RIFF", "WAVE" + littleChunk("fmt ", format) + littleChunk("data", data)));
-    ASSERT_TRUE(runTool(QStringLiteral("wavpack"), {QStringLiteral("-qy"), file("f.wav"), QStringLiteral("-o"),
-                                                    file("f.wv")})
+                              + little(quint32{176400}) + little(quint16{4}) + little(quint16{32});
+    writeAll(file("f.wav"),
+             littleChunk("RIFF", "WAVE" + littleChunk("fmt ", format) + littleChunk("data", data)));
+    ASSERT_TRUE(runTool(QStringLiteral("wavpack"),
+                        {QStringLiteral("-qy"), file("f.wav"), QStringLiteral("-o"), file("f.wv")})
                     .ok());
     const Decoded decoded = decode(file("f.wv"));
     EXPECT_EQ(decoded.format, (AudioFormat{44100, 1, 32}));
