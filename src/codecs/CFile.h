@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+/// A C stream with one owner. Libraries that read from it are told not to close it.
+struct CFileCloser {
+    void operator()(std::FILE* handle) const { std::fclose(handle); }
+};
+using CFile = std::unique_ptr<std::FILE, CFileCloser>;
+
+/// Null when the file can't be opened for reading.
+inline CFile openForReading(const std::filesystem::path& path)
+{
+    return CFile(std::fopen(path.c_str(), "rb"));
+}

@@ -1,0 +1,110 @@
+// Decodes mutants of a valid file, one after another, and says which one it is at.
+//
+//   tarvel_decode_mutants VALID SCRATCH FIRST COUNT
+//
+// Every mutant is written to SCRATCH, whose ending picks the decoder. The process
+// ends with 0 when all of them were refused or played to an end. One that takes
+// more than 20 seconds of work ends it with 3; a fault ends it as faults do.
+
+#include "codecs/IAudioDecoder.h"
+#include "codecs/Mutation.h"
+
+#include <QFile>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr time_t secondsForOne = 20;
+constexpr int timeLimitCode = 3;
+// A header may state terabytes of silence, and gets them; this much of it is enough.
+constexpr quint64 mostSamples = 4 * 1024 * 1024;
+constexpr int mostBlocks = 3000;
+
+void onTimeLimit(int)
+{
+    _exit(timeLimitCode);
+}
+
+/// Counts work, and not the time that other programs take.
+void setTimeLimit(time_t seconds)
+{
+    const itimerval timer{{0, 0}, {seconds, 0}};
+    setitimer(ITIMER_PROF, &timer, nullptr);
+}
+
+void limitMemory()
+{
+#ifndef __SANITIZE_ADDRESS__
+    // With the sanitizer, whose shadow takes terabytes of addresses, the limits
+    // are among its own options.
+    const rlimit limit{rlim_t{2} << 30, rlim_t{2} << 30};
+    setrlimit(RLIMIT_AS, &limit);
+#endif
+}
+
+QByteArray readFile(const char* name)
+{
+    QFile file(QString::fromLocal8Bit(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool writeFile(const char* name, const QByteArray& bytes)
+{
+    QFile file(QString::fromLocal8Bit(name));
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+/// Whether the decoder kept its promises about blocks.
+bool play(const char* name)
+{
+    const auto decoder = makeDecoder(name);
+    if (!decoder->open(name))
+        return !decoder->read();
+    const AudioFormat format = decoder->format();
+    decoder->totalFrames();
+    quint64 samples = 0;
+    for (int blocks = 0; blocks < mostBlocks && samples < mostSamples; ++blocks) {
+        const auto block = decoder->read();
+        if (!block)
+            break;
+        if (static_cast<quint64>(block->samples.size()) != block->frames * format.channels)
+            return false;
+        samples += static_cast<quint64>(block->samples.size());
+    }
+    decoder->close();
+    return !decoder->read();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 5)
+        return EXIT_FAILURE;
+    limitMemory();
+    std::signal(SIGPROF, onTimeLimit);
+    const QByteArray valid = readFile(argv[1]);
+    const quint64 first = std::strtoull(argv[3], nullptr, 10);
+    const quint64 count = std::strtoull(argv[4], nullptr, 10);
+    for (quint64 number = first; number < first + count; ++number) {
+        std::printf("mutant %llu\n", static_cast<unsigned long long>(number));
+        std::fflush(stdout);
+        QByteArray mutant = mutate(valid, number);
+        if (valid.startsWith("OggS") && number % 4 != 1)
+            sealOggPages(mutant);
+        if (!writeFile(argv[2], mutant))
+            return EXIT_FAILURE;
+        setTimeLimit(secondsForOne);
+        if (!play(argv[2]))
+            return EXIT_FAILURE;
+        setTimeLimit(0);
+    }
+    std::puts("all played");
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,97 @@
+#include "codecs/AacDecoder.h"
+#include "codecs/AiffDecoder.h"
+#include "codecs/DffDecoder.h"
+#include "codecs/DsfDecoder.h"
+#include "codecs/FlacDecoder.h"
+#include "codecs/Mp3Decoder.h"
+#include "codecs/OggDecoder.h"
+#include "codecs/OpusDecoder.h"
+#include "codecs/WavDecoder.h"
+#include "codecs/WavPackDecoder.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+
+template<typename Decoder>
+static bool makes(const std::filesystem::path& path)
+{
+    return dynamic_cast<Decoder*>(makeDecoder(path).get()) != nullptr;
+}
+
+TEST(DecoderTable, EachEndingMakesItsClass)
+{
+    EXPECT_TRUE(makes<WavDecoder>("a.wav"));
+    EXPECT_TRUE(makes<Mp3Decoder>("a.mp3"));
+    EXPECT_TRUE(makes<FlacDecoder>("a.flac"));
+    EXPECT_TRUE(makes<OggDecoder>("a.ogg"));
+    EXPECT_TRUE(makes<OpusDecoder_>("a.opus"));
+    EXPECT_TRUE(makes<WavPackDecoder>("a.wv"));
+    EXPECT_TRUE(makes<DsfDecoder>("a.dsf"));
+    EXPECT_TRUE(makes<DffDecoder>("a.dff"));
+}
+
+TEST(DecoderTable, BothEndingsOfAiffAndOfAacMakeOneClass)
+{
+    EXPECT_TRUE(makes<AiffDecoder>("a.aiff"));
+    EXPECT_TRUE(makes<AiffDecoder>("a.aif"));
+    EXPECT_TRUE(makes<AacDecoder>("a.aac"));
+    EXPECT_TRUE(makes<AacDecoder>("a.m4a"));
+}
+
+TEST(DecoderTable, CapitalsMakeTheSameClass)
+{
+    EXPECT_TRUE(makes<WavDecoder>("SONG.WAV"));
+    EXPECT_TRUE(makes<OpusDecoder_>("Song.OpUs"));
+}
+
+TEST(DecoderTable, LoweringIsNotLimitedToAscii)
+{
+    const std::string before = std::setlocale(LC_CTYPE, nullptr);
+    ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+    // The capital I with a dot above has the plain small i.
+    EXPECT_TRUE(makes<AiffDecoder>("a.A\u0130FF"));
+    EXPECT_TRUE(makes<AiffDecoder>("\u97F3\u697D.A\u0130F"));
+    std::setlocale(LC_CTYPE, before.c_str());
+}
+
+TEST(DecoderTable, NoDotALoneDotAndAnUnknownEndingMakeNothing)
+{
+    for (const char* path : {"", "song", "song.", ".", "a.mp4", "a.wav ", "a.wave", "wav", "a.wav.txt"})
+        EXPECT_EQ(makeDecoder(path), nullptr) << path;
+}
+
+TEST(DecoderTable, OnlyTheLastDotCounts)
+{
+    EXPECT_TRUE(makes<WavDecoder>("a.flac.wav"));
+    EXPECT_TRUE(makes<WavDecoder>(".wav"));
+}
+
+TEST(DecoderTable, ADotInTheFolderOfANamelessKindMatchesNothing)
+{
+    EXPECT_EQ(makeDecoder("music.wav/song"), nullptr);
+    EXPECT_EQ(makeDecoder("music.flac/song"), nullptr);
+}
+
+TEST(DecoderTable, ANameThatIsNoTextStillHasItsEnding)
+{
+    EXPECT_TRUE(makes<WavDecoder>("\xE9t\xE9.wav"));
+    EXPECT_EQ(makeDecoder("song.\xE9\xFF"), nullptr);
+}
+
+TEST(DecoderTable, AnUnopenedDecoderReportsCompactDisc)
+{
+    for (const QString& extension : decoderExtensions()) {
+        const auto decoder = makeDecoder("a" + extension.toStdString());
+        ASSERT_NE(decoder, nullptr);
+        EXPECT_EQ(decoder->format(), (AudioFormat{44100, 2, 16})) << extension.toStdString();
+        EXPECT_FALSE(decoder->read()) << extension.toStdString();
+    }
+}
+
+TEST(DecoderTable, TwelveEndingsAreKnown)
+{
+    EXPECT_EQ(decoderExtensions().size(), 12);
+    EXPECT_EQ(decoderExtensions().first(), QStringLiteral(".wav"));
+    EXPECT_EQ(decoderExtensions().last(), QStringLiteral(".dff"));
+}
