@@ -4,6 +4,7 @@
 #include "base/ByteOrder.h"
 #include "disc/CdDrive.h"
 #include "rip/RipWorker.h"
+#include "support/OfflineServices.h"
 
 #include <QFile>
 #include <QHash>
@@ -141,6 +142,7 @@ DiscRipOutcome ripSimulatedDisc(SimulatedDrive& simulated, const DiscRipOptions&
     }
     const DiscToc disc = drive.readToc();
     drive.setReadOffset(simulated.readOffset);
+    const OfflineServices offline;
     RipWorker worker;
     worker.configure(&drive, disc, options.folder, QStringLiteral("Artist"), QStringLiteral("Album"),
                      QStringLiteral("1998"), QPixmap(), QString(), 1, 1, 300, OutputWav, QString(),

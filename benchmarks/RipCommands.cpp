@@ -3,6 +3,7 @@
 #include "ChildRun.h"
 #include "disc/CdDrive.h"
 #include "rip/RipWorker.h"
+#include "support/OfflineServices.h"
 #include "ui/WindowDriver.h"
 
 #include <QApplication>
@@ -97,6 +98,7 @@ int ripThroughWindow(int argc, char** argv, const QString& cue, const QString& f
     const QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("TarvelBenchmarks"));
     QApplication::setApplicationName(QStringLiteral("TarvelBenchmarks"));
+    const OfflineServices offline;
     WindowDriver driver;
     driver.pickCue(cue);
     while (driver.step() < ripStep) {

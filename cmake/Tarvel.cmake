@@ -50,7 +50,7 @@ set(TARVEL_SIMULATED_DRIVE
 #
 # One test executable for one folder of tests/; its cases are single CTest tests.
 function(tarvel_test name)
-    cmake_parse_arguments(ARG "WIDGETS" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+    cmake_parse_arguments(ARG "WIDGETS;OFFLINE" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
     set(target tarvel_test_${name})
     add_executable(${target} ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/TestMain.cpp)
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
@@ -59,6 +59,11 @@ function(tarvel_test name)
     if(ARG_WIDGETS)
         target_compile_definitions(${target} PRIVATE TARVEL_TEST_WIDGETS)
         target_link_libraries(${target} PRIVATE Qt6::Widgets)
+    endif()
+    # What looks something up finds no network, unless a test brings its own.
+    if(ARG_OFFLINE)
+        target_compile_definitions(${target} PRIVATE TARVEL_TEST_OFFLINE)
+        target_link_libraries(${target} PRIVATE tarvel_metadata)
     endif()
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 300)

@@ -1,4 +1,5 @@
 #include "base/Language.h"
+#include "metadata/HttpTransport.h"
 #include "ui/Fonts.h"
 #include "ui/MainWindow.h"
 #include "ui/ProgramInfo.h"
@@ -23,5 +24,8 @@ int main(int argc, char** argv)
 
     MainWindow window;
     window.show();
-    return QApplication::exec();
+    const int exitCode = QApplication::exec();
+    // A lookup under way must not hold the end of the process.
+    httpTransport().stop();
+    return exitCode;
 }

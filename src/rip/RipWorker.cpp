@@ -122,10 +122,12 @@ void RipWorker::runDisc()
     drive->borrow();
     runGuard().begin();
     QDir().mkpath(outputFolder);
-    if (disc.isImage)
+    if (disc.isImage) {
         runCueMode();
-    else
+    } else {
+        fetchMetadata();
         runCdMode();
+    }
     spareSamples = {};
     runGuard().end();
     drive->giveBack();

@@ -75,6 +75,10 @@ private:
     void runDisc();
     void runCueMode();
     void runFileMode();
+    /// Looks a disc up and fills what the user left empty; misses are no error.
+    void fetchMetadata();
+    void fillFromMusicBrainz();
+    void fillFromGnuDb();
     /// The worker's own cover as "cover.jpg" in the output folder.
     void saveCover() const;
     QPixmap imageCover();

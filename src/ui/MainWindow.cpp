@@ -227,6 +227,8 @@ void MainWindow::enterMetadata()
         fillForAudioFile();
     else if (!letter.isEmpty() && cuePathEdit->text().isEmpty())
         enterDrive(letter);
+    else if (!cuePathEdit->text().isEmpty() && !disc.tracks.isEmpty())
+        startLookup(LookupChain::sheet);
 }
 
 void MainWindow::enterDrive(const QString& letter)
@@ -239,6 +241,7 @@ void MainWindow::enterDrive(const QString& letter)
         return;
     disc = read;
     fillTrackTable();
+    startLookup(LookupChain::disc);
 }
 
 bool MainWindow::sourceIsAudioFile() const

@@ -25,7 +25,9 @@ class QThread;
 class RipRelay;
 class RipWorker;
 class SectorMap;
+struct MetaResult;
 struct RipResult;
+struct VerifyResult;
 
 /// The one window: a wizard of five steps, Source, Output, Metadata, RIP and
 /// Verify. What the user has chosen stands in its widgets, and `goToStep` is
@@ -89,6 +91,10 @@ private:
     void fillTrackTable();
     void fillForAudioFile();
     void mergeTitles();
+    enum class LookupChain { disc, sheet };
+    void startLookup(LookupChain chain);
+    void applyLookup(LookupChain chain, const MetaResult& found);
+    void fillAlbum(const QString& album, const QString& artist, const QString& year);
 
     // RIP: RipPage.cpp
     QWidget* buildRipPage();
@@ -108,6 +114,10 @@ private:
     QWidget* buildVerifyPage();
     void rebuildVerifyTable();
     void startVerify();
+    struct Verification;
+    void finishVerify(const Verification& started, const VerifyResult& result);
+    void showVerdict(const Verification& started, const VerifyResult& result);
+    void showNoVerdict(const Verification& started, const VerifyResult& result);
 
     QWidget* stepBar = nullptr;
     std::array<QLabel*, stepCount> stepLabels{};

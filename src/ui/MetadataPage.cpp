@@ -2,16 +2,22 @@
 
 #include "base/Language.h"
 #include "ui/AlbumFolder.h"
+#include "ui/LookupChains.h"
 #include "ui/PageParts.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFutureWatcher>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTableWidget>
+#include <QThreadPool>
 #include <QVBoxLayout>
+#include <QtConcurrentRun>
+
+#include <algorithm>
 
 namespace {
 
@@ -38,6 +44,22 @@ QSpinBox* discSpin()
     spin->setValue(1);
     spin->setFixedWidth(60);
     return spin;
+}
+
+/// What a list of found tracks or titles says at a place.
+const QString& titleOf(const QString& title) { return title; }
+template <typename Track>
+const QString& titleOf(const Track& track) { return track.title; }
+
+template <typename Tracks>
+void fillTitles(QTableWidget* table, const Tracks& found, bool emptyToo)
+{
+    const int rows = static_cast<int>(std::min<qsizetype>(found.size(), table->rowCount()));
+    for (int row = 0; row < rows; ++row) {
+        const QString& title = titleOf(found[row]);
+        if (emptyToo || !title.isEmpty())
+            table->item(row, 1)->setText(title);
+    }
 }
 
 } // namespace
@@ -147,4 +169,60 @@ void MainWindow::mergeTitles()
         if (!title.isEmpty() && !looksGenerated(title))
             disc.tracks[row].title = title;
     }
+}
+
+void MainWindow::startLookup(LookupChain chain)
+{
+    nextBtn->setEnabled(false);
+    albumEdit->setPlaceholderText(pickLang("検索中...", "Searching..."));
+    auto* watcher = new QFutureWatcher<MetaResult>(this);
+    connect(watcher, &QFutureWatcher<MetaResult>::finished, this, [this, chain, watcher] {
+        watcher->deleteLater();
+        applyLookup(chain, watcher->result());
+    });
+    const auto lookUp = chain == LookupChain::disc ? lookUpDisc : lookUpSheet;
+    watcher->setFuture(QtConcurrent::run(QThreadPool::globalInstance(), lookUp, disc));
+}
+
+void MainWindow::applyLookup(LookupChain chain, const MetaResult& found)
+{
+    const MusicBrainzResult& release = found.musicBrainz;
+    if (!release.title.isEmpty()) {
+        fillAlbum(release.title, release.artist, release.year);
+        if (chain == LookupChain::disc && release.discCount >= 2) {
+            discTotalSpin->setValue(release.discCount);
+            // The disc of a set is told by its track count alone.
+            const auto medium = std::find_if(release.media.cbegin(), release.media.cend(), [this](const auto& m) {
+                return m.tracks.size() == disc.tracks.size();
+            });
+            if (medium != release.media.cend())
+                discNumberSpin->setValue(medium->position);
+        }
+        fillTitles(trackTable, release.tracks, false);
+    } else if (!found.gnuDb.album.isEmpty()) {
+        fillAlbum(found.gnuDb.album, found.gnuDb.artist, found.gnuDb.year);
+        fillTitles(trackTable, found.gnuDb.tracks, true);
+    } else if (!found.iTunes.album.isEmpty()) {
+        fillAlbum(found.iTunes.album, found.iTunes.artist, found.iTunes.year);
+        fillTitles(trackTable, found.iTunes.tracks, true);
+    } else {
+        albumEdit->setPlaceholderText(pickLang("見つかりませんでした。手動で入力してください",
+                                               "Not found. Please enter it manually"));
+        artistEdit->setPlaceholderText(pickLang("アーティスト名を入力", "Enter artist name"));
+        yearEdit->setPlaceholderText(pickLang("年", "Year"));
+    }
+    coverPixmap = found.cover;
+    if (coverPixmap.isNull())
+        artLabel->setText(QStringLiteral("♪"));
+    else
+        pageparts::showCover(artLabel, coverPixmap);
+    nextBtn->setEnabled(true);
+}
+
+void MainWindow::fillAlbum(const QString& album, const QString& artist, const QString& year)
+{
+    albumEdit->setPlaceholderText(QString());
+    albumEdit->setText(album);
+    artistEdit->setText(artist);
+    yearEdit->setText(year);
 }

@@ -10,6 +10,7 @@
 #include "ui/RipLog.h"
 #include "ui/RipRelay.h"
 #include "ui/SectorMap.h"
+#include "verify/AccurateRipDatabase.h"
 
 #include <QComboBox>
 #include <QDateTime>
@@ -170,6 +171,8 @@ void MainWindow::onRipClicked()
 
     ripBtn->setEnabled(false);
     logViewer->clear();
+    ripCrcs.clear();
+    ripFrameWindows.clear();
     writeHeader();
 
     counterDrawing->cancel();
@@ -306,6 +309,11 @@ void MainWindow::handleTrackStarted(int number, int total, const QString& title)
 void MainWindow::handleTrackDone(const RipResult& result)
 {
     logViewer->append(riplog::trackDone(result));
+    if (!result.ok)
+        return;
+    ripCrcs[result.trackNumber] = {result.crcV1, result.crcV2};
+    if (!result.frameWindow.isEmpty())
+        ripFrameWindows[result.trackNumber] = result.frameWindow;
 }
 
 void MainWindow::onRipFinished()

@@ -3,6 +3,7 @@
 #include "base/Language.h"
 #include "base/Settings.h"
 #include "disc/CdDrive.h"
+#include "metadata/CoverArt.h"
 #include "ui/PageParts.h"
 
 #include <QComboBox>
@@ -119,6 +120,9 @@ void MainWindow::pickCue()
         pageparts::addTrackRow(trackTable, pageparts::twoDigits(track.number), track.title,
                                pageparts::playingTime(track.seconds));
     disc = read;
+    coverPixmap = CoverArt().fetch(read.albumArtist, read.albumTitle);
+    if (!coverPixmap.isNull())
+        pageparts::showCover(artLabel, coverPixmap);
 }
 
 void MainWindow::pickAudio()

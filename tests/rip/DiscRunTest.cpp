@@ -45,7 +45,7 @@ TEST_F(DiscRun, TracksEqualTheDiscAndAreNamedByNumber)
     EXPECT_TRUE(rippedTrack(1) == disc.truth(0, 100));
     EXPECT_TRUE(rippedTrack(2) == disc.truth(100, 150));
     EXPECT_TRUE(rippedTrack(3) == disc.truth(250, 50));
-    EXPECT_EQ(run.started, (QStringList{QStringLiteral("1/3 Track 1"), QStringLiteral("2/3 Track 2"),
+    EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/3 Fetching metadata..."), QStringLiteral("1/3 Track 1"), QStringLiteral("2/3 Track 2"),
                                         QStringLiteral("3/3 Track 3")}));
     EXPECT_EQ(run.logLines,
               QStringList{QStringLiteral("Read mode   : secure - C2 error pointers (max 20 re-reads / sector)")});
@@ -92,7 +92,7 @@ TEST_F(DiscRun, ADataTrackBehindTheAudioIsSkippedWithOneLine)
 {
     load(20000, {{0}, {100}, {15000, true}});
     rip();
-    EXPECT_EQ(run.started, (QStringList{QStringLiteral("1/2 Track 1"), QStringLiteral("2/2 Track 2")}));
+    EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/3 Fetching metadata..."), QStringLiteral("1/2 Track 1"), QStringLiteral("2/2 Track 2")}));
     EXPECT_EQ(run.logLines.value(1), QStringLiteral("  Track 03: data track (not audio) - skipped"));
     EXPECT_EQ(run.results.size(), 2);
     // The gap between two sessions, 11400 sectors, belongs to no track.
@@ -118,7 +118,7 @@ TEST_F(DiscRun, ADataTrackInFrontMovesTheNumbersBeyondTheAudioCount)
 {
     load(400, {{0, true}, {100}, {250}});
     rip();
-    EXPECT_EQ(run.started, (QStringList{QStringLiteral("2/2 Track 2"), QStringLiteral("3/2 Track 3")}));
+    EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/3 Fetching metadata..."), QStringLiteral("2/2 Track 2"), QStringLiteral("3/2 Track 3")}));
     EXPECT_EQ(run.logLines.value(1), QStringLiteral("  Track 01: data track (not audio) - skipped"));
     EXPECT_TRUE(rippedTrack(2) == disc.truth(100, 150));
     EXPECT_TRUE(disc.commands.contains({Command::RawWithC2, 250, 27})) << "the probe, 150 behind the first audio";
@@ -263,7 +263,7 @@ TEST_F(DiscRun, TheWorkersCoverIsSavedWithoutAMessage)
     run.worker.configure(&run.drive, run.drive.readToc(), folder.path(), QString(), QString(), QString(), cover,
                          QString(), 1, 1, 300, OutputFlac, QString(), 20);
     run.worker.run();
-    EXPECT_EQ(run.started, QStringList{QStringLiteral("1/1 Track 1")});
+    EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/1 Fetching metadata..."), QStringLiteral("1/1 Track 1")}));
     EXPECT_EQ(QPixmap(folder.filePath(QStringLiteral("cover.jpg"))).size(), QSize(20, 20));
 }
 

@@ -7,6 +7,9 @@ using TestApplication = QApplication;
 #include <QGuiApplication>
 using TestApplication = QGuiApplication;
 #endif
+#ifdef TARVEL_TEST_OFFLINE
+#include "support/OfflineServices.h"
+#endif
 #include <QDir>
 #include <QTemporaryDir>
 
@@ -24,6 +27,9 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
+#ifdef TARVEL_TEST_OFFLINE
+    const OfflineServices offline;
+#endif
     ::testing::InitGoogleTest(&argc, argv);
     TestApplication application(argc, argv);
     TestApplication::setOrganizationName(QStringLiteral("TarvelTests"));

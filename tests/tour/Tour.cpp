@@ -3,6 +3,7 @@
 
 #include "base/Language.h"
 #include "ui/Fonts.h"
+#include "support/OfflineServices.h"
 #include "ui/MainWindow.h"
 #include "ui/ProgramInfo.h"
 #include "ui/Resources.h"
@@ -356,6 +357,8 @@ int main(int argc, char** argv)
     installFontSubstitutes();
     QApplication::setFont(QFont(QStringLiteral("Segoe UI"), 9));
 
+    // The demo disc is in no database, and a tour needs no network.
+    const OfflineServices offline;
     MainWindow window;
     window.move(60, 40);
     window.show();

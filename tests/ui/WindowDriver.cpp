@@ -16,6 +16,7 @@
 
 namespace {
 
+constexpr int metadataStep = 2;
 constexpr int dialogPollMilliseconds = 5;
 constexpr int ripPatienceMilliseconds = 60000;
 
@@ -67,8 +68,13 @@ void WindowDriver::click(QPushButton* button)
 
 void WindowDriver::advanceTo(int wanted)
 {
-    while (step() < wanted && next()->isEnabled())
+    constexpr int lookupPatienceMilliseconds = 60000;
+    while (step() < wanted) {
+        const auto ready = [this] { return next()->isEnabled(); };
+        if (!(step() == metadataStep ? QTest::qWaitFor(ready, lookupPatienceMilliseconds) : ready()))
+            return;
         click(next());
+    }
 }
 
 void WindowDriver::pickFile(QPushButton* opener, const QString& path)

@@ -64,7 +64,7 @@ public:
     QTableWidget* verdicts() { return onPage<QTableWidget>(4, "trackTable"); }
 
     static void click(QPushButton* button);
-    /// Clicks Next until the step is reached.
+    /// Clicks Next until the step is reached, waiting for a lookup to end.
     void advanceTo(int step);
 
     /// Clicks a button that opens a file dialog, types the path and accepts; an

@@ -1,0 +1,76 @@
+// The step of a disc run that fills in what the user left empty.
+
+#include "metadata/CoverArt.h"
+#include "metadata/GnuDb.h"
+#include "metadata/Http.h"
+#include "metadata/MusicBrainz.h"
+#include "metadata/ServiceHosts.h"
+#include "rip/RipWorker.h"
+
+#include <QDebug>
+
+#include <algorithm>
+
+namespace {
+
+void fillIfEmpty(QString& field, const QString& value)
+{
+    if (field.isEmpty())
+        field = value;
+}
+
+template <typename Track>
+void fillTitles(QList<TrackInfo>& tracks, const QList<Track>& found)
+{
+    const qsizetype count = std::min(tracks.size(), found.size());
+    for (qsizetype i = 0; i < count; ++i)
+        fillIfEmpty(tracks[i].title, found[i].title);
+}
+
+} // namespace
+
+void RipWorker::fetchMetadata()
+{
+    Q_EMIT trackStarted(0, static_cast<int>(disc.tracks.size()), QStringLiteral("Fetching metadata..."));
+    fillFromMusicBrainz();
+    if (album.isEmpty() && !stopping)
+        fillFromGnuDb();
+    if (cover.isNull() && !album.isEmpty() && !stopping) {
+        qDebug() << "[RipWorker] Fetching cover art via CoverArt";
+        CoverArt covers;
+        covers.discogsToken = discogsToken;
+        cover = covers.fetch(artist, album);
+    }
+    Q_EMIT metadataReady(artist, album, year, cover, disc.tracks);
+}
+
+void RipWorker::fillFromMusicBrainz()
+{
+    const MusicBrainzResult found = musicBrainzLookup(disc);
+    if (found.title.isEmpty())
+        return;
+    qDebug().noquote() << "[RipWorker] MusicBrainz OK:" << found.title;
+    fillIfEmpty(artist, found.artist);
+    fillIfEmpty(album, found.title);
+    fillIfEmpty(year, found.year);
+    fillTitles(disc.tracks, found.tracks);
+    if (cover.isNull() && !found.mbid.isEmpty()) {
+        const QByteArray body = httpGet(
+            QStringLiteral("%1/release/%2/front-500").arg(QLatin1String(services::coverArtArchive), found.mbid));
+        if (!body.isEmpty())
+            cover.loadFromData(body);
+    }
+}
+
+void RipWorker::fillFromGnuDb()
+{
+    qDebug() << "[RipWorker] MusicBrainz not found, trying GnuDB";
+    const GnuDbResult found = gnudbLookup(disc);
+    if (found.album.isEmpty())
+        return;
+    qDebug().noquote() << "[RipWorker] GnuDB OK:" << found.album;
+    fillIfEmpty(artist, found.artist);
+    fillIfEmpty(album, found.album);
+    fillIfEmpty(year, found.year);
+    fillTitles(disc.tracks, found.tracks);
+}

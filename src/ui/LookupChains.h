@@ -1,0 +1,25 @@
+#pragma once
+
+#include "disc/DiscModel.h"
+#include "metadata/CoverArt.h"
+#include "metadata/GnuDb.h"
+#include "metadata/MusicBrainz.h"
+
+#include <QPixmap>
+
+/// What a chain of lookups found; the records of the services that it did not
+/// get to, or that missed, are at their defaults.
+struct MetaResult {
+    MusicBrainzResult musicBrainz;
+    GnuDbResult gnuDb;    ///< of a physical disc alone
+    ITunesResult iTunes;
+    QPixmap cover;        ///< null when no picture was found
+};
+
+/// MusicBrainz, then GnuDB, then iTunes, each only after a miss of the one
+/// before, with a picture looked for along the way. Blocks on the network; for a
+/// thread of the pool.
+MetaResult lookUpDisc(const DiscToc& disc);
+
+/// MusicBrainz, then iTunes by the sheet's own artist and album.
+MetaResult lookUpSheet(const DiscToc& disc);
