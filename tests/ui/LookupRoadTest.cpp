@@ -11,6 +11,7 @@
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThreadPool>
 
 #include <gtest/gtest.h>
 
@@ -23,6 +24,12 @@ const QByteArray gnudbRead = "/~cddb/cddb.cgi?cmd=cddb+read+";
 class LookupRoad : public ::testing::Test {
 protected:
     void SetUp() override { QSettings().clear(); }
+    // A lookup may outlive its window, but not the services that it asks.
+    void TearDown() override
+    {
+        services.transport().stop();
+        QThreadPool::globalInstance()->waitForDone();
+    }
 
     void loadDisc(WindowDriver& app)
     {
@@ -175,5 +182,4 @@ TEST_F(LookupRoad, NextIsOffWhileALookupRunsAndOnAgainOnThePageBefore)
     EXPECT_EQ(app.album()->placeholderText(), QStringLiteral("Searching..."));
     WindowDriver::click(app.back());
     EXPECT_TRUE(app.next()->isEnabled());
-    services.transport().stop();
 }
