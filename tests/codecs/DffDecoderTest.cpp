@@ -115,7 +115,7 @@ TEST_F(DffDecoderTest, EveryHeaderCutShortIsRefused)
     for (qsizetype length = 0; length < whole.size(); ++length)
         EXPECT_FALSE(decodeBytes(whole.left(length)).opened) << length;
     for (const int place : {0, 12})
-        EXPECT_FALSE(decodeBytes(whole.left(place) + "XXXX" + whole.mid(place + 4)).opened) << place;
+        EXPECT_FALSE(decodeBytes(whole.left(place) + "ZZZZ" + whole.mid(place + 4)).opened) << place;
 }
 
 TEST_F(DffDecoderTest, SizesThatNoFileHasEndTheWalk)
