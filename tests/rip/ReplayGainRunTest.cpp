@@ -45,7 +45,7 @@ protected:
     {
         ImageDescription description;
         description.tracks = {{0, QStringLiteral("Loud")}, {trackSectors, QStringLiteral("Soft")}};
-        return writeImage(folder.path(), description, tone(0.5, trackSectors) + tone(0.05, trackSectors));
+        return writeImage(folder.path(), description, tone(0.5, trackSectors) + tone(0.25, trackSectors));
     }
 
     /// The value of a tag of a FLAC file, by metaflac; empty when it has none.
@@ -57,17 +57,19 @@ protected:
         return QString::fromUtf8(result.output).section(QLatin1Char('='), 1).trimmed();
     }
 
-    /// The gain to -18 LUFS of all these files as one programme, by FFmpeg's meter.
-    static double measuredGain(const QStringList& paths)
+    /// The gain to -18 LUFS of a file, by FFmpeg's meter.
+    static double measuredGain(const QString& path)
     {
-        QStringList arguments{QStringLiteral("-nostats"), QStringLiteral("-hide_banner")};
-        for (const QString& path : paths)
-            arguments << QStringLiteral("-i") << path;
-        arguments << QStringLiteral("-filter_complex")
-                  << QStringLiteral("concat=n=%1:v=0:a=1,ebur128").arg(paths.size()) << QStringLiteral("-f")
-                  << QStringLiteral("null") << QStringLiteral("-");
-        const QString report = QString::fromUtf8(runTool(QStringLiteral("ffmpeg"), arguments).errors);
-        const auto match = QRegularExpression(QStringLiteral("I:\\s+(-?[\\d.]+) LUFS\\s+Threshold")).match(report);
+        const QString report = QString::fromUtf8(
+            runTool(QStringLiteral("ffmpeg"),
+                    {QStringLiteral("-nostats"), QStringLiteral("-hide_banner"), QStringLiteral("-i"), path,
+                     QStringLiteral("-filter_complex"), QStringLiteral("ebur128"), QStringLiteral("-f"),
+                     QStringLiteral("null"), QStringLiteral("-")})
+                .errors);
+        // A filter that is set up anew for the format of the first frame reports
+        // an empty measurement in front.
+        const QString summary = report.mid(report.lastIndexOf(QStringLiteral("Integrated loudness:")));
+        const auto match = QRegularExpression(QStringLiteral("I:\\s+(-?[\\d.]+) LUFS")).match(summary);
         EXPECT_TRUE(match.hasMatch()) << report.toStdString();
         return -18.0 - match.captured(1).toDouble();
     }
@@ -81,12 +83,15 @@ protected:
 
     static void expectAlbumOfTwo(const QString& loud, const QString& soft)
     {
-        EXPECT_NEAR(decibels(tag(loud, "REPLAYGAIN_TRACK_GAIN")), measuredGain({loud}), 0.15);
-        EXPECT_NEAR(decibels(tag(soft, "REPLAYGAIN_TRACK_GAIN")), measuredGain({soft}), 0.15);
-        EXPECT_NEAR(decibels(tag(loud, "REPLAYGAIN_ALBUM_GAIN")), measuredGain({loud, soft}), 0.15);
+        EXPECT_NEAR(decibels(tag(loud, "REPLAYGAIN_TRACK_GAIN")), measuredGain(loud), 0.15);
+        EXPECT_NEAR(decibels(tag(soft, "REPLAYGAIN_TRACK_GAIN")), measuredGain(soft), 0.15);
+        // Half of the programme has a quarter of the power: the mean of both.
+        const double meanOfBoth = -10 * std::log10((1 + 0.25) / 2);
+        EXPECT_NEAR(decibels(tag(loud, "REPLAYGAIN_ALBUM_GAIN")),
+                    decibels(tag(loud, "REPLAYGAIN_TRACK_GAIN")) + meanOfBoth, 0.02);
         EXPECT_EQ(tag(soft, "REPLAYGAIN_ALBUM_GAIN"), tag(loud, "REPLAYGAIN_ALBUM_GAIN"));
         EXPECT_NEAR(tag(loud, "REPLAYGAIN_TRACK_PEAK").toDouble(), 0.5, 0.001);
-        EXPECT_NEAR(tag(soft, "REPLAYGAIN_TRACK_PEAK").toDouble(), 0.05, 0.001);
+        EXPECT_NEAR(tag(soft, "REPLAYGAIN_TRACK_PEAK").toDouble(), 0.25, 0.001);
         EXPECT_EQ(tag(soft, "REPLAYGAIN_ALBUM_PEAK"), tag(loud, "REPLAYGAIN_TRACK_PEAK"));
         EXPECT_TRUE(runTool(QStringLiteral("flac"), {QStringLiteral("-t"), QStringLiteral("-s"), loud}).ok());
     }
@@ -107,7 +112,7 @@ TEST_F(ReplayGainRun, AnImageIsOneAlbum)
 TEST_F(ReplayGainRun, ADiscIsOneAlbum)
 {
     SimulatedDrive disc;
-    disc.audio = tone(0.5, trackSectors) + tone(0.05, trackSectors);
+    disc.audio = tone(0.5, trackSectors) + tone(0.25, trackSectors);
     disc.tracks = {{0}, {trackSectors}};
     const DrivePlatformOverride platform(disc);
     RunRecorder run;
@@ -123,7 +128,7 @@ TEST_F(ReplayGainRun, AnAudioFileGetsNoAlbumValues)
                          OutputFlac, source, 20);
     run.worker.run();
     const QString made = out(QFileInfo(folder.path()).fileName() + QStringLiteral("/01. Song.flac"));
-    EXPECT_NEAR(decibels(tag(made, "REPLAYGAIN_TRACK_GAIN")), measuredGain({made}), 0.15);
+    EXPECT_NEAR(decibels(tag(made, "REPLAYGAIN_TRACK_GAIN")), measuredGain(made), 0.15);
     EXPECT_NEAR(tag(made, "REPLAYGAIN_TRACK_PEAK").toDouble(), 0.25, 0.001);
     EXPECT_EQ(tag(made, "REPLAYGAIN_ALBUM_GAIN"), QString());
     EXPECT_EQ(tag(made, "REPLAYGAIN_ALBUM_PEAK"), QString());
