@@ -96,7 +96,8 @@ TEST_F(AacEncoderTest, AClickStaysInItsPlace)
         QList<qint32> samples(40000, 0);
         samples[place] = 0x60000000;
         aac({44100, 1, 16}, samples);
-        for (const QList<qint32>& decoded : {decodeWithFfmpeg(file("track.m4a")), decode(file("track.m4a")).samples}) {
+        for (const QList<qint32>& decoded :
+             {decodeWithFfmpeg(file("track.m4a")), decode(file("track.m4a")).samples}) {
             const auto highest = std::max_element(decoded.begin(), decoded.end());
             EXPECT_NEAR(static_cast<double>(highest - decoded.begin()), static_cast<double>(place), 1.0);
         }
@@ -118,8 +119,9 @@ TEST_F(AacEncoderTest, ChannelsKeepTheirSideAndTheirHeight)
 
 TEST_F(AacEncoderTest, HighRatesComeDownToTheirFamily)
 {
-    const QList<std::pair<quint32, quint32>> rates{{44100, 44100},  {48000, 48000},  {88200, 44100},  {96000, 48000},
-                                                   {176400, 44100}, {192000, 48000}, {352800, 44100}, {705600, 44100}};
+    const QList<std::pair<quint32, quint32>> rates{{44100, 44100},  {48000, 48000},  {88200, 44100},
+                                                   {96000, 48000},  {176400, 44100}, {192000, 48000},
+                                                   {352800, 44100}, {705600, 44100}};
     for (const auto& [rate, target] : rates) {
         aac({rate, 2, 24}, audiomaker::sine(rate / 2 + 1, 2, 1000, rate, 0.5));
         const M4aFacts facts = inspectM4a(file("track.m4a"));
@@ -132,7 +134,8 @@ TEST_F(AacEncoderTest, HighRatesComeDownToTheirFamily)
 
 TEST_F(AacEncoderTest, RatesThatDoNotComeDownEvenlyAreRefused)
 {
-    for (const quint32 rate : {0u, 1u, 8000u, 11025u, 22050u, 24000u, 32000u, 44099u, 50000u, 64000u, 4294967295u})
+    for (const quint32 rate :
+         {0u, 1u, 8000u, 11025u, 22050u, 24000u, 32000u, 44099u, 50000u, 64000u, 4294967295u})
         EXPECT_FALSE(opens({rate, 2, 16})) << rate;
     EXPECT_FALSE(QFile::exists(file("asked.m4a")));
 }

@@ -62,8 +62,8 @@ protected:
 TEST_P(RipM4a, TagsAndCoverStandInTheFile)
 {
     const QByteArray tags = probed("format_tags", "a");
-    for (const char* line : {"TAG:title=Two", "TAG:artist=Test Artist", "TAG:album=Test Album", "TAG:date=1998",
-                             "TAG:track=2/2", "TAG:disc=1/2", "TAG:major_brand=M4A "})
+    for (const char* line : {"TAG:title=Two", "TAG:artist=Test Artist", "TAG:album=Test Album",
+                             "TAG:date=1998", "TAG:track=2/2", "TAG:disc=1/2", "TAG:major_brand=M4A "})
         EXPECT_TRUE(tags.contains(line)) << line;
     EXPECT_EQ(probed("stream=codec_name,width,height", "v"), "codec_name=mjpeg\nwidth=500\nheight=500");
 }
