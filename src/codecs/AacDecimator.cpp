@@ -38,8 +38,8 @@ std::vector<double> designLowPass(int factor)
         const double d = i - centre;
         const double lowPass = i == centre ? 2.0 * cutoff : std::sin(d * cutoff * twoPi) / (d * pi);
         const double t = 2.0 * i / (taps - 1) - 1.0;
-        const double window = besselI0(beta * std::sqrt(std::max(0.0, 1.0 - t * t)), seriesTerms)
-                              / besselI0(beta, seriesTerms);
+        const double window =
+            besselI0(beta * std::sqrt(std::max(0.0, 1.0 - t * t)), seriesTerms) / besselI0(beta, seriesTerms);
         designed[static_cast<std::size_t>(i)] = lowPass * window;
         sum += lowPass * window;
     }
@@ -56,10 +56,8 @@ qint32 toSample(double value)
 } // namespace
 
 AacDecimator::AacDecimator(int channelCount, int rateFactor)
-    : channels(channelCount)
-    , factor(rateFactor)
-    , coefficients(designLowPass(rateFactor))
-    , rows(static_cast<std::size_t>(rowLength) * static_cast<std::size_t>(rateFactor)
+    : channels(channelCount), factor(rateFactor), coefficients(designLowPass(rateFactor)),
+      rows(static_cast<std::size_t>(rowLength) * static_cast<std::size_t>(rateFactor)
            * static_cast<std::size_t>(channelCount))
 {
 }
@@ -137,6 +135,8 @@ void AacDecimator::sumUp(int periods, qint32* out)
 /// next piece looks for it.
 void AacDecimator::keepPast(int periods)
 {
+    if (periods == 0)
+        return;
     for (int number = 0; number < channels * factor; ++number) {
         double* values = row(0, number);
         std::copy_n(values + periods, pastPeriods + 1, values);

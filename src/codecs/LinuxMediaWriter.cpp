@@ -21,8 +21,9 @@ constexpr int bitsPerByte = 8;
 
 // The arrangements that ALAC defines, by their number of channels.
 constexpr std::array<std::uint64_t, 8> layouts{
-    AV_CH_LAYOUT_MONO,         AV_CH_LAYOUT_STEREO,       AV_CH_LAYOUT_SURROUND,
-    AV_CH_LAYOUT_4POINT0,      AV_CH_LAYOUT_5POINT0_BACK, AV_CH_LAYOUT_5POINT1_BACK,
+    AV_CH_LAYOUT_MONO,         AV_CH_LAYOUT_STEREO,
+    AV_CH_LAYOUT_SURROUND,     AV_CH_LAYOUT_4POINT0,
+    AV_CH_LAYOUT_5POINT0_BACK, AV_CH_LAYOUT_5POINT1_BACK,
     AV_CH_LAYOUT_6POINT1_BACK, AV_CH_LAYOUT_7POINT1_WIDE_BACK,
 };
 

@@ -35,7 +35,8 @@ std::vector<double> lowPass(int factor)
         const double d = i - m;
         const double sinc = i == m ? 2.0 * fc : std::sin(d * fc * 6.283185307179586) / (d * pi);
         const double t = 2.0 * i / (taps - 1) - 1.0;
-        coefficients.push_back(sinc * (seriesI0(10.0 * std::sqrt(std::max(0.0, 1.0 - t * t))) / seriesI0(10.0)));
+        coefficients.push_back(sinc
+                               * (seriesI0(10.0 * std::sqrt(std::max(0.0, 1.0 - t * t))) / seriesI0(10.0)));
         sum += coefficients.back();
     }
     for (double& coefficient : coefficients)
@@ -46,10 +47,8 @@ std::vector<double> lowPass(int factor)
 // The filter written out plainly: a ring a channel, and one sum an output.
 struct PlainDecimator {
     PlainDecimator(int channelCount, int rateFactor)
-        : channels(channelCount)
-        , factor(rateFactor)
-        , coefficients(lowPass(rateFactor))
-        , history(coefficients.size() * static_cast<std::size_t>(channelCount))
+        : channels(channelCount), factor(rateFactor), coefficients(lowPass(rateFactor)),
+          history(coefficients.size() * static_cast<std::size_t>(channelCount))
     {
     }
 
@@ -68,7 +67,8 @@ struct PlainDecimator {
                 double sum = 0.0;
                 for (std::size_t k = 0; k < taps; ++k) {
                     const double product =
-                        coefficients[k] * history[static_cast<std::size_t>(c) * taps + (writeIndex + k) % taps];
+                        coefficients[k]
+                        * history[static_cast<std::size_t>(c) * taps + (writeIndex + k) % taps];
                     sum += product;
                 }
                 sum = std::clamp(sum, -2147483648.0, 2147483647.0);
@@ -96,10 +96,11 @@ QList<qint32> reduced(int channels, int factor, const QList<qint32>& samples)
 double heightAfter(int factor, double hertz, quint32 rate, double height)
 {
     const QList<qint32> out = reduced(1, factor, audiomaker::sine(rate / 4, 1, hertz, rate, height));
-    double highest = 0.0;
-    for (qsizetype i = 200; i < out.size(); ++i)
-        highest = std::max(highest, std::abs(out[i] / 2147483648.0));
-    return highest;
+    constexpr qsizetype filterStart = 200;
+    double power = 0.0;
+    for (qsizetype i = filterStart; i < out.size(); ++i)
+        power += std::pow(out[i] / 2147483648.0, 2.0);
+    return std::sqrt(2.0 * power / static_cast<double>(out.size() - filterStart));
 }
 
 double decibels(double ratio)

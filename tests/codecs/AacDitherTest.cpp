@@ -118,8 +118,9 @@ TEST(AacDither, SixteenBitSamplesPassUnchangedWithoutDither)
 TEST(AacDither, WiderSamplesAreRoundedAndHeldAtFullScale)
 {
     AacDither dither;
-    EXPECT_EQ(dithered(dither, {0x7FFF, 0x8000, -0x8000, -0x8001, highest, lowest, 0x7FFF7FFF, 0x7FFF8000}, false),
-              (QList<qint16>{0, 1, 0, -1, 32767, -32768, 32767, 32767}));
+    EXPECT_EQ(
+        dithered(dither, {0x7FFF, 0x8000, -0x8000, -0x8001, highest, lowest, 0x7FFF7FFF, 0x7FFF8000}, false),
+        (QList<qint16>{0, 1, 0, -1, 32767, -32768, 32767, 32767}));
 }
 
 TEST(AacDither, FullScaleWithNoiseStaysThere)

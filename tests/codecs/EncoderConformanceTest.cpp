@@ -211,6 +211,6 @@ static std::string nameOf(const ::testing::TestParamInfo<EncoderId>& instance)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, EncoderConformanceTest,
-                         ::testing::Values(WavEncoderId, FlacEncoderId, Mp3EncoderId, AiffEncoderId, AacEncoderId,
-                                           AlacEncoderId),
+                         ::testing::Values(WavEncoderId, FlacEncoderId, Mp3EncoderId, AiffEncoderId,
+                                           AacEncoderId, AlacEncoderId),
                          nameOf);

@@ -5,9 +5,9 @@
 M4aFacts inspectM4a(const QString& name)
 {
     const ToolResult decoding = runTool(QStringLiteral("ffmpeg"),
-                                        {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-xerror"),
-                                         QStringLiteral("-i"), name, QStringLiteral("-f"), QStringLiteral("null"),
-                                         QStringLiteral("-")});
+                                        {QStringLiteral("-v"), QStringLiteral("error"),
+                                         QStringLiteral("-xerror"), QStringLiteral("-i"), name,
+                                         QStringLiteral("-f"), QStringLiteral("null"), QStringLiteral("-")});
     EXPECT_TRUE(decoding.ok());
     EXPECT_EQ(decoding.errors, "") << name.toStdString();
 
