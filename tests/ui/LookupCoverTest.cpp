@@ -72,7 +72,7 @@ TEST_F(LookupCover, OfAReleaseWithoutFrontPictureIsTheStores)
         WindowDriver app(2, drive());
         linesOfDisc(app);
         EXPECT_DOUBLE_EQ(coverRatio(app), 0.5);
-        EXPECT_EQ(services.targets(hosts::iTunes).last(),
+        EXPECT_EQ(services.targets(hosts::iTunes).value(0),
                   "/search?term=Marsh+Choir+Still+Water&entity=album&limit=10&country=JP");
         EXPECT_EQ(titles(app).value(0), QStringLiteral("A"));
     }

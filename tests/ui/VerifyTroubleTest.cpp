@@ -163,12 +163,15 @@ TEST_F(VerifyTrouble, NoMatchAtAllSpeaksBothLanguages)
 
 TEST_F(VerifyTrouble, AMatchOfConfidenceZeroIsAMatch)
 {
-    WindowDriver app(2, drive());
-    rip(app);
-    serve({{0, ripCrcs.value(1).second, 1}, {0, ripCrcs.value(2).first, 1}});
-    verify(app);
-    EXPECT_EQ(verdict(app), QStringLiteral("✦  Match  — Confidence 0"));
-    EXPECT_EQ(column(app, 1), QStringLiteral("✦  Match (0)"));
+    for (const quint8 ofTheSecond : {quint8{0}, quint8{7}}) {
+        WindowDriver app(2, drive());
+        rip(app);
+        serve({{0, ripCrcs.value(1).second, 1}, {ofTheSecond, ripCrcs.value(2).first, 1}});
+        verify(app);
+        EXPECT_EQ(verdict(app), QStringLiteral("✦  Match  — Confidence 0"));
+        EXPECT_EQ(column(app, 0), QStringLiteral("✦  Match (0)"));
+        EXPECT_EQ(column(app, 1), QStringLiteral("✦  Match (%1)").arg(ofTheSecond));
+    }
 }
 
 TEST_F(VerifyTrouble, ADataTrackBehindTheAudioDoesNotSpoilAMatch)
