@@ -1,9 +1,12 @@
 #include "fuzz/ParserTargets.h"
 
+#include "base/ByteOrder.h"
 #include "metadata/GnuDb.h"
 #include "metadata/ITunes.h"
 #include "metadata/MusicBrainz.h"
+#include "verify/AccurateRipDatabase.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -62,4 +65,30 @@ void fuzz::iTunes(const char* bytes, size_t size)
     require(!chooseITunesArtwork(body, album).contains(QLatin1String("100x100bb")), "nor here");
     for (const QString& title : parseITunesSongs(body))
         require(!title.isEmpty(), "no song is without a title");
+}
+
+void fuzz::dbar(const char* bytes, size_t size)
+{
+    constexpr qsizetype headerBytes = 13;
+    constexpr qsizetype entryBytes = 9;
+    const QByteArray body = copyOf(bytes, size);
+    AccurateRipIds ids{2, 1, 2, 3};
+    if (body.size() >= headerBytes)
+        ids = {static_cast<quint8>(body[0]), byteorder::readLittle<quint32>(body.constData() + 1),
+               byteorder::readLittle<quint32>(body.constData() + 5),
+               byteorder::readLittle<quint32>(body.constData() + 9)};
+    const QList<QList<ArEntry>> tracks = parseDbar(body, ids);
+    require(tracks.size() == ids.audioTracks, "each audio track has a list");
+    qsizetype entries = 0;
+    for (const QList<ArEntry>& track : tracks) {
+        entries += track.size();
+        for (const ArEntry& entry : track) {
+            require(entry.crc != 0 || entry.crc450 != 0, "no entry is without any checksum");
+            const ArTrackVerdict verdict = accurateRipMatch(0, entry.crc, track);
+            require(verdict.matched == (entry.crc != 0), "an entry matches its own checksum, and zero matches none");
+            require(!verdict.matched || verdict.confidence >= entry.confidence, "the largest confidence counts");
+        }
+    }
+    const qsizetype room = std::max<qsizetype>(body.size() - headerBytes, 0) / entryBytes;
+    require(entries <= room, "no entry is made up");
 }

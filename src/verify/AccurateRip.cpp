@@ -65,7 +65,8 @@ QString accurateRipDiscId(const DiscToc& disc)
     return accurateRipDiscId(computeAccurateRipIds(disc));
 }
 
-// Plain sums over whole words, which the compiler turns into vector code.
+// The position counts in 32 bits beside a 64-bit index, so that the compiler sees
+// a product of two 32-bit numbers and turns the loop into vector code.
 void accurateRipCrc(const QList<int>& samples, int trackNumber, int lastTrackNumber, quint32& crcV1, quint32& crcV2)
 {
     crcV1 = 0;
@@ -75,14 +76,19 @@ void accurateRipCrc(const QList<int>& samples, int trackNumber, int lastTrackNum
     quint64 last = frames;
     if (trackNumber == lastTrackNumber)
         last = frames > trimmedFrames ? frames - trimmedFrames : 0;
+    if (first > last)
+        return;
 
-    const int* values = samples.constData();
+    const int* values = samples.constData() + 2 * (first - 1);
+    const quint64 counted = last - first + 1;
+    auto position = static_cast<quint32>(first);
     quint32 low = 0;
     quint32 high = 0;
-    for (quint64 position = first; position <= last; ++position) {
-        const auto left = static_cast<quint32>(values[2 * position - 2]);
-        const auto right = static_cast<quint32>(values[2 * position - 1]);
-        const quint64 product = quint64{(right & 0xFFFF0000) | left >> 16} * static_cast<quint32>(position);
+    for (quint64 i = 0; i < counted; ++i, ++position) {
+        const auto left = static_cast<quint32>(values[2 * i]);
+        const auto right = static_cast<quint32>(values[2 * i + 1]);
+        const quint32 frame = (right & 0xFFFF0000) | left >> 16;
+        const quint64 product = quint64{frame} * position;
         low += static_cast<quint32>(product);
         high += static_cast<quint32>(product >> 32);
     }

@@ -3,6 +3,7 @@
 #include "metadata/MusicBrainz.h"
 #include "support/LogCapture.h"
 #include "support/ServiceAnswers.h"
+#include "verify/AccurateRipDatabase.h"
 
 #include <gtest/gtest.h>
 
@@ -96,6 +97,17 @@ TEST(ParserMutation, ITunesAnswers)
             3);
 }
 
+TEST(ParserMutation, VerificationFiles)
+{
+    const auto pressing = [](quint32 discId, int tracks) {
+        QList<accuraterip::Entry> entries;
+        for (int i = 0; i < tracks; ++i)
+            entries.append({static_cast<quint8>(i + 1), i == 1 ? 0 : 0x1000u + static_cast<quint32>(i), 7});
+        return accuraterip::pressing(discId, 2, 3, entries);
+    };
+    runOver(fuzz::dbar, {pressing(1, 3) + pressing(9, 2) + pressing(1, 3), pressing(1, 99)}, 4);
+}
+
 TEST(ParserHugeInput, MegabytesOfTitlesAreReadWhole)
 {
     const LogCapture quiet;
@@ -116,4 +128,5 @@ TEST(ParserHugeInput, FiftyMegabytesOfJunkAreAMiss)
         byte = static_cast<char>(random());
     EXPECT_TRUE(parseMusicBrainzDisc(junk).title.isEmpty());
     EXPECT_TRUE(parseXmcd(QString::fromUtf8(junk)).album.isEmpty());
+    EXPECT_EQ(parseDbar(junk, {2, 1, 2, 3}), QList<QList<ArEntry>>(2));
 }

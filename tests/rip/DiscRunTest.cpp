@@ -280,16 +280,7 @@ TEST_F(DiscRun, ChecksumsAreThoseOfTheSamplesInTheFile)
         const qsizetype frames = track.size() / 4;
         const qsizetype first = result.trackNumber == 1 ? 2940 : 1;
         const qsizetype last = result.trackNumber == 2 ? frames - 2940 : frames;
-        quint32 v1 = 0;
-        quint32 v2 = 0;
-        for (qsizetype position = first; position <= last; ++position) {
-            const quint64 product = quint64{qFromLittleEndian<quint32>(track.constData() + (position - 1) * 4)}
-                * static_cast<quint64>(position);
-            v1 += static_cast<quint32>(product);
-            v2 += static_cast<quint32>(product) + static_cast<quint32>(product >> 32);
-        }
-        EXPECT_EQ(result.crcV1, v1) << "track " << result.trackNumber;
-        EXPECT_EQ(result.crcV2, v2);
-        EXPECT_NE(v1, v2);
+        expectChecksums(result, track, first, last);
+        EXPECT_NE(result.crcV1, result.crcV2);
     }
 }

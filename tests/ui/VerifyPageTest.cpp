@@ -1,89 +1,17 @@
 // The Verify step over a database on this machine.
 
-#include "ui/WindowDriver.h"
-
-#include "support/DiscMaker.h"
-#include "support/LoopbackServices.h"
-#include "support/ServiceAnswers.h"
-#include "verify/AccurateRipDatabase.h"
-
-#include <QLabel>
-#include <QProgressBar>
-#include <QRadioButton>
-#include <QSettings>
-#include <QTemporaryDir>
-#include <QTest>
-
-#include <gtest/gtest.h>
+#include "ui/VerifyStage.h"
 
 namespace {
 
-const QString rule = QStringLiteral("═══════════════════════════════════════");
-
-class VerifyPage : public ::testing::Test {
-protected:
-    void SetUp() override { QSettings().clear(); }
-
-    /// Rips a disc of two tracks, up to its result box.
-    void rip(WindowDriver& app, const QList<SimulatedTrack>& tracks = {{0}, {300}})
-    {
-        app.shelf().audio = makeAudio(600, 1);
-        app.shelf().tracks = tracks;
-        app.outputPath()->setText(folder.path());
-        app.advanceTo(1);
-        app.onPage<QRadioButton>(1, "fmtRadio", 1)->click();
-        app.advanceTo(3);
-        app.runRip();
-        ids = computeAccurateRipIds(discOfTracks(tracks));
-    }
-
-    static DiscToc discOfTracks(const QList<SimulatedTrack>& tracks)
-    {
-        DiscToc disc;
-        for (const SimulatedTrack& track : tracks) {
-            TrackInfo info;
-            info.startLba = track.startLba;
-            info.isData = track.isData;
-            disc.tracks.append(info);
-        }
-        disc.totalSectors = 600;
-        return disc;
-    }
-
-    void serve(const QList<accuraterip::Entry>& entries)
-    {
-        services.on(hosts::accurateRip, "/accuraterip/",
-                    page(accuraterip::pressing(ids.discId1, ids.discId2, ids.cddbId, entries)));
-    }
-
-    void verify(WindowDriver& app)
-    {
-        WindowDriver::click(app.next());
-        ASSERT_EQ(app.step(), 4);
-        auto* bar = app.onPage<QProgressBar>(4, "ripProgress");
-        EXPECT_EQ(bar->value(), 15);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return bar->value() == 100; }, 60000));
-    }
-
-    QString verdict(WindowDriver& app) { return app.onPage<QLabel>(4, "verifyResult")->text(); }
-    QString detail(WindowDriver& app) { return app.onPage<QLabel>(4, "verifyDetail")->text(); }
-    QString column(WindowDriver& app, int row) { return app.cell(app.verdicts(), row, 2); }
-    static QString crcText(int number)
-    {
-        return QStringLiteral("%1").arg(ripCrcs.value(number).second, 8, 16, QChar(u'0')).toUpper();
-    }
-
-    QTemporaryDir folder;
-    LoopbackServices services;
-    AccurateRipIds ids;
-};
+class VerifyPage : public VerifyStage {};
 
 } // namespace
 
 TEST_F(VerifyPage, EveryTrackMatchesByEitherVersion)
 {
     for (const int language : {1, 2}) {
-        WindowDriver app(language, {QStringLiteral("/dev/sr0")});
+        WindowDriver app(language, drive());
         rip(app);
         serve({{12, ripCrcs.value(1).first, 1}, {3, ripCrcs.value(2).second, 1}});
         verify(app);
@@ -101,13 +29,13 @@ TEST_F(VerifyPage, EveryTrackMatchesByEitherVersion)
                                QStringLiteral("  Disc ID : ") + accurateRipDiscId(ids),
                                QStringLiteral("  Track 01  [%1]  accurately ripped (confidence 12)").arg(crcText(1)),
                                QStringLiteral("  Track 02  [%1]  accurately ripped (confidence 3)").arg(crcText(2)),
-                               QStringLiteral("  2 / 2 tracks accurately ripped"), rule}));
+                               QStringLiteral("  2 / 2 tracks accurately ripped"), logRule}));
     }
 }
 
 TEST_F(VerifyPage, OneMismatchIsAPartialVerdict)
 {
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    WindowDriver app(2, drive());
     rip(app);
     serve({{12, ripCrcs.value(1).second, 1}, {3, ripCrcs.value(2).second ^ 1, 1}});
     verify(app);
@@ -120,7 +48,7 @@ TEST_F(VerifyPage, OneMismatchIsAPartialVerdict)
 
 TEST_F(VerifyPage, NoMatchAtAllPointsToTheOffset)
 {
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    WindowDriver app(2, drive());
     rip(app);
     serve({{12, 0x12345678, 1}, {3, 0, 7}});
     verify(app);
@@ -134,7 +62,7 @@ TEST_F(VerifyPage, NoMatchAtAllPointsToTheOffset)
 TEST_F(VerifyPage, ADiscThatIsNotInTheDatabase)
 {
     for (const int language : {1, 2}) {
-        WindowDriver app(language, {QStringLiteral("/dev/sr0")});
+        WindowDriver app(language, drive());
         rip(app);
         verify(app);
         const QString notFound = language == 1 ? QStringLiteral("—  未登録") : QStringLiteral("—  Not found");
@@ -143,14 +71,14 @@ TEST_F(VerifyPage, ADiscThatIsNotInTheDatabase)
         EXPECT_EQ(app.logLines().last(4),
                   (QStringList{QStringLiteral("─── AccurateRip ────────────────────"),
                                QStringLiteral("  Disc ID : ") + accurateRipDiscId(ids),
-                               QStringLiteral("  Not in database"), rule}));
+                               QStringLiteral("  Not in database"), logRule}));
     }
 }
 
 TEST_F(VerifyPage, AServerErrorCouldNotVerify)
 {
     services.on(hosts::accurateRip, "/", errorPage(503));
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    WindowDriver app(2, drive());
     rip(app, {{0}, {300}});
     verify(app);
     EXPECT_EQ(verdict(app), QStringLiteral("—  Could not verify"));
@@ -163,7 +91,7 @@ TEST_F(VerifyPage, AServerErrorCouldNotVerify)
 // Row 1 is compared with the second list of the file, not with the first.
 TEST_F(VerifyPage, ADataTrackInFrontShiftsTheLists)
 {
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    WindowDriver app(2, drive());
     rip(app, {{0, true}, {200}, {400}});
     serve({{5, ripCrcs.value(3).second, 1}, {6, ripCrcs.value(2).second, 1}});
     verify(app);

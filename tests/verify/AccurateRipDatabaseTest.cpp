@@ -3,6 +3,7 @@
 #include "base/Language.h"
 #include "base/Settings.h"
 #include "metadata/HttpTransport.h"
+#include "support/LogCapture.h"
 
 #include <QRandomGenerator>
 #include <QSettings>
@@ -173,6 +174,19 @@ TEST_F(AccurateRipVerify, AsksForTheFileOfTheDisc)
     EXPECT_EQ(tracks, (QList<QList<ArEntry>>{{{5, 1, 2}}, {{6, 3, 4}}}));
     EXPECT_TRUE(error.isEmpty());
     EXPECT_FALSE(networkError);
+}
+
+TEST_F(AccurateRipVerify, TheLogNamesTheAddressAndTheAnswer)
+{
+    for (const auto& [status, body] : {std::pair{404, QByteArray()}, {200, QByteArray(12, 'x')}}) {
+        answerWith(status, body);
+        const LogCapture log;
+        EXPECT_FALSE(verify());
+        EXPECT_EQ(log.debugLines().filter(QStringLiteral("[AccurateRip]")),
+                  (QStringList{QStringLiteral("[AccurateRip] fetch: http://www.accuraterip.com/accuraterip/0/3/5/"
+                                              "dBAR-002-00007530-00013881-0b010a02.bin"),
+                               QStringLiteral("[AccurateRip] HTTP status: %1 bytes: %2").arg(status).arg(body.size())}));
+    }
 }
 
 TEST_F(AccurateRipVerify, ADiscWithoutAudioAsksNothing)

@@ -129,6 +129,28 @@ TEST(AccurateRipCrc, AgreesWithASlowReferenceAtRandomLengthsAndPlaces)
     }
 }
 
+// Every length around the widths of vector code, and bits below the upper half of
+// a value, which count for nothing.
+TEST(AccurateRipCrc, AgreesAtEveryShortLength)
+{
+    const QList<int> samples = noise(2 * 80, 5);
+    QList<int> dirty = samples;
+    for (int& value : dirty)
+        value |= 0x5A5A;
+    for (qsizetype values = 0; values <= samples.size(); ++values) {
+        const Checksums slow = slowChecksums(samples.first(values), 2, 3);
+        EXPECT_EQ(checksums(samples.first(values), 2, 3), slow) << values << " values";
+        EXPECT_EQ(checksums(dirty.first(values), 2, 3), slow) << values << " values with low bits";
+    }
+}
+
+// A track of seven minutes: positions beyond 24 bits, where products have high halves.
+TEST(AccurateRipCrc, AgreesOnALongTrack)
+{
+    const QList<int> samples = noise(2 * 7 * 60 * 44'100, 8);
+    EXPECT_EQ(checksums(samples, 2, 3), slowChecksums(samples, 2, 3));
+}
+
 // Left 1 and right 0 in every frame: frame values of 1, so position p adds p.
 TEST(AccurateRipCrc, AWorkedConstant)
 {
