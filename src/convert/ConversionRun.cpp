@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <string>
 #include <system_error>
 
 namespace {
@@ -19,7 +20,8 @@ constexpr char mpeg4Extension[] = "m4a";
 
 std::filesystem::path toPath(const QString& path)
 {
-    return QFile::encodeName(path).toStdString();
+    const QByteArray utf8 = path.toUtf8();
+    return std::u8string(utf8.begin(), utf8.end());
 }
 
 /// The container that an ending stands for.
@@ -80,7 +82,7 @@ QFileInfoList audioFilesIn(const QString& folder)
     for (std::filesystem::directory_iterator entry(toPath(folder), error), end; !error && entry != end;
          entry.increment(error)) {
         std::error_code unreadable;
-        const QFileInfo file(folder + u'/' + QFile::decodeName(entry->path().filename().c_str()));
+        const QFileInfo file(entry->path());
         if (!file.isHidden() && hasExtension(file.fileName(), extensions) && entry->is_regular_file(unreadable))
             files.append(file);
     }

@@ -1,0 +1,62 @@
+#include "ui/WindowDriver.h"
+
+#include "convert/ConvertDialog.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QSettings>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class ConvertButton : public ::testing::Test {
+protected:
+    void SetUp() override { QSettings().clear(); }
+
+    static QList<ConvertDialog*> dialogs(WindowDriver& app)
+    {
+        return app.window().findChildren<ConvertDialog*>(QString(), Qt::FindDirectChildrenOnly);
+    }
+};
+
+} // namespace
+
+TEST_F(ConvertButton, EachClickShowsANewModalDialogWithoutWaiting)
+{
+    WindowDriver app(2);
+    for (int opening = 1; opening <= 2; ++opening) {
+        WindowDriver::click(app.find<QPushButton>("convertBtn"));
+        ASSERT_EQ(dialogs(app).size(), opening);
+        ConvertDialog* shown = dialogs(app).last();
+        EXPECT_TRUE(shown->isVisible());
+        EXPECT_TRUE(shown->isModal());
+        EXPECT_EQ(QApplication::activeModalWidget(), shown);
+        QTest::keyClick(shown, Qt::Key_Escape);
+        EXPECT_FALSE(shown->isVisible());
+    }
+}
+
+TEST_F(ConvertButton, TheDialogTakesTheLookOfTheWindow)
+{
+    WindowDriver app(2);
+    WindowDriver::click(app.find<QPushButton>("convertBtn"));
+    ConvertDialog* shown = dialogs(app).value(0);
+    ASSERT_NE(shown, nullptr);
+    EXPECT_TRUE(shown->styleSheet().isEmpty());
+    EXPECT_EQ(shown->grab().toImage().pixel(2, 2), 0xff0a0a0f);
+    const auto* combo = shown->findChild<QComboBox*>();
+    EXPECT_EQ(combo->palette().color(QPalette::Text), QColor(0x4d, 0xb8, 0xff));
+}
+
+TEST_F(ConvertButton, ItIsReachedOnEveryStep)
+{
+    WindowDriver app(2);
+    for (int step = 0; step <= 3; ++step) {
+        app.advanceTo(step);
+        WindowDriver::click(app.find<QPushButton>("convertBtn"));
+        ASSERT_EQ(dialogs(app).size(), step + 1);
+        dialogs(app).last()->reject();
+    }
+}
