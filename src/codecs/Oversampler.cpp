@@ -30,8 +30,9 @@ std::array<float, taps> designFilter(quint32 factor)
         const double lowPass = std::sin(cutoff * twoPi * n) / (n * pi);
         const double ratio = n / centre;
         const double window = besselI0(beta * std::sqrt(std::max(0.0, 1.0 - ratio * ratio))) / besselI0(beta);
-        designed[i] = static_cast<float>(lowPass * window);
-        sum += double{designed[i]};
+        const double value = lowPass * window;
+        designed[i] = static_cast<float>(value);
+        sum += value;
     }
     for (float& tap : designed)
         tap = static_cast<float>(double{tap} * (factor / sum));

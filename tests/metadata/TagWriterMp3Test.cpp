@@ -10,11 +10,7 @@ class TagWriterMp3Test : public TaggedFileTest {
 protected:
     QList<Id3Frame> frames() const { return id3Frames(readAll(path)); }
 
-    // How the audio decodes, whatever tags stand around it.
-    QByteArray audio() const
-    {
-        return runTool("ffmpeg", {"-v", "error", "-i", path, "-map", "0:a", "-c", "copy", "-f", "md5", "-"}).output;
-    }
+    QByteArray audio() const { return audioDigest(path); }
 
     const QString path = makeAudio("track.mp3");
 };
@@ -30,7 +26,6 @@ TEST_F(TagWriterMp3Test, EveryValueHasItsFrameInUtf8)
     EXPECT_EQ(framesOf(frames(), "TPUB"), (Payloads{utf8Frame("The Label")}));
     EXPECT_EQ(framesOf(frames(), "TRCK"), (Payloads{utf8Frame("3/12")}));
     EXPECT_EQ(framesOf(frames(), "TPOS"), (Payloads{utf8Frame("1/2")}));
-    ASSERT_TRUE(before.startsWith("MD5="));
     EXPECT_EQ(audio(), before);
 }
 

@@ -1,41 +1,14 @@
 #include "metadata/TaggedFile.h"
 
-#include "base/ByteOrder.h"
 #include "support/Tool.h"
 
 using Payloads = QList<QByteArray>;
 
 class TagWriterWavTest : public TaggedFileTest {
 protected:
-    // The chunks of the file by their names, found by walking over the sizes.
-    QMap<QByteArray, QByteArray> chunks() const
-    {
-        QMap<QByteArray, QByteArray> found;
-        const QByteArray bytes = readAll(path);
-        EXPECT_EQ(byteorder::readLittle<quint32>(bytes.constData() + 4) + 8, bytes.size());
-        for (qsizetype at = 12; at + 8 <= bytes.size();) {
-            const auto size = qsizetype{byteorder::readLittle<quint32>(bytes.constData() + at + 4)};
-            found.insert(bytes.mid(at, 4).toUpper(), bytes.mid(at + 8, size));
-            at += 8 + size + size % 2;
-        }
-        return found;
-    }
-
+    QMap<QByteArray, QByteArray> chunks() const { return waveChunks(readAll(path)); }
     QList<Id3Frame> frames() const { return id3Frames(chunks()["ID3 "]); }
-
-    // The values of the INFO list.
-    QMap<QByteArray, QByteArray> info() const
-    {
-        QMap<QByteArray, QByteArray> found;
-        const QByteArray list = chunks()["LIST"];
-        EXPECT_TRUE(list.isEmpty() || list.startsWith("INFO"));
-        for (qsizetype at = 4; at + 8 <= list.size();) {
-            const auto size = qsizetype{byteorder::readLittle<quint32>(list.constData() + at + 4)};
-            found.insert(list.mid(at, 4), QByteArray(list.mid(at + 8, size).constData())); // up to the zero
-            at += 8 + size + size % 2;
-        }
-        return found;
-    }
+    QMap<QByteArray, QByteArray> info() const { return infoValues(chunks()["LIST"]); }
 
     const QString path = makeAudio("track.wav");
 };

@@ -1,5 +1,6 @@
 #include "metadata/TaggedFile.h"
 
+#include "base/ByteOrder.h"
 #include "support/Tool.h"
 
 #include <QFile>
@@ -112,6 +113,38 @@ QList<QByteArray> framesOf(const QList<Id3Frame>& frames, const char* id)
 QByteArray utf8Frame(const char* text)
 {
     return QByteArray("\x03") + text;
+}
+
+QMap<QByteArray, QByteArray> waveChunks(const QByteArray& bytes)
+{
+    QMap<QByteArray, QByteArray> found;
+    EXPECT_EQ(byteorder::readLittle<quint32>(bytes.constData() + 4) + 8, bytes.size());
+    for (qsizetype at = 12; at + 8 <= bytes.size();) {
+        const auto size = qsizetype{byteorder::readLittle<quint32>(bytes.constData() + at + 4)};
+        found.insert(bytes.mid(at, 4).toUpper(), bytes.mid(at + 8, size));
+        at += 8 + size + size % 2;
+    }
+    return found;
+}
+
+QMap<QByteArray, QByteArray> infoValues(const QByteArray& list)
+{
+    QMap<QByteArray, QByteArray> found;
+    EXPECT_TRUE(list.isEmpty() || list.startsWith("INFO"));
+    for (qsizetype at = 4; at + 8 <= list.size();) {
+        const auto size = qsizetype{byteorder::readLittle<quint32>(list.constData() + at + 4)};
+        found.insert(list.mid(at, 4), QByteArray(list.mid(at + 8, size).constData())); // up to the zero
+        at += 8 + size + size % 2;
+    }
+    return found;
+}
+
+QByteArray audioDigest(const QString& path)
+{
+    const ToolResult tool =
+        runTool("ffmpeg", {"-v", "error", "-i", path, "-map", "0:a", "-c", "copy", "-f", "md5", "-"});
+    EXPECT_TRUE(tool.output.startsWith("MD5=")) << tool.errors.toStdString();
+    return tool.output;
 }
 
 QByteArray readAll(const QString& path)

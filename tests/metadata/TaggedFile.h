@@ -49,4 +49,13 @@ QList<QByteArray> framesOf(const QList<Id3Frame>& frames, const char* id);
 /// The payload of a text frame: encoding 3 (UTF-8), then the text.
 QByteArray utf8Frame(const char* text);
 
+/// The chunks of a RIFF file by their names in capitals.
+QMap<QByteArray, QByteArray> waveChunks(const QByteArray& bytes);
+
+/// The values of an INFO list.
+QMap<QByteArray, QByteArray> infoValues(const QByteArray& list);
+
+/// A digest of the encoded audio, whatever tags stand around it.
+QByteArray audioDigest(const QString& path);
+
 QByteArray readAll(const QString& path);

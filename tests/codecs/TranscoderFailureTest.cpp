@@ -1,0 +1,135 @@
+#include "codecs/Transcoder.h"
+
+#include "codecs/DecoderFiles.h"
+#include "codecs/DecoderRun.h"
+#include "support/AudioMaker.h"
+#include "support/FileSizeLimit.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <limits>
+
+class TranscoderFailureTest : public EncoderTest {
+protected:
+    bool convert(const QString& source, const QString& target, EncoderId id, quint32 factor = 1,
+                 TrackGain* gain = nullptr) const
+    {
+        const qsizetype before = openFileCount();
+        const bool converted = convertFile(toPath(source), toPath(target), id, factor, gain);
+        EXPECT_EQ(openFileCount(), before); // both sides closed, whatever happened
+        return converted;
+    }
+
+    QString makeWave(const char* name, const AudioFormat& format = {}, quint64 frames = 20000) const
+    {
+        writeAll(file(name), waveFile(format, audiomaker::noise(frames * format.channels, 31)));
+        return file(name);
+    }
+};
+
+TEST_F(TranscoderFailureTest, AnUnknownEndingCreatesNoTarget)
+{
+    const QString source = makeWave("source.txt");
+    EXPECT_FALSE(convert(source, file("target.flac"), FlacEncoderId));
+    EXPECT_FALSE(QFile::exists(file("target.flac")));
+}
+
+TEST_F(TranscoderFailureTest, ASourceThatIsNotWhatItsEndingSaysCreatesNoTarget)
+{
+    for (const char* name : {"source.wav", "source.flac", "source.mp3", "source.dsf", "source.opus"}) {
+        writeAll(file(name), QByteArray(3000, 'x'));
+        EXPECT_FALSE(convert(file(name), file("target.flac"), FlacEncoderId)) << name;
+        EXPECT_FALSE(QFile::exists(file("target.flac"))) << name;
+    }
+    EXPECT_FALSE(convert(file("missing.wav"), file("target.flac"), FlacEncoderId));
+    EXPECT_FALSE(QFile::exists(file("target.flac")));
+}
+
+TEST_F(TranscoderFailureTest, AnUnknownEncoderCreatesNoTarget)
+{
+    const QString source = makeWave("source.wav");
+    for (const int id : {-1, 6, std::numeric_limits<int>::max()}) {
+        EXPECT_FALSE(convert(source, file("target.flac"), static_cast<EncoderId>(id))) << id;
+        EXPECT_FALSE(QFile::exists(file("target.flac"))) << id;
+    }
+}
+
+TEST_F(TranscoderFailureTest, AFormatThatTheEncoderRefusesLeavesNothingOrAnEmptyFile)
+{
+    const QString source = makeWave("source.wav", {44100, 9, 16}, 3000);
+    for (const EncoderId id : {FlacEncoderId, Mp3EncoderId}) {
+        EXPECT_FALSE(convert(source, file("target"), id)) << id;
+        EXPECT_EQ(QFileInfo(file("target")).size(), 0) << id;
+    }
+}
+
+TEST_F(TranscoderFailureTest, ATargetThatCannotBeCreatedFails)
+{
+    const QString source = makeWave("source.wav");
+    EXPECT_FALSE(convert(source, file("missing/target.flac"), FlacEncoderId));
+    EXPECT_FALSE(convert(source, folder.path(), WavEncoderId));
+}
+
+TEST_F(TranscoderFailureTest, AFullDiskFailsAndStillMeasures)
+{
+    const QString source = makeWave("source.wav", {44100, 2, 16}, 200000);
+    for (const EncoderId id : {WavEncoderId, FlacEncoderId, AiffEncoderId, Mp3EncoderId}) {
+        TrackGain gain;
+        gain.enabled = true;
+        bool converted = true;
+        {
+            const FileSizeLimit full(20000);
+            converted = convert(source, file("target"), id, 1, &gain);
+        }
+        EXPECT_FALSE(converted) << id;
+        EXPECT_LE(QFileInfo(file("target")).size(), 20000) << id;
+        EXPECT_GT(gain.peak, 0.5) << id;
+    }
+}
+
+TEST_F(TranscoderFailureTest, ADiskThatIsFullAtTheVeryEndFails)
+{
+    // The whole file fits in the buffers; only closing it meets the disk.
+    const QString source = makeWave("source.wav", {44100, 2, 16}, 100);
+    for (const EncoderId id : {WavEncoderId, FlacEncoderId, AiffEncoderId, Mp3EncoderId}) {
+        bool converted = true;
+        {
+            const FileSizeLimit full(10);
+            converted = convert(source, file("target"), id);
+        }
+        EXPECT_FALSE(converted) << id;
+    }
+}
+
+TEST_F(TranscoderFailureTest, HostileHeadersNeitherCrashNorHang)
+{
+    const QByteArray data = littleEndian(audiomaker::noise(6000, 3), 16);
+    for (const quint32 rate : {0u, 1u, 9u, 44100u, 0x80000000u, 0xFFFFFFFFu}) {
+        for (const quint16 channels : {quint16{0}, quint16{1}, quint16{2}, quint16{0x8000}, quint16{65535}}) {
+            for (const quint16 bits : {quint16{0}, quint16{1}, quint16{16}, quint16{65535}}) {
+                const QByteArray format = little(quint16{1}) + little(channels) + little(rate) + little(rate)
+                                          + little(quint16{4}) + little(bits);
+                writeAll(file("source.wav"), "RIFF" + little(quint32{0}) + "WAVE" + littleChunk("fmt ", format)
+                                                 + littleChunk("data", data));
+                for (const EncoderId id : {WavEncoderId, FlacEncoderId, Mp3EncoderId, AiffEncoderId}) {
+                    SCOPED_TRACE(::testing::Message() << rate << " " << channels << " " << bits << " " << id);
+                    TrackGain gain;
+                    gain.enabled = true;
+                    const bool converted = convert(file("source.wav"), file("target"), id, 3, &gain);
+                    if (converted)
+                        EXPECT_GT(QFileInfo(file("target")).size(), 0);
+                    if (id == FlacEncoderId && (channels == 0 || channels > 8))
+                        EXPECT_FALSE(converted);
+                }
+            }
+        }
+    }
+}
+
+TEST_F(TranscoderFailureTest, AFactorBeyondAnyMemoryFails)
+{
+    const QString source = makeWave("source.wav");
+    EXPECT_FALSE(convert(source, file("target.wav"), WavEncoderId, std::numeric_limits<quint32>::max()));
+    EXPECT_LT(QFileInfo(file("target.wav")).size(), 1000);
+}
