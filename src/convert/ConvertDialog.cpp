@@ -37,6 +37,18 @@ QString outputTitle()
     return pickLang("出力先フォルダを選択", "Select output folder");
 }
 
+/// Keeps the fields below each other, whatever the length of their labels.
+void alignFields(const QList<QLabel*>& labels)
+{
+    int widest = 0;
+    for (QLabel* label : labels) {
+        label->ensurePolished();
+        widest = std::max({widest, label->minimumWidth(), label->sizeHint().width()});
+    }
+    for (QLabel* label : labels)
+        label->setContentsMargins(0, 0, widest - label->sizeHint().width(), 0);
+}
+
 QPushButton* browseButton(const QString& accessibleName)
 {
     auto* made = new QPushButton(pickLang("参照...", "Browse..."));
@@ -91,6 +103,8 @@ ConvertDialog::ConvertDialog(QWidget* parent)
     statusLabel = new QLabel;
     statusLabel->setWordWrap(true);
     statusLabel->setTextFormat(Qt::PlainText);
+    // A long file name without blanks must not make the dialog as long.
+    statusLabel->setMinimumWidth(1);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(row(pickLang("① 変換元フォルダ:", "① Source folder:"), sourceEdit, sourceBrowse));
@@ -99,6 +113,8 @@ ConvertDialog::ConvertDialog(QWidget* parent)
     layout->addLayout(row(pickLang("③ 出力先フォルダ:", "③ Output folder:"), outputEdit, outputBrowse));
     layout->addWidget(convertButton);
     layout->addWidget(statusLabel);
+
+    alignFields(fieldLabels);
 
     connect(sourceBrowse, &QPushButton::clicked, this, &ConvertDialog::onBrowseInput);
     connect(outputBrowse, &QPushButton::clicked, this, &ConvertDialog::onBrowseOutput);
@@ -110,6 +126,7 @@ QHBoxLayout* ConvertDialog::row(const QString& text, QWidget* field, QPushButton
     auto* label = new QLabel(text);
     label->setMinimumWidth(labelWidth);
     label->setBuddy(field);
+    fieldLabels.append(label);
     auto* made = new QHBoxLayout;
     made->addWidget(label);
     made->addWidget(field, 1);
@@ -142,6 +159,20 @@ void ConvertDialog::updateDsdWarning()
     dsdWarning->setVisible(std::any_of(files.begin(), files.end(), [](const QFileInfo& file) {
         return hasExtension(file.fileName(), {QStringLiteral(".dsf"), QStringLiteral(".dff")});
     }));
+    growToText();
+}
+
+void ConvertDialog::showStatus(const QString& text)
+{
+    statusLabel->setText(text);
+    growToText();
+}
+
+/// A layout does not make room by itself for text that wraps.
+void ConvertDialog::growToText()
+{
+    layout()->activate();
+    resize(width(), std::max(height(), layout()->totalHeightForWidth(width())));
 }
 
 void ConvertDialog::resetForm()
@@ -160,13 +191,12 @@ bool ConvertDialog::foldersAreThere()
     const QString source = sourceEdit->text();
     const QString output = outputEdit->text();
     if (source.isEmpty() || output.isEmpty())
-        statusLabel->setText(pickLang("変換元フォルダと出力先フォルダの両方を指定してください。",
-                                      "Please select both a source folder and an output folder."));
+        showStatus(pickLang("変換元フォルダと出力先フォルダの両方を指定してください。",
+                            "Please select both a source folder and an output folder."));
     else if (!QDir(source).exists())
-        statusLabel->setText(pickLang("変換元フォルダが見つかりません。", "Source folder not found."));
+        showStatus(pickLang("変換元フォルダが見つかりません。", "Source folder not found."));
     else if (!QDir(output).exists() && !QDir().mkpath(output))
-        statusLabel->setText(
-            pickLang("出力先フォルダを作成できませんでした。", "Could not create the output folder."));
+        showStatus(pickLang("出力先フォルダを作成できませんでした。", "Could not create the output folder."));
     else
         return true;
     return false;
@@ -184,10 +214,9 @@ void ConvertDialog::run(const QString& sourceFolder)
 {
     const QFileInfoList files = audioFilesIn(sourceFolder);
     if (files.isEmpty()) {
-        statusLabel->setText(pickLang("対応する音声ファイル(.wav/.aiff/.mp3/.flac/.aac/.m4a/.ogg/.opus/.wv/.dsf/"
-                                      ".dff)が見つかりませんでした。",
-                                      "No supported audio files (.wav/.aiff/.mp3/.flac/.aac/.m4a/.ogg/.opus/.wv/"
-                                      ".dsf/.dff) were found."));
+        showStatus(pickLang(
+            "対応する音声ファイル(.wav/.aiff/.mp3/.flac/.aac/.m4a/.ogg/.opus/.wv/.dsf/.dff)が見つかりませんでした。",
+            "No supported audio files (.wav/.aiff/.mp3/.flac/.aac/.m4a/.ogg/.opus/.wv/.dsf/.dff) were found."));
         return;
     }
     convertButton->setEnabled(false);
@@ -199,7 +228,7 @@ void ConvertDialog::run(const QString& sourceFolder)
     const bool ownerWasShown = owner && owner->isVisible();
     ConversionRun conversion(sourceFolder, outputEdit->text(), formatCombo->currentData().toString(),
                              [dialog, owner, ownerWasShown](const QString& text) {
-                                 dialog->statusLabel->setText(text);
+                                 dialog->showStatus(text);
                                  QCoreApplication::processEvents();
                                  const bool ownerClosed = ownerWasShown && !(owner && owner->isVisible());
                                  return dialog && !ownerClosed;
@@ -207,7 +236,7 @@ void ConvertDialog::run(const QString& sourceFolder)
     const ConversionCounts counts = conversion.convert(files);
     if (!dialog)
         return;
-    statusLabel->setText(summary(files.size(), counts));
+    showStatus(summary(files.size(), counts));
     convertButton->setText(pickLang("完了", "Done"));
     finished = true;
     convertButton->setEnabled(true);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QList>
 
 class QComboBox;
 class QHBoxLayout;
@@ -24,6 +25,8 @@ private Q_SLOTS:
 private:
     QHBoxLayout* row(const QString& text, QWidget* field, QPushButton* browse = nullptr);
     void updateDsdWarning();
+    void showStatus(const QString& text);
+    void growToText();
     void resetForm();
     bool foldersAreThere();
     void run(const QString& sourceFolder);
@@ -37,4 +40,5 @@ private:
     QPushButton* convertButton = nullptr;
     bool finished = false; ///< a run has ended; the next click resets the form
     QLabel* statusLabel = nullptr;
+    QList<QLabel*> fieldLabels;
 };

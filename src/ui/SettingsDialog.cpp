@@ -233,7 +233,6 @@ void MainWindow::onSettingsClicked()
     auto* ok = pageparts::button(QStringLiteral("OK"), "nextBtn");
     cancel->setFixedSize(90, 32);
     ok->setFixedSize(90, 32);
-    ok->setDefault(true);
     connect(cancel, &QPushButton::clicked, dialog, &QDialog::reject);
     connect(ok, &QPushButton::clicked, dialog, [this, fields, dialog] { acceptSettings(fields, dialog); });
     auto* row = new QHBoxLayout(navBar);
@@ -247,5 +246,7 @@ void MainWindow::onSettingsClicked()
     layout->setSpacing(0);
     layout->addWidget(tabs, 1);
     layout->addWidget(navBar);
+    // A button is nobody's default before it has its dialog.
+    ok->setDefault(true);
     dialog->exec();
 }

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -266,6 +267,31 @@ TEST_F(ConvertDialogTest, FieldsAreNamedAndReachedInOrder)
         EXPECT_EQ(dialog->focusWidget(), expected);
         QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
     }
+}
+
+TEST_F(ConvertDialogInJapanese, FieldsStandBelowEachOther)
+{
+    EXPECT_EQ(view().format()->x(), view().source()->x());
+    EXPECT_EQ(view().output()->x(), view().source()->x());
+    for (const QLabel* label : {view().sourceLabel(), view().formatLabel(), view().outputLabel()})
+        EXPECT_GE(label->width(), label->fontMetrics().horizontalAdvance(label->text()));
+}
+
+TEST_F(ConvertDialogTest, TextThatWrapsIsNotCut)
+{
+    place.add(QStringLiteral("1.dsf"), "x");
+    pickPath(view().sourceBrowse(), place.source());
+    EXPECT_GT(view().warning()->heightForWidth(view().warning()->width()), view().warning()->fontMetrics().height());
+    EXPECT_GE(view().warning()->height(), view().warning()->heightForWidth(view().warning()->width()));
+
+    ASSERT_TRUE(QFile::remove(place.source() + QStringLiteral("/1.dsf")));
+    convert();
+    EXPECT_GE(view().statusLabel()->height(), view().statusLabel()->heightForWidth(view().statusLabel()->width()));
+    place.addWave(QString(200, QLatin1Char('m')) + QStringLiteral(".wav"));
+    int width = 0;
+    QTimer::singleShot(0, dialog.get(), [&] { width = dialog->width(); });
+    convert();
+    EXPECT_EQ(width, 560);
 }
 
 TEST_F(ConvertDialogTest, FoldersMayBeWrittenInOddWays)
