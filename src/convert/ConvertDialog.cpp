@@ -40,13 +40,16 @@ QString outputTitle()
 /// Keeps the fields below each other, whatever the length of their labels.
 void alignFields(const QList<QLabel*>& labels)
 {
-    int widest = 0;
-    for (QLabel* label : labels) {
+    // Not by their size hints, which a label would keep and not renew.
+    const auto textWidth = [](QLabel* label) {
         label->ensurePolished();
-        widest = std::max({widest, label->minimumWidth(), label->sizeHint().width()});
-    }
+        return label->fontMetrics().horizontalAdvance(label->text());
+    };
+    int widest = labelWidth;
     for (QLabel* label : labels)
-        label->setContentsMargins(0, 0, widest - label->sizeHint().width(), 0);
+        widest = std::max(widest, textWidth(label));
+    for (QLabel* label : labels)
+        label->setContentsMargins(0, 0, widest - textWidth(label), 0);
 }
 
 QPushButton* browseButton(const QString& accessibleName)

@@ -1,11 +1,14 @@
 #include "ui/WindowDriver.h"
 
 #include "convert/ConvertDialog.h"
+#include "support/DiscMaker.h"
 
 #include <QApplication>
 #include <QComboBox>
 #include <QSettings>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -59,4 +62,24 @@ TEST_F(ConvertButton, ItIsReachedOnEveryStep)
         ASSERT_EQ(dialogs(app).size(), step + 1);
         dialogs(app).last()->reject();
     }
+}
+
+TEST_F(ConvertButton, TheWindowMayGoInTheMiddleOfARun)
+{
+    QTemporaryDir place;
+    const QString source = place.path() + QStringLiteral("/Album");
+    ASSERT_TRUE(QDir().mkpath(source));
+    for (const char* name : {"1.wav", "2.wav", "3.wav"})
+        writeFile(source, QLatin1String(name), wrapInWave(makeAudio(1, 1)));
+    WindowDriver app(2);
+    WindowDriver::click(app.find<QPushButton>("convertBtn"));
+    QDialog* shown = dialogs(app).value(0);
+    ASSERT_NE(shown, nullptr);
+    const auto fields = shown->findChildren<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly);
+    fields[0]->setText(source);
+    fields[1]->setText(place.path() + QStringLiteral("/Out"));
+    QTimer::singleShot(0, qApp, [&app] { app.destroyWindow(); });
+    WindowDriver::click(shown->findChildren<QPushButton*>().last());
+    EXPECT_TRUE(QDir(place.path() + QStringLiteral("/Out")).isEmpty());
+    EXPECT_EQ(QDir(source).entryList(QDir::Files).size(), 3);
 }
