@@ -1,12 +1,10 @@
 #include "rip/OutputNaming.h"
 
-#include "base/Language.h"
 #include "base/Settings.h"
+#include "base/UniqueFolder.h"
 #include "rip/RipWorker.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTextBoundaryFinder>
 
@@ -67,11 +65,5 @@ QString RipWorker::outputBasePath(int trackNumber, const QString& title) const
 
 QString RipWorker::uniqueFolder(const QString& parent, const QString& name)
 {
-    const QString first = parent + u'/' + name;
-    const QString copy = first + pickLang(" - コピー", " - Copy");
-    QString candidate = first;
-    for (int n = 1; QFileInfo(candidate).isDir(); ++n)
-        candidate = n == 1 ? copy : copy + QStringLiteral(" (%1)").arg(n);
-    QDir().mkpath(candidate);
-    return candidate;
+    return makeUniqueFolder(parent, name).path;
 }

@@ -2,6 +2,7 @@
 
 #include "base/Language.h"
 #include "base/Settings.h"
+#include "convert/ConvertDialog.h"
 #include "disc/CdDrive.h"
 #include "rip/RipWorker.h"
 #include "ui/DrawThrottle.h"
@@ -17,7 +18,6 @@
 #include <QComboBox>
 #include <QDeadlineTimer>
 #include <QFile>
-#include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -62,10 +62,7 @@ MainWindow::MainWindow()
     layout->setSpacing(0);
     layout->addWidget(buildTitleBar());
     layout->addWidget(buildStepBar());
-    auto* line = new QFrame;
-    line->setFrameShape(QFrame::HLine);
-    line->setObjectName(QStringLiteral("hline"));
-    layout->addWidget(line);
+    layout->addWidget(pageparts::line());
     pages = new QStackedWidget;
     for (QWidget* page : {buildSourcePage(), buildOutputPage(), buildMetadataPage(), buildRipPage(),
                           buildVerifyPage()})
@@ -289,10 +286,9 @@ void MainWindow::reset()
     nextBtn->setEnabled(true);
 }
 
-void MainWindow::onSettingsClicked()
-{
-}
-
 void MainWindow::onConvertClicked()
 {
+    auto* dialog = new ConvertDialog(this);
+    dialog->setModal(true);
+    dialog->show();
 }

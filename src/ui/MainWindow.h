@@ -14,6 +14,8 @@ class DrawThrottle;
 class LogViewer;
 class QBoxLayout;
 class QComboBox;
+class QDialog;
+class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QProgressBar;
@@ -118,6 +120,14 @@ private:
     void finishVerify(const Verification& started, const VerifyResult& result);
     void showVerdict(const Verification& started, const VerifyResult& result);
     void showNoVerdict(const Verification& started, const VerifyResult& result);
+
+    // Settings: SettingsDialog.cpp
+    struct SettingsFields;
+    QWidget* buildSettingsTab(SettingsFields& fields);
+    QGroupBox* buildReadSettings(SettingsFields& fields);
+    QGroupBox* buildOutputSettings(SettingsFields& fields);
+    void applySettings(const SettingsFields& fields);
+    void acceptSettings(const SettingsFields& fields, QDialog* dialog);
 
     QWidget* stepBar = nullptr;
     std::array<QLabel*, stepCount> stepLabels{};

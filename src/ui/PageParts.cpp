@@ -20,6 +20,24 @@ QLabel* label(const QString& text, const char* objectName)
     return made;
 }
 
+QLabel* linkLabel(const QString& text, const QString& address, const QString& linkText)
+{
+    auto* made = new QLabel(
+        text.arg(QStringLiteral("<a href=\"%1\" style=\"color: #4db8ff;\">%2</a>").arg(address, linkText)));
+    made->setTextFormat(Qt::RichText);
+    made->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    made->setOpenExternalLinks(true);
+    return made;
+}
+
+QFrame* line()
+{
+    auto* made = new QFrame;
+    made->setFrameShape(QFrame::HLine);
+    made->setObjectName(QStringLiteral("hline"));
+    return made;
+}
+
 QLabel* heading(const QString& text)
 {
     return label(text, "stepHeading");

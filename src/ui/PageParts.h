@@ -4,6 +4,7 @@
 #include <QStringList>
 
 class QBoxLayout;
+class QFrame;
 class QGroupBox;
 class QLabel;
 class QLayout;
@@ -22,6 +23,10 @@ namespace pageparts {
 inline constexpr int coverPixels = 140; ///< edge of the cover box
 
 QLabel* label(const QString& text, const char* objectName);
+/// A text whose "%1" is a link that opens in the browser, by mouse or keyboard.
+QLabel* linkLabel(const QString& text, const QString& address, const QString& linkText);
+/// A horizontal line.
+QFrame* line();
 QLabel* heading(const QString& text);
 QLineEdit* lineEdit(const char* objectName, const QString& placeholder = {});
 QPushButton* button(const QString& text, const char* objectName);

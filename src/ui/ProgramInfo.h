@@ -7,5 +7,7 @@ inline constexpr char name[] = "Tarvel CD Ripper";
 inline constexpr char organisation[] = "VEDRANO";
 inline constexpr char version[] = "2.0.0";
 inline constexpr char buildLabel[] = "2.0.0 (build 20261006-1720)";
+inline constexpr char maker[] = "Made by VEDRANO";
+inline constexpr char site[] = "https://tarvel.example/";
 
 } // namespace programinfo

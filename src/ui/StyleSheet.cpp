@@ -106,10 +106,27 @@ QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
 QScrollBar::add-page, QScrollBar::sub-page { background: none; }
 )";
 
+constexpr char settingsRules[] = R"(
+QTabWidget::pane { border: none; background: #0a0a0f; }
+QTabBar::tab { background: #070710; color: #4a7aa0; padding: 8px 24px; border: none;
+    border-bottom: 2px solid transparent; }
+QTabBar::tab:selected { color: #4db8ff; border-bottom: 2px solid #4db8ff; background: #0a0a0f; }
+#aboutIcon { background: transparent; border: none; }
+#aboutTitle { color: #4db8ff; font-size: 14pt; font-weight: bold; }
+#aboutVer { color: #2a5a8a; font-size: 9pt; }
+#aboutDesc { color: #4a7aa0; font-size: 9pt; line-height: 1.8; }
+#aboutAuthor { color: #2a5a8a; font-size: 8pt; }
+)";
+
 } // namespace
 
 QString styleSheetText()
 {
     return QString::fromUtf8(frameRules) + QString::fromUtf8(pageRules) + QString::fromUtf8(ripRules)
         + QString::fromUtf8(choiceRules) + QString::fromUtf8(scrollBarRules);
+}
+
+QString settingsStyleSheetText()
+{
+    return QString::fromUtf8(settingsRules);
 }

@@ -5,37 +5,19 @@
 #include "ui/Fonts.h"
 
 #include <QApplication>
-#include <QFileDialog>
 #include <QFont>
 #include <QMessageBox>
 #include <QSettings>
 #include <QStackedWidget>
 #include <QTest>
 #include <QTextEdit>
-#include <QTimer>
 
 namespace {
 
 constexpr int metadataStep = 2;
-constexpr int dialogPollMilliseconds = 5;
 constexpr int ripPatienceMilliseconds = 60000;
 
 } // namespace
-
-DialogWatcher::DialogWatcher(std::function<void(QDialog*)> onDialog)
-    : timer(std::make_unique<QTimer>())
-{
-    QObject::connect(timer.get(), &QTimer::timeout, [this, onDialog] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (!dialog)
-            return;
-        timer->stop();
-        onDialog(dialog);
-    });
-    timer->start(dialogPollMilliseconds);
-}
-
-DialogWatcher::~DialogWatcher() = default;
 
 WindowDriver::WindowDriver(int languageMode, const QStringList& letters)
 {
@@ -79,15 +61,7 @@ void WindowDriver::advanceTo(int wanted)
 
 void WindowDriver::pickFile(QPushButton* opener, const QString& path)
 {
-    const DialogWatcher watcher([&path](QDialog* dialog) {
-        if (path.isEmpty()) {
-            dialog->reject();
-            return;
-        }
-        dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
-        QMetaObject::invokeMethod(dialog, "accept");
-    });
-    click(opener);
+    pickPath(opener, path);
 }
 
 QStringList WindowDriver::runRip()

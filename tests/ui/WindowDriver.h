@@ -10,6 +10,7 @@
 #include <QString>
 #include <QTableWidget>
 
+#include "support/DialogWatcher.h"
 #include "support/SimulatedDrive.h"
 
 #include <functional>
@@ -87,14 +88,4 @@ private:
     DriveShelf drives;
     DrivePlatformOverride platform{drives};
     std::unique_ptr<MainWindow> frame;
-};
-
-/// Calls back with the first modal dialog that shows up, for as long as it lives.
-class DialogWatcher {
-public:
-    explicit DialogWatcher(std::function<void(QDialog*)> onDialog);
-    ~DialogWatcher();
-
-private:
-    std::unique_ptr<class QTimer> timer;
 };

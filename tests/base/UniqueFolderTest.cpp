@@ -1,0 +1,70 @@
+#include "base/UniqueFolder.h"
+
+#include "base/Language.h"
+#include "base/Settings.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class UniqueFolder : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        QSettings().setValue(QLatin1String(settings::language), 2);
+        loadLanguage();
+    }
+
+    QTemporaryDir place;
+};
+
+} // namespace
+
+TEST_F(UniqueFolder, ParentsAreMadeAsWell)
+{
+    const MadeFolder made = makeUniqueFolder(place.path() + QStringLiteral("/a/b"), QStringLiteral("x. y"));
+    EXPECT_EQ(made.path, place.path() + QStringLiteral("/a/b/x. y"));
+    EXPECT_TRUE(made.created);
+    EXPECT_TRUE(QFileInfo(made.path).isDir());
+}
+
+TEST_F(UniqueFolder, EachCallHasAFolderOfItsOwn)
+{
+    for (const char* expected : {"x", "x - Copy", "x - Copy (2)", "x - Copy (3)"}) {
+        const MadeFolder made = makeUniqueFolder(place.path(), QStringLiteral("x"));
+        EXPECT_EQ(made.path, place.path() + QLatin1Char('/') + QLatin1String(expected));
+        EXPECT_TRUE(made.created);
+    }
+}
+
+TEST_F(UniqueFolder, ALinkToAFolderIsAFolder)
+{
+    ASSERT_TRUE(QFile::link(place.path(), place.path() + QStringLiteral("/x")));
+    EXPECT_EQ(makeUniqueFolder(place.path(), QStringLiteral("x")).path, place.path() + QStringLiteral("/x - Copy"));
+}
+
+TEST_F(UniqueFolder, AFileOfTheNameIsLeftAlone)
+{
+    const QString path = place.path() + QStringLiteral("/x");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    const MadeFolder made = makeUniqueFolder(place.path(), QStringLiteral("x"));
+    EXPECT_EQ(made.path, path);
+    EXPECT_FALSE(made.created);
+    EXPECT_TRUE(QFileInfo(path).isFile());
+    EXPECT_FALSE(makeUniqueFolder(path, QStringLiteral("below")).created);
+}
+
+TEST_F(UniqueFolder, AnEmptyNameOfAFolderThatIsThereGoesOnInsideIt)
+{
+    EXPECT_EQ(makeUniqueFolder(place.path(), QString()).path, place.path() + QStringLiteral("/ - Copy"));
+    const MadeFolder made = makeUniqueFolder(place.path() + QStringLiteral("/new"), QString());
+    EXPECT_EQ(made.path, place.path() + QStringLiteral("/new/"));
+    EXPECT_TRUE(made.created);
+}

@@ -1,0 +1,237 @@
+// Sources, targets and neighbours that a conversion must not trip over.
+
+#include "convert/ConversionRun.h"
+
+#include "base/Language.h"
+#include "convert/FolderOfAudio.h"
+#include "support/DiscMaker.h"
+#include "support/FileSizeLimit.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <sys/stat.h>
+
+namespace {
+
+using Counts = std::array<int, 3>;
+
+class ConversionTrouble : public ::testing::Test {
+protected:
+    /// @param before  called with the number of each file, from 1
+    Counts run(const std::function<void(int)>& before = {}, const char* format = "FLAC")
+    {
+        int number = 0;
+        ConversionRun conversion(place.source(), place.output(), QLatin1String(format), [&](const QString&) {
+            ++number;
+            if (before)
+                before(number);
+            return true;
+        });
+        const ConversionCounts counts = conversion.convert(audioFilesIn(place.source()));
+        return {counts.converted, counts.failed, counts.skipped};
+    }
+
+    /// A folder of the user's beside source and output, with a file in it.
+    QString precious() const
+    {
+        const QString folder = place.top() + QStringLiteral("/Precious");
+        QDir().mkpath(folder);
+        writeFile(folder, QStringLiteral("letter.txt"), "kept");
+        return folder;
+    }
+
+    static QByteArray contentOf(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
+    }
+
+    FolderOfAudio place;
+};
+
+} // namespace
+
+TEST_F(ConversionTrouble, ADamagedFileFailsAndTheOthersGoOn)
+{
+    place.addWave(QStringLiteral("1.wav"));
+    place.add(QStringLiteral("2.wav"), "RIFF but nothing else");
+    place.add(QStringLiteral("3.mp3"), QByteArray());
+    place.add(QStringLiteral("4.dsf"), QByteArray(5000, '\xff'));
+    place.addWave(QStringLiteral("5.wav"));
+    EXPECT_EQ(run(), (Counts{2, 3, 0}));
+    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/1.flac", "Album/5.flac"}));
+}
+
+TEST_F(ConversionTrouble, ARunWithoutSuccessLeavesNoFolderButTheOneAbove)
+{
+    place.add(QStringLiteral("1.wav"), "broken");
+    QDir().mkpath(place.output() + QStringLiteral("/Other"));
+    EXPECT_EQ(run(), (Counts{0, 1, 0}));
+    EXPECT_EQ(place.outputTree(), QStringList{"Other"});
+}
+
+TEST_F(ConversionTrouble, TheSourceFolderVanishesOnTheWay)
+{
+    for (const char* name : {"1.wav", "2.wav", "3.wav"})
+        place.addWave(QLatin1String(name));
+    const Counts counts = run([this](int number) {
+        if (number == 2)
+            QDir(place.source()).removeRecursively();
+    });
+    EXPECT_EQ(counts, (Counts{1, 2, 0}));
+    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/1.flac"}));
+}
+
+TEST_F(ConversionTrouble, TheRunFolderVanishesOnTheWayAndIsMadeAgain)
+{
+    for (const char* name : {"1.wav", "2.wav"})
+        place.addWave(QLatin1String(name));
+    const Counts counts = run([this](int number) {
+        if (number == 2)
+            QDir(place.runFolder()).removeRecursively();
+    });
+    EXPECT_EQ(counts, (Counts{2, 0, 0}));
+    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/2.flac"}));
+}
+
+TEST_F(ConversionTrouble, WhatADiskHasNoRoomForFailsAndIsRemoved)
+{
+    place.addWave(QStringLiteral("1 short.wav"), 1, 1);
+    place.addWave(QStringLiteral("2 long.wav"), 2, 75);
+    place.addWave(QStringLiteral("3 short.wav"), 3, 1);
+    // The header and one sector of 2352 bytes fit, 75 sectors do not.
+    {
+        const FileSizeLimit limit(16 * 1024);
+        EXPECT_EQ(run(), (Counts{2, 1, 0}));
+    }
+    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/1 short.flac", "Album/3 short.flac"}));
+    {
+        const FileSizeLimit limit(10);
+        EXPECT_EQ(run(), (Counts{0, 3, 0}));
+    }
+    EXPECT_FALSE(QFileInfo::exists(place.output() + QStringLiteral("/Album - Copy")));
+}
+
+TEST_F(ConversionTrouble, LinksToFilesAreTakenLinksToAnythingElseAreNot)
+{
+    const QString elsewhere = writeFile(place.top(), QStringLiteral("elsewhere.bin"), wrapInWave(makeAudio(1, 4)));
+    const auto link = [this](const QString& target, const char* name) {
+        ASSERT_TRUE(QFile::link(target, place.source() + QLatin1Char('/') + QLatin1String(name)));
+    };
+    link(elsewhere, "to a file.wav");
+    link(place.top() + QStringLiteral("/nothing"), "to nothing.wav");
+    link(precious(), "to a folder.wav");
+    const QByteArray pipe = QFile::encodeName(place.source() + QStringLiteral("/pipe.wav"));
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    link(place.source() + QStringLiteral("/pipe.wav"), "to a pipe.wav");
+    link(QStringLiteral("loop.wav"), "loop.wav");
+
+    EXPECT_EQ(run(), (Counts{1, 0, 0}));
+    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/to a file.flac"}));
+    EXPECT_EQ(contentOf(elsewhere), wrapInWave(makeAudio(1, 4)));
+}
+
+TEST_F(ConversionTrouble, ANameThatIsNoTextFailsAndIsCounted)
+{
+    place.addWave(QStringLiteral("fine.wav"));
+    for (const QByteArray name : {"b\xff.wav", "b\xfe.wav"}) {
+        const QByteArray path = QFile::encodeName(place.source()) + '/' + name;
+        FILE* file = std::fopen(path.constData(), "wb");
+        ASSERT_NE(file, nullptr);
+        const QByteArray wave = wrapInWave(makeAudio(1, 1));
+        std::fwrite(wave.constData(), 1, static_cast<size_t>(wave.size()), file);
+        std::fclose(file);
+    }
+    EXPECT_EQ(run(), (Counts{1, 2, 0}));
+    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/fine.flac"}));
+}
+
+TEST_F(ConversionTrouble, ATargetNameThatIsTooLongFails)
+{
+    place.addWave(QString(252, QLatin1Char('n')) + QStringLiteral(".wv"));
+    place.addWave(QString(251, QLatin1Char('n')) + QStringLiteral(".wav"));
+    place.addWave(QString(250, QLatin1Char('n')) + QStringLiteral(".wav"));
+    // Of 255 bytes that a name may have, ".flac" takes five.
+    EXPECT_EQ(run(), (Counts{1, 2, 0}));
+    EXPECT_EQ(place.outputTree().size(), 2);
+}
+
+TEST_F(ConversionTrouble, TheOutputMayLieInsideTheSource)
+{
+    place.addWave(QStringLiteral("1.wav"));
+    ConversionRun conversion(place.source(), place.source(), QStringLiteral("WAV"), [](const QString&) { return true; });
+    EXPECT_EQ(conversion.convert(audioFilesIn(place.source())).skipped, 1);
+    EXPECT_EQ(FolderOfAudio::below(place.source()), QStringList{"1.wav"});
+    ConversionRun again(place.source(), place.source(), QStringLiteral("FLAC"), [](const QString&) { return true; });
+    EXPECT_EQ(again.convert(audioFilesIn(place.source())).converted, 1);
+    EXPECT_EQ(FolderOfAudio::below(place.source()), (QStringList{"1.wav", "Album", "Album/1.flac"}));
+    EXPECT_EQ(contentOf(place.source() + QStringLiteral("/1.wav")), wrapInWave(makeAudio(1, 1)));
+}
+
+TEST_F(ConversionTrouble, ASourceInsideTheOutputKeepsItsFiles)
+{
+    place.addWave(QStringLiteral("1.wav"));
+    ConversionRun conversion(place.source(), place.top(), QStringLiteral("FLAC"), [](const QString&) { return true; });
+    EXPECT_EQ(conversion.convert(audioFilesIn(place.source())).converted, 1);
+    EXPECT_EQ(FolderOfAudio::below(place.top()),
+              (QStringList{"Album", "Album - Copy", "Album - Copy/1.flac", "Album/1.wav"}));
+}
+
+TEST_F(ConversionTrouble, AFileInThePlaceOfTheRunFolderStays)
+{
+    place.addWave(QStringLiteral("1.wav"));
+    QDir().mkpath(place.output());
+    writeFile(place.output(), QStringLiteral("Album"), "a letter");
+    EXPECT_EQ(run(), (Counts{0, 1, 0}));
+    EXPECT_EQ(contentOf(place.runFolder()), "a letter");
+}
+
+TEST_F(ConversionTrouble, ALinkInThePlaceOfTheRunFolderStays)
+{
+    place.add(QStringLiteral("1.wav"), "broken");
+    QDir().mkpath(place.output());
+    ASSERT_TRUE(QFile::link(place.top() + QStringLiteral("/nothing"), place.runFolder()));
+    EXPECT_EQ(run(), (Counts{0, 1, 0}));
+    EXPECT_TRUE(QFileInfo(place.runFolder()).isSymLink());
+    EXPECT_FALSE(QFileInfo::exists(place.top() + QStringLiteral("/nothing")));
+
+    ASSERT_TRUE(QFile::remove(place.runFolder()));
+    ASSERT_TRUE(QFile::link(precious(), place.runFolder()));
+    EXPECT_EQ(run(), (Counts{0, 1, 0}));
+    EXPECT_EQ(FolderOfAudio::below(precious()), QStringList{"letter.txt"});
+}
+
+TEST_F(ConversionTrouble, RemovingTheRunFolderFollowsNoLink)
+{
+    place.add(QStringLiteral("1.wav"), "broken");
+    const QString folder = precious();
+    EXPECT_EQ(run([&](int) { QFile::link(folder, place.runFolder() + QStringLiteral("/inside")); }), (Counts{0, 1, 0}));
+    EXPECT_FALSE(QFileInfo::exists(place.runFolder()));
+    EXPECT_EQ(FolderOfAudio::below(folder), QStringList{"letter.txt"});
+
+    EXPECT_EQ(run([&](int) {
+                  QDir().rmdir(place.runFolder());
+                  QFile::link(folder, place.runFolder());
+              }),
+              (Counts{0, 1, 0}));
+    EXPECT_EQ(FolderOfAudio::below(folder), QStringList{"letter.txt"});
+}
+
+TEST_F(ConversionTrouble, ThousandsOfFilesAreAllCounted)
+{
+    constexpr int count = 5000;
+    const QByteArray wave = wrapInWave(makeAudio(1, 1).left(400));
+    for (int i = 0; i < count; ++i) {
+        const bool toConvert = i % 10 == 0;
+        place.add(QString::number(i) + (i % 5 == 0 ? QStringLiteral(".wav") : QStringLiteral(".flac")),
+                  toConvert ? wave : QByteArray());
+    }
+    // Of ten files one is audio, one is empty, and eight are in the format already.
+    EXPECT_EQ(run(), (Counts{500, 500, 4000}));
+    EXPECT_EQ(place.outputTree().size(), 1 + 500);
+}
