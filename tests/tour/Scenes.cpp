@@ -3,6 +3,7 @@
 #include "support/DiscMaker.h"
 #include "support/LoopbackServices.h"
 #include "support/ServiceAnswers.h"
+#include "support/DialogWatcher.h"
 #include "ui/WindowDriver.h"
 #include "verify/AccurateRip.h"
 #include "verify/AccurateRipDatabase.h"
@@ -12,6 +13,7 @@
 #include <QProgressBar>
 #include <QRadioButton>
 #include <QSettings>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThreadPool>
@@ -256,12 +258,48 @@ void verdicts(Stage& stage, QList<Shot>& shots)
     finish("Verify without a connection");
 }
 
+void settings(Stage& stage, QList<Shot>& shots)
+{
+    WindowDriver& app = stage.open();
+    stage.loadDisc();
+    stage.enterMetadata(); // the dialog shows the drive
+    bool seen = false;
+    const DialogWatcher watcher([&](QDialog* dialog) {
+        stage.shoot(shots, QStringLiteral("Settings"), dialog);
+        dialog->findChild<QTabWidget*>()->setCurrentIndex(1);
+        stage.shoot(shots, QStringLiteral("About"), dialog);
+        dialog->reject();
+        seen = true;
+    });
+    WindowDriver::click(app.find<QPushButton>("settingsBtn"));
+    static_cast<void>(QTest::qWaitFor([&] { return seen; }, patience));
+}
+
+void converting(Stage& stage, QList<Shot>& shots)
+{
+    WindowDriver& app = stage.open();
+    const QString album = stage.folder.path() + QStringLiteral("/Album of one bit");
+    QDir().mkpath(album);
+    for (const char* name : {"01 First.wav", "02 Second.wav", "03 Third.wav"})
+        writeFile(album, QLatin1String(name), wrapInWave(makeAudio(75, 1)));
+    writeFile(album, QStringLiteral("04 Broken.dsf"), "DSD ");
+    WindowDriver::click(app.find<QPushButton>("convertBtn"));
+    auto* dialog = app.window().findChild<QDialog*>();
+    stage.shoot(shots, QStringLiteral("Convert at the start"), dialog);
+    const auto buttons = dialog->findChildren<QPushButton*>();
+    pickPath(buttons.constFirst(), album);
+    dialog->findChildren<QLineEdit*>().value(1)->setText(stage.folder.path() + QStringLiteral("/Converted"));
+    stage.shoot(shots, QStringLiteral("Convert with one-bit audio"), dialog);
+    WindowDriver::click(buttons.constLast());
+    stage.shoot(shots, QStringLiteral("Convert at the end"), dialog);
+}
+
 } // namespace
 
 QList<Shot> playScenes(int language, const QSize& size)
 {
     QList<Shot> shots;
-    for (const auto scene : {sourceAndOutput, metadata, ripping, audioFile, verdicts}) {
+    for (const auto scene : {sourceAndOutput, metadata, ripping, audioFile, verdicts, settings, converting}) {
         Stage stage(language, size);
         scene(stage, shots);
     }
