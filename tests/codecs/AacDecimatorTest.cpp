@@ -116,7 +116,8 @@ TEST(AacDecimator, EveryBitIsThatOfThePlainSum)
         for (const int factor : {2, 3, 4, 7, 8, 16}) {
             // Longer than any piece inside, with an end in the middle of a period.
             const quint64 frames = static_cast<quint64>(factor) * 150 + 1;
-            const QList<qint32> samples = audiomaker::noise(frames * static_cast<quint64>(channels), factor);
+            const QList<qint32> samples =
+                audiomaker::noise(frames * static_cast<quint64>(channels), static_cast<quint32>(factor));
             PlainDecimator plain(channels, factor);
             EXPECT_EQ(reduced(channels, factor, samples), plain.run(samples)) << factor << " " << channels;
         }
@@ -126,7 +127,7 @@ TEST(AacDecimator, EveryBitIsThatOfThePlainSum)
 TEST(AacDecimator, HistoryAndPhaseRunAcrossBlocks)
 {
     for (const int factor : {2, 3, 8}) {
-        const QList<qint32> samples = audiomaker::noise(2 * 5000, 60 + factor);
+        const QList<qint32> samples = audiomaker::noise(2 * 5000, 60u + static_cast<quint32>(factor));
         PlainDecimator plain(2, factor);
         AacDecimator decimator(2, factor);
         const int sizes[] = {1, 2, 0, 700, 5, 63, 129, 1};
