@@ -145,18 +145,6 @@ TEST_P(OversamplerFactors, BlocksOfAnySizeGiveTheBitsOfThePlainSums)
 INSTANTIATE_TEST_SUITE_P(Factors, OversamplerFactors,
                          ::testing::Values(2u, 3u, 4u, 5u, 7u, 8u, 127u, 128u, 383u, 384u, 385u, 1000u));
 
-// What is left out of the sums must not show, not even as the sign of a zero.
-TEST(Oversampler, AddedZeroProductsKeepTheSignOfEveryPlainSum)
-{
-    PlainChannel all(3);
-    std::vector<float> input(300, -0.0f);
-    input.resize(600, 0.0f);
-    for (const float value : all.run(input)) {
-        EXPECT_EQ(value, 0.0f);
-        EXPECT_FALSE(std::signbit(value));
-    }
-}
-
 TEST(Oversampler, ZeroesStayZeroes)
 {
     Oversampler oversampler(2, 2);
