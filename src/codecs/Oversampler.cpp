@@ -118,6 +118,7 @@ AudioBlock Oversampler::run(const AudioBlock& block)
     raised.frames = quint64{frames} * factor;
     raised.samples.resize(static_cast<qsizetype>(raised.frames * width));
     for (std::size_t channel = 0; channel < width; ++channel)
-        filters[channel]->run(block.samples.constData() + channel, frames, width, raised.samples.data() + channel);
+        filters[channel]->run(block.samples.constData() + channel, frames, width,
+                              raised.samples.data() + channel);
     return raised;
 }

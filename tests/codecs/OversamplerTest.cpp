@@ -133,7 +133,8 @@ TEST_P(OversamplerFactors, BlocksOfAnySizeGiveTheBitsOfThePlainSums)
         const int sizes[] = {1, 3, 0, 100, 16, 17, 500, 2, 4096};
         int turn = 0;
         for (qsizetype place = 0; place < samples.size();) {
-            const AudioBlock block = makeBlock(samples.mid(place, qsizetype{sizes[turn++ % 9]} * channels), channels);
+            const qsizetype wanted = qsizetype{sizes[turn++ % 9]} * channels;
+            const AudioBlock block = makeBlock(samples.mid(place, wanted), channels);
             const AudioBlock ours = oversampler.run(block);
             EXPECT_EQ(ours.frames, block.frames * factor);
             ASSERT_EQ(ours.samples, plain.run(block).samples) << channels << " channels, sample " << place;
@@ -184,7 +185,8 @@ TEST(Oversampler, AToneKeepsItsHeightAndComes191AndAHalfValuesLate)
         const double rate = 44100.0 * factor;
         double worst = 0;
         for (qsizetype i = 500; i < raised.samples.size(); ++i) {
-            const double expected = 0.5 * std::sin(2 * std::numbers::pi * hertz * (static_cast<double>(i) - 191.5) / rate);
+            const double time = (static_cast<double>(i) - 191.5) / rate;
+            const double expected = 0.5 * std::sin(2 * std::numbers::pi * hertz * time);
             worst = std::fmax(worst, std::fabs(raised.samples[i] / 2147483648.0 - expected));
         }
         EXPECT_LT(worst, 0.5e-3) << factor; // 60 dB below the tone

@@ -110,12 +110,13 @@ TEST_F(TranscoderFailureTest, ADiskThatIsFullAtTheVeryEndFails)
 
 TEST_F(TranscoderFailureTest, HostileHeadersNeitherCrashNorHang)
 {
-    const QByteArray data = littleEndian(audiomaker::noise(65535 + 1000, 3), 16); // a frame of the widest
     const auto tryAll = [&](quint32 rate, quint16 channels, quint16 bits) {
+        // Few frames, for at one a second they are long audio to an MP3 encoder.
+        const QByteArray data = littleEndian(audiomaker::noise(channels > 2 ? channels : 300, 3), 16);
         const QByteArray format = little(quint16{1}) + little(channels) + little(rate) + little(rate)
                                   + little(quint16{4}) + little(bits);
-        writeAll(file("source.wav"),
-                 "RIFF" + little(quint32{0}) + "WAVE" + littleChunk("fmt ", format) + littleChunk("data", data));
+        writeAll(file("source.wav"), "RIFF" + little(quint32{0}) + "WAVE" + littleChunk("fmt ", format)
+                                         + littleChunk("data", data));
         for (const EncoderId id : {WavEncoderId, FlacEncoderId, Mp3EncoderId, AiffEncoderId}) {
             SCOPED_TRACE(::testing::Message() << rate << " " << channels << " " << bits << " " << id);
             TrackGain gain;

@@ -22,8 +22,10 @@ QMap<QString, QString> gainsOf(const QString& path)
     return gains;
 }
 
-const QMap<QString, QString> someGains{{"replaygain_track_gain", "-6.50 dB"}, {"replaygain_track_peak", "0.988553"},
-                                       {"replaygain_album_gain", "+2.25 dB"}, {"replaygain_album_peak", "1.000000"}};
+const QMap<QString, QString> someGains{{"replaygain_track_gain", "-6.50 dB"},
+                                       {"replaygain_track_peak", "0.988553"},
+                                       {"replaygain_album_gain", "+2.25 dB"},
+                                       {"replaygain_album_peak", "1.000000"}};
 
 bool writeSomeGains(const QString& path)
 {
