@@ -112,7 +112,7 @@ TEST_F(TranscoderFailureTest, HostileHeadersNeitherCrashNorHang)
 {
     const auto tryAll = [&](quint32 rate, quint16 channels, quint16 bits) {
         // Few frames, for at one a second they are long audio to an MP3 encoder.
-        const QByteArray data = littleEndian(audiomaker::noise(channels > 2 ? channels : 300, 3), 16);
+        const QByteArray data = littleEndian(audiomaker::noise(channels > 2 ? channels : 50, 3), 16);
         const QByteArray format = little(quint16{1}) + little(channels) + little(rate) + little(rate)
                                   + little(quint16{4}) + little(bits);
         writeAll(file("source.wav"), "RIFF" + little(quint32{0}) + "WAVE" + littleChunk("fmt ", format)
@@ -128,11 +128,13 @@ TEST_F(TranscoderFailureTest, HostileHeadersNeitherCrashNorHang)
         }
     };
     for (const quint32 rate : {0u, 1u, 9u, 44100u, 0x80000000u, 0xFFFFFFFFu}) {
-        for (const quint16 channels : {quint16{0}, quint16{1}, quint16{2}, quint16{65535}}) {
-            for (const quint16 bits : {quint16{0}, quint16{16}, quint16{65535}})
-                tryAll(rate, channels, bits);
-        }
+        for (const quint16 channels : {quint16{0}, quint16{1}, quint16{2}})
+            tryAll(rate, channels, 16);
     }
+    tryAll(44100, 65535, 16);
+    tryAll(0xFFFFFFFF, 65535, 65535);
+    tryAll(44100, 2, 0);
+    tryAll(9, 1, 65535);
 }
 
 TEST_F(TranscoderFailureTest, AFactorBeyondAnyMemoryFails)
