@@ -131,8 +131,8 @@ bool compareMeters(const char* what, const QList<qint32>& samples, int channels,
     const bool agree = std::abs(ours.loudness - std::max(other.loudness, -70.0)) <= loudnessTolerance
                        && std::abs(ours.peak - other.peak) < 1e-6;
     if (!agree)
-        std::printf("  the results differ: %.3f and %.3f LUFS, peaks %.7f and %.7f\n", ours.loudness, other.loudness,
-                    ours.peak, other.peak);
+        std::printf("  the results differ: %.3f and %.3f LUFS, peaks %.7f and %.7f\n", ours.loudness,
+                    other.loudness, ours.peak, other.peak);
     return agree;
 }
 
@@ -147,7 +147,8 @@ public:
         double sum = 0;
         for (std::size_t i = 0; i < tapCount; ++i) {
             const double n = static_cast<double>(i) - centre;
-            const double lowPass = std::sin(1.0 / (2.0 * raise) * 6.283185307179586 * n) / (n * 3.141592653589793);
+            const double cutoff = 1.0 / (2.0 * raise);
+            const double lowPass = std::sin(cutoff * 6.283185307179586 * n) / (n * 3.141592653589793);
             const double t = n / centre;
             const double value = lowPass * (besselI0(8.6 * std::sqrt(std::max(0.0, 1 - t * t))) / besselI0(8.6));
             taps[i] = static_cast<float>(value);
@@ -168,8 +169,10 @@ public:
             double sum = 0;
             for (std::size_t k = 0; k < tapCount; ++k)
                 sum += static_cast<double>(taps[k]) * static_cast<double>(workArea[j + tapCount - 1 - k]);
-            const float scaled = std::clamp(static_cast<float>(sum) * 2147483648.0f, -2147483648.0f, 2147483648.0f);
-            out[j * step] = scaled == 2147483648.0f ? std::numeric_limits<qint32>::min() : static_cast<qint32>(scaled);
+            constexpr float fullScale = 2147483648.0f;
+            const float scaled = std::clamp(static_cast<float>(sum) * fullScale, -fullScale, fullScale);
+            out[j * step] =
+                scaled == fullScale ? std::numeric_limits<qint32>::min() : static_cast<qint32>(scaled);
         }
         std::copy(workArea.end() - (tapCount - 1), workArea.end(), workArea.begin());
     }
@@ -216,7 +219,8 @@ Plan readPlan(const QCoreApplication& application)
     QCommandLineParser parser;
     parser.addHelpOption();
     parser.addOptions({{"seconds", "Audio to measure.", "n", QString::number(plan.seconds)},
-                       {"oversampled", "Seconds of audio to oversample.", "n", QString::number(plan.oversampledSeconds)},
+                       {"oversampled", "Seconds of audio to oversample.", "n",
+                        QString::number(plan.oversampledSeconds)},
                        {"pairs", "Pairs of runs for each row.", "n", QString::number(plan.pairs)}});
     parser.process(application);
     plan.seconds = std::max(parser.value("seconds").toInt(), 1);

@@ -9,13 +9,13 @@
 
 namespace {
 
-constexpr std::size_t taps = 384;
+constexpr std::size_t tapCount = 384;
 // A block beyond two gigabytes is refused rather than asked of the system.
 constexpr std::size_t mostSamples = std::size_t{1} << 29;
 // Values whose sums run side by side.
 constexpr std::size_t lanes = 16;
 
-std::array<float, taps> designFilter(quint32 factor)
+std::array<double, tapCount> designFilter(quint32 factor)
 {
     constexpr double pi = 3.141592653589793;
     constexpr double twoPi = 6.283185307179586;
@@ -23,9 +23,9 @@ std::array<float, taps> designFilter(quint32 factor)
     constexpr double beta = 8.6;
     const double cutoff = 1.0 / (2.0 * factor);
 
-    std::array<float, taps> designed{};
+    std::array<float, tapCount> designed{};
     double sum = 0.0;
-    for (std::size_t i = 0; i < taps; ++i) {
+    for (std::size_t i = 0; i < tapCount; ++i) {
         const double n = static_cast<double>(i) - centre;
         const double lowPass = std::sin(cutoff * twoPi * n) / (n * pi);
         const double ratio = n / centre;
@@ -34,9 +34,10 @@ std::array<float, taps> designFilter(quint32 factor)
         designed[i] = static_cast<float>(value);
         sum += value;
     }
-    for (float& tap : designed)
-        tap = static_cast<float>(double{tap} * (factor / sum));
-    return designed;
+    std::array<double, tapCount> taps;
+    std::transform(designed.begin(), designed.end(), taps.begin(),
+                   [&](float tap) { return double{static_cast<float>(double{tap} * (factor / sum))}; });
+    return taps;
 }
 
 } // namespace
@@ -45,13 +46,12 @@ std::array<float, taps> designFilter(quint32 factor)
 // which changes no sum that has begun with +0. So each of the `factor` outputs of
 // an input sample meets every factor-th tap only, in the order of the taps.
 struct Oversampler::OversamplerChannel {
-    explicit OversamplerChannel(quint32 raise)
+    OversamplerChannel(quint32 raise, const std::array<double, tapCount>& shared)
         : factor(raise)
-        , pastSamples((taps - 1) / raise)
+        , pastSamples((tapCount - 1) / raise)
+        , taps(shared)
         , input(pastSamples)
     {
-        const std::array<float, taps> designed = designFilter(raise);
-        std::copy(designed.begin(), designed.end(), coefficients.begin());
     }
 
     void run(const qint32* samples, std::size_t count, std::size_t channels, qint32* out)
@@ -83,8 +83,8 @@ private:
     void sum(std::size_t first, std::size_t phase, double (&sums)[lanes]) const
     {
         const double* newest = input.data() + pastSamples + first;
-        for (std::size_t tap = phase; tap < taps; tap += factor, --newest) {
-            const double coefficient = coefficients[tap];
+        for (std::size_t tap = phase; tap < tapCount; tap += factor, --newest) {
+            const double coefficient = taps[tap];
             for (std::size_t lane = 0; lane < lanes; ++lane)
                 sums[lane] += coefficient * newest[lane];
         }
@@ -92,16 +92,17 @@ private:
 
     std::size_t factor;
     std::size_t pastSamples; ///< that the first output of a block still meets
-    std::array<double, taps> coefficients;
+    const std::array<double, tapCount>& taps;
     std::vector<double> input; ///< past, then the block
 };
 
 Oversampler::Oversampler(int channelCount, quint32 raise)
     : channels(std::max(channelCount, 1))
     , factor(std::max(raise, 1u))
+    , taps(designFilter(factor))
 {
     for (int channel = 0; channel < channels; ++channel)
-        filters.push_back(std::make_unique<OversamplerChannel>(factor));
+        filters.push_back(std::make_unique<OversamplerChannel>(factor, taps));
 }
 
 Oversampler::~Oversampler() = default;
@@ -117,6 +118,7 @@ AudioBlock Oversampler::run(const AudioBlock& block)
     raised.frames = quint64{frames} * factor;
     raised.samples.resize(static_cast<qsizetype>(raised.frames * width));
     for (std::size_t channel = 0; channel < width; ++channel)
-        filters[channel]->run(block.samples.constData() + channel, frames, width, raised.samples.data() + channel);
+        filters[channel]->run(block.samples.constData() + channel, frames, width,
+                              raised.samples.data() + channel);
     return raised;
 }

@@ -3,6 +3,7 @@
 #include "codecs/AudioFormat.h"
 
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -20,8 +21,10 @@ public:
 
 private:
     struct OversamplerChannel;
+    static constexpr std::size_t tapCount = 384;
 
     int channels;
     quint32 factor;
+    std::array<double, tapCount> taps; ///< floats, widened once for all channels
     std::vector<std::unique_ptr<OversamplerChannel>> filters;
 };

@@ -6,7 +6,10 @@
 #include <QFile>
 
 #include <taglib/fileref.h>
+#include <taglib/id3v2tag.h>
+#include <taglib/mpegfile.h>
 #include <taglib/tpropertymap.h>
+#include <taglib/wavfile.h>
 
 #include <algorithm>
 #include <cmath>
@@ -24,6 +27,25 @@ void setGainAndPeak(TagLib::PropertyMap& properties, const char* gainKey, double
     properties.replace(peakKey, value(QString::asprintf("%.6f", peak)));
 }
 
+// Two kinds of file hold a short old tag beside the ID3v2 tag. TagLib gives it
+// the whole map, where a track of "3/12" reads as 0; and on saving an MP3 file it
+// fills gaps of one tag from the other, which drops a year that is no number.
+// There the ID3v2 tag alone takes the map, and the old one stays as it is.
+bool setAndSave(TagLib::File& file, const TagLib::PropertyMap& properties)
+{
+    using TagLib::MPEG::File;
+
+    if (auto* mpeg = dynamic_cast<File*>(&file)) {
+        mpeg->ID3v2Tag(true)->setProperties(properties);
+        return mpeg->save(File::AllTags, File::StripOthers, TagLib::ID3v2::v4, File::DoNotDuplicate);
+    }
+    if (auto* wave = dynamic_cast<TagLib::RIFF::WAV::File*>(&file))
+        wave->ID3v2Tag()->setProperties(properties);
+    else
+        file.setProperties(properties);
+    return file.save();
+}
+
 } // namespace
 
 bool writeReplayGain(const QString& path, double trackGain, double trackPeak, double albumGain, double albumPeak)
@@ -37,8 +59,7 @@ bool writeReplayGain(const QString& path, double trackGain, double trackPeak, do
         setGainAndPeak(properties, "REPLAYGAIN_TRACK_GAIN", trackGain, "REPLAYGAIN_TRACK_PEAK", trackPeak);
         if (!std::isnan(albumGain))
             setGainAndPeak(properties, "REPLAYGAIN_ALBUM_GAIN", albumGain, "REPLAYGAIN_ALBUM_PEAK", albumPeak);
-        reference.file()->setProperties(properties);
-        return reference.file()->save();
+        return setAndSave(*reference.file(), properties);
     } catch (...) {
         return false;
     }

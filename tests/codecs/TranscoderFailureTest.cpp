@@ -57,11 +57,17 @@ TEST_F(TranscoderFailureTest, AnUnknownEncoderCreatesNoTarget)
 
 TEST_F(TranscoderFailureTest, AFormatThatTheEncoderRefusesLeavesNothingOrAnEmptyFile)
 {
-    const QString source = makeWave("source.wav", {44100, 9, 16}, 3000);
-    for (const EncoderId id : {FlacEncoderId, Mp3EncoderId}) {
-        EXPECT_FALSE(convert(source, file("target"), id)) << id;
-        EXPECT_EQ(QFileInfo(file("target")).size(), 0) << id;
+    // More channels than FLAC has, and a rate beyond its twenty bits.
+    for (const AudioFormat& format : {AudioFormat{44100, 9, 16}, AudioFormat{2000000, 2, 16}}) {
+        const QString source = makeWave("source.wav", format, 3000);
+        EXPECT_FALSE(convert(source, file("target.flac"), FlacEncoderId));
+        EXPECT_EQ(QFileInfo(file("target.flac")).size(), 0);
     }
+    // A rate that only the factor takes beyond them.
+    const QString source = makeWave("source.wav", {500000, 2, 16}, 3000);
+    EXPECT_TRUE(convert(source, file("target.flac"), FlacEncoderId));
+    EXPECT_FALSE(convert(source, file("raised.flac"), FlacEncoderId, 3));
+    EXPECT_EQ(QFileInfo(file("raised.flac")).size(), 0);
 }
 
 TEST_F(TranscoderFailureTest, ATargetThatCannotBeCreatedFails)
@@ -104,27 +110,31 @@ TEST_F(TranscoderFailureTest, ADiskThatIsFullAtTheVeryEndFails)
 
 TEST_F(TranscoderFailureTest, HostileHeadersNeitherCrashNorHang)
 {
-    const QByteArray data = littleEndian(audiomaker::noise(6000, 3), 16);
-    for (const quint32 rate : {0u, 1u, 9u, 44100u, 0x80000000u, 0xFFFFFFFFu}) {
-        for (const quint16 channels : {quint16{0}, quint16{1}, quint16{2}, quint16{0x8000}, quint16{65535}}) {
-            for (const quint16 bits : {quint16{0}, quint16{1}, quint16{16}, quint16{65535}}) {
-                const QByteArray format = little(quint16{1}) + little(channels) + little(rate) + little(rate)
-                                          + little(quint16{4}) + little(bits);
-                writeAll(file("source.wav"), "RIFF" + little(quint32{0}) + "WAVE" + littleChunk("fmt ", format)
-                                                 + littleChunk("data", data));
-                for (const EncoderId id : {WavEncoderId, FlacEncoderId, Mp3EncoderId, AiffEncoderId}) {
-                    SCOPED_TRACE(::testing::Message() << rate << " " << channels << " " << bits << " " << id);
-                    TrackGain gain;
-                    gain.enabled = true;
-                    const bool converted = convert(file("source.wav"), file("target"), id, 3, &gain);
-                    if (converted)
-                        EXPECT_GT(QFileInfo(file("target")).size(), 0);
-                    if (id == FlacEncoderId && (channels == 0 || channels > 8))
-                        EXPECT_FALSE(converted);
-                }
-            }
+    const auto tryAll = [&](quint32 rate, quint16 channels, quint16 bits) {
+        // Few frames, for at one a second they are long audio to an MP3 encoder.
+        const QByteArray data = littleEndian(audiomaker::noise(channels > 2 ? channels : 50, 3), 16);
+        const QByteArray format = little(quint16{1}) + little(channels) + little(rate) + little(rate)
+                                  + little(quint16{4}) + little(bits);
+        writeAll(file("source.wav"), "RIFF" + little(quint32{0}) + "WAVE" + littleChunk("fmt ", format)
+                                         + littleChunk("data", data));
+        for (const EncoderId id : {WavEncoderId, FlacEncoderId, Mp3EncoderId, AiffEncoderId}) {
+            SCOPED_TRACE(::testing::Message() << rate << " " << channels << " " << bits << " " << id);
+            TrackGain gain;
+            gain.enabled = true;
+            const bool converted = convert(file("source.wav"), file("target"), id, 3, &gain);
+            const bool refused = id == FlacEncoderId && (channels == 0 || channels > 8);
+            EXPECT_FALSE(converted && refused);
+            EXPECT_FALSE(converted && QFileInfo(file("target")).size() == 0);
         }
+    };
+    for (const quint32 rate : {0u, 1u, 9u, 44100u, 0x80000000u, 0xFFFFFFFFu}) {
+        for (const quint16 channels : {quint16{0}, quint16{1}, quint16{2}})
+            tryAll(rate, channels, 16);
     }
+    tryAll(44100, 65535, 16);
+    tryAll(0xFFFFFFFF, 65535, 65535);
+    tryAll(44100, 2, 0);
+    tryAll(9, 1, 65535);
 }
 
 TEST_F(TranscoderFailureTest, AFactorBeyondAnyMemoryFails)

@@ -53,8 +53,8 @@ protected:
 
 TEST_F(TranscoderTest, WaveToFlacKeepsEveryBit)
 {
-    for (const AudioFormat& format : {AudioFormat{44100, 2, 16}, AudioFormat{96000, 2, 24}, AudioFormat{48000, 1, 16},
-                                      AudioFormat{48000, 5, 24}, AudioFormat{44100, 6, 16}}) {
+    for (const AudioFormat& format : QList<AudioFormat>{
+             {44100, 2, 16}, {96000, 2, 24}, {48000, 1, 16}, {48000, 5, 24}, {44100, 6, 16}}) {
         const QList<qint32> samples = makeWave("source.wav", format);
         ASSERT_TRUE(convert("source.wav", "target.flac", FlacEncoderId));
         EXPECT_EQ(decodeFlac("target.flac"), littleEndian(samples, format.bitsPerSample));
@@ -79,7 +79,8 @@ TEST_F(TranscoderTest, FlacToWaveAndAiffKeepsEveryBit)
 
 TEST_F(TranscoderTest, EveryKindThatIsReadIsConvertedWhole)
 {
-    for (const char* kind : {"wav", "aiff", "aif", "mp3", "flac", "m4a", "aac", "ogg", "opus", "wv", "dsf", "dff"}) {
+    for (const char* kind :
+         {"wav", "aiff", "aif", "mp3", "flac", "m4a", "aac", "ogg", "opus", "wv", "dsf", "dff"}) {
         SCOPED_TRACE(kind);
         const QString source = file("source.") + QString::fromUtf8(kind);
         decoderfiles::make(source, 30000);

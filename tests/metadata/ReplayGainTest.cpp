@@ -22,8 +22,10 @@ QMap<QString, QString> gainsOf(const QString& path)
     return gains;
 }
 
-const QMap<QString, QString> someGains{{"replaygain_track_gain", "-6.50 dB"}, {"replaygain_track_peak", "0.988553"},
-                                       {"replaygain_album_gain", "+2.25 dB"}, {"replaygain_album_peak", "1.000000"}};
+const QMap<QString, QString> someGains{{"replaygain_track_gain", "-6.50 dB"},
+                                       {"replaygain_track_peak", "0.988553"},
+                                       {"replaygain_album_gain", "+2.25 dB"},
+                                       {"replaygain_album_peak", "1.000000"}};
 
 bool writeSomeGains(const QString& path)
 {
@@ -39,6 +41,15 @@ QList<QByteArray> payloads(const QList<Id3Frame>& frames, bool gains)
     }
     std::sort(found.begin(), found.end());
     return found;
+}
+
+QList<QByteArray> someGainFrames()
+{
+    const auto frame = [](const char* key, const char* value) {
+        return QByteArray("TXXX\x03") + key + '\0' + value; // encoding 3 is UTF-8
+    };
+    return {frame("REPLAYGAIN_ALBUM_GAIN", "+2.25 dB"), frame("REPLAYGAIN_ALBUM_PEAK", "1.000000"),
+            frame("REPLAYGAIN_TRACK_GAIN", "-6.50 dB"), frame("REPLAYGAIN_TRACK_PEAK", "0.988553")};
 }
 
 double meanSquareOf(double loudness)
@@ -60,7 +71,9 @@ TEST_P(ReplayGainKinds, EarlierTagsCoverAndAudioStay)
     const QByteArray audio = audioDigest(path);
     ASSERT_EQ(expected["title"], fullTags().title);
     ASSERT_TRUE(writeSomeGains(path));
-    expected.insert(someGains);
+    // Of a WAVE file with both kinds of tags, that program shows the older one.
+    if (!path.endsWith(".wav"))
+        expected.insert(someGains);
     EXPECT_EQ(probedTags(path), expected);
     EXPECT_EQ(probedPictures(path), QStringList{"mjpeg 40x30"});
     EXPECT_EQ(audioDigest(path), audio);
@@ -126,7 +139,7 @@ TEST_F(ReplayGainTest, EveryMp3FrameAndTheOldTagStayAsTheyWere)
         ASSERT_TRUE(writeSomeGains(path));
         const QByteArray after = readAll(path);
         EXPECT_EQ(payloads(id3Frames(after), false), payloads(id3Frames(before), false)) << year;
-        EXPECT_EQ(payloads(id3Frames(after), true).size(), 4) << year;
+        EXPECT_EQ(payloads(id3Frames(after), true), someGainFrames()) << year;
         ASSERT_TRUE(before.right(128).startsWith("TAG"));
         EXPECT_EQ(after.right(128), before.right(128)) << year;
     }
@@ -151,7 +164,7 @@ TEST_F(ReplayGainTest, BothKindsOfWaveTagsStayAsTheyWere)
         ASSERT_TRUE(writeSomeGains(path));
         const auto after = waveChunks(readAll(path));
         EXPECT_EQ(payloads(id3Frames(after["ID3 "]), false), payloads(id3Frames(before["ID3 "]), false)) << year;
-        EXPECT_EQ(payloads(id3Frames(after["ID3 "]), true).size(), 4) << year;
+        EXPECT_EQ(payloads(id3Frames(after["ID3 "]), true), someGainFrames()) << year;
         EXPECT_EQ(infoValues(after["LIST"]), infoValues(before["LIST"])) << year;
         EXPECT_EQ(after["DATA"], before["DATA"]);
         EXPECT_EQ(after.keys(), before.keys());
