@@ -191,6 +191,20 @@ TEST_F(ConversionTrouble, AFileInThePlaceOfTheRunFolderStays)
     EXPECT_EQ(contentOf(place.runFolder()), "a letter");
 }
 
+TEST_F(ConversionTrouble, AFolderThatSomebodyElseMakesMeanwhileStays)
+{
+    place.add(QStringLiteral("1.wav"), "broken");
+    QDir().mkpath(place.output());
+    writeFile(place.output(), QStringLiteral("Album"), "a letter");
+    const Counts counts = run([this](int) {
+        QFile::remove(place.runFolder());
+        QDir().mkpath(place.runFolder());
+        writeFile(place.runFolder(), QStringLiteral("letter.txt"), "kept");
+    });
+    EXPECT_EQ(counts, (Counts{0, 1, 0}));
+    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/letter.txt"}));
+}
+
 TEST_F(ConversionTrouble, ALinkInThePlaceOfTheRunFolderStays)
 {
     place.add(QStringLiteral("1.wav"), "broken");

@@ -116,11 +116,9 @@ TEST_F(ConvertDialogRun, DestroyingTheWindowEndsTheRun)
 
 TEST_F(ConvertDialogRun, ClosingTheWindowEndsTheRunAndTheProgram)
 {
-    bool timedOut = false;
-    QTimer::singleShot(20000, qApp, [&timedOut] {
-        timedOut = true;
-        QCoreApplication::exit(1);
-    });
+    QTimer patience;
+    QObject::connect(&patience, &QTimer::timeout, [] { QCoreApplication::exit(1); });
+    patience.start(20000);
     QTimer::singleShot(0, qApp, [this] {
         convertAnd([this] {
             dialog->reject();
@@ -128,7 +126,6 @@ TEST_F(ConvertDialogRun, ClosingTheWindowEndsTheRunAndTheProgram)
         });
     });
     EXPECT_EQ(QApplication::exec(), 0);
-    EXPECT_FALSE(timedOut);
     EXPECT_EQ(convertedFiles(), 0);
     EXPECT_TRUE(view().convert()->isEnabled());
 }

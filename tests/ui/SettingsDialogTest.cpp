@@ -1,6 +1,7 @@
 #include "ui/SettingsView.h"
 
 #include "base/Settings.h"
+#include "ui/StyleSheet.h"
 
 #include <QGroupBox>
 #include <QSettings>
@@ -36,6 +37,7 @@ TEST_F(SettingsDialog, FrameAndTextsOfTheSettingsTab)
         EXPECT_TRUE(view.dialog->isModal());
         EXPECT_EQ(view.dialog->windowTitle(), QStringLiteral("Settings — Tarvel CD Ripper"));
         EXPECT_EQ(view.dialog->minimumSize(), QSize(560, 700));
+        EXPECT_EQ(view.dialog->styleSheet(), styleSheetText() + settingsStyleSheetText());
         auto* tabs = view.at<QTabWidget>("settingsTabs");
         ASSERT_EQ(tabs->count(), 2);
         EXPECT_EQ(tabs->tabText(0), QStringLiteral("Settings"));

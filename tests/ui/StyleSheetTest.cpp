@@ -16,10 +16,9 @@
 namespace {
 
 /// What the sheet says of a selector, all rules joined, blanks taken out.
-QString ruleOf(const QString& selector)
+QString ruleOf(const QString& selector, const QString& sheet = styleSheetText())
 {
     QString found;
-    QString sheet = styleSheetText();
     static const QRegularExpression rule(QStringLiteral(R"(([^{}]+)\{([^{}]*)\})"));
     for (const auto& match : rule.globalMatch(sheet)) {
         for (const QString& name : match.captured(1).split(QLatin1Char(','))) {
@@ -112,6 +111,23 @@ TEST(StyleSheet, HasARuleForEveryNameThatHasOne)
     for (auto rule = expected.cbegin(); rule != expected.cend(); ++rule)
         EXPECT_TRUE(ruleOf(rule.key()).contains(rule.value()))
             << rule.key().toStdString() << ": " << ruleOf(rule.key()).toStdString();
+}
+
+TEST(StyleSheet, HasTheRulesThatTheSettingsDialogAdds)
+{
+    const QMap<QString, QString> expected{
+        {"QTabWidget::pane", "border:none;background:#0a0a0f;"},
+        {"QTabBar::tab", "background:#070710;color:#4a7aa0;padding:8px24px;border:none;"
+                         "border-bottom:2pxsolidtransparent;"},
+        {"QTabBar::tab:selected", "color:#4db8ff;border-bottom:2pxsolid#4db8ff;background:#0a0a0f;"},
+        {"#aboutIcon", "background:transparent;border:none;"},
+        {"#aboutTitle", "color:#4db8ff;font-size:14pt;font-weight:bold;"},
+        {"#aboutVer", "color:#2a5a8a;font-size:9pt;"},
+        {"#aboutDesc", "color:#4a7aa0;font-size:9pt;line-height:1.8;"},
+        {"#aboutAuthor", "color:#2a5a8a;font-size:8pt;"},
+    };
+    for (auto rule = expected.cbegin(); rule != expected.cend(); ++rule)
+        EXPECT_EQ(ruleOf(rule.key(), settingsStyleSheetText()), rule.value()) << rule.key().toStdString();
 }
 
 TEST(StyleSheet, UsesThePaletteAndNoOtherColour)
