@@ -1,21 +1,13 @@
 #include "fuzz/ParserTargets.h"
 
+#include "fuzz/Promise.h"
 #include "metadata/GnuDb.h"
 #include "metadata/ITunes.h"
 #include "metadata/MusicBrainz.h"
 
-#include <cstdio>
-#include <cstdlib>
+using fuzz::require;
 
 namespace {
-
-void require(bool kept, const char* promise)
-{
-    if (kept)
-        return;
-    std::fprintf(stderr, "broken promise: %s\n", promise);
-    std::abort();
-}
 
 QByteArray copyOf(const char* bytes, size_t size)
 {
