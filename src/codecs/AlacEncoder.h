@@ -1,14 +1,31 @@
 #pragma once
 
 #include "codecs/IAudioEncoder.h"
+#include "codecs/MediaWriter.h"
+#include "codecs/PcmBytes.h"
 
-/// ALAC in MPEG-4. This build has no MPEG-4 writer, so every `open` is refused,
-/// nothing can be written, and closing has nothing to complete.
+#include <vector>
+
+/// ALAC in MPEG-4, 16 bits for sources of up to 16 and 24 for all others, whose
+/// lower bits are dropped. What the platform's encoder refuses is refused.
 class AlacEncoder : public IAudioEncoder {
 public:
+    explicit AlacEncoder(MediaWriterMaker maker = makeMediaWriter) : makeWriter(maker) {}
+    ~AlacEncoder() override;
+
     bool open(const std::filesystem::path& path, const AudioFormat& format) override;
     [[nodiscard]] bool write(const AudioBlock& block) override;
 
-    /// True, unlike with the other encoders: there is nothing to lose.
+    /// True, unlike with most encoders, also when nothing was open.
     [[nodiscard]] bool close() override;
+
+private:
+    bool openWriter(const std::filesystem::path& path, const AudioFormat& source);
+    bool writeBlock(const AudioBlock& block);
+
+    MediaWriterMaker makeWriter;
+    std::unique_ptr<MediaWriter> writer;
+    std::vector<quint8> pcm;
+    quint16 channels = 0;
+    PcmLayout layout = PcmLayout::Little16;
 };

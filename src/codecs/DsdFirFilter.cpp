@@ -112,9 +112,8 @@ void advanceRing(DsdFirFilter& filter, const quint8* in, std::size_t count, std:
 
 } // namespace
 
-double besselI0(double x)
+double besselI0(double x, int mostTerms)
 {
-    constexpr int mostTerms = 31;
     constexpr double precision = 1e-12;
 
     double sum = 1.0;

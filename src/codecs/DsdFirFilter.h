@@ -17,8 +17,9 @@ struct DsdFirFilter {
     quint32 position = 0;           ///< slot of the ring that is written next
 };
 
-/// The modified Bessel function of the first kind and order 0, by its series.
-double besselI0(double x);
+/// The modified Bessel function of the first kind and order 0, by its series,
+/// which ends after so many terms at the latest.
+double besselI0(double x, int mostTerms = 31);
 
 /// Filters `count` bytes of one channel into as many values. Steps are counted
 /// in bytes and in floats, so that interleaved channels are taken where they are.

@@ -1,4 +1,5 @@
 #include "base/ByteOrder.h"
+#include "codecs/AvHandles.h"
 #include "codecs/FrameBytes.h"
 #include "codecs/MediaReader.h"
 #include "codecs/Mp3Padding.h"
@@ -19,17 +20,13 @@ namespace {
 // Above this an ALAC frame is no music; the library would allocate for 16 million.
 constexpr quint32 mostFramesInAlacFrame = 65536;
 
-struct AvDeleter {
+struct InputDeleter {
     void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
 };
 
-template<typename Handle>
-using AvPointer = std::unique_ptr<Handle, AvDeleter>;
+using InputPointer = std::unique_ptr<AVFormatContext, InputDeleter>;
 
-AvPointer<AVFormatContext> openContainer(const std::filesystem::path& path, bool ignoreEdits)
+InputPointer openContainer(const std::filesystem::path& path, bool ignoreEdits)
 {
     AVDictionary* options = nullptr;
     // A name that looks like an address, and a list of other files, stay unopened.
@@ -41,7 +38,7 @@ AvPointer<AVFormatContext> openContainer(const std::filesystem::path& path, bool
     const std::string name = "file:" + path.string();
     const int status = avformat_open_input(&context, name.c_str(), nullptr, &options);
     av_dict_free(&options);
-    return AvPointer<AVFormatContext>(status < 0 ? nullptr : context);
+    return InputPointer(status < 0 ? nullptr : context);
 }
 
 bool isKnownCodec(const AVCodecParameters& parameters)
@@ -78,7 +75,7 @@ private:
     void setExtent(const std::optional<Mpeg4Timing>& timing);
     void measure(const std::filesystem::path& path);
 
-    AvPointer<AVFormatContext> container;
+    InputPointer container;
     AvPointer<AVCodecContext> decoder;
     AvPointer<AVPacket> packet{av_packet_alloc()};
     AvPointer<AVFrame> current{av_frame_alloc()}; ///< decoded last time, not delivered yet

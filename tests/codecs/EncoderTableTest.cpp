@@ -42,14 +42,3 @@ TEST(EncoderTable, OptionsStandAtTheirFixedValues)
     EXPECT_FALSE(encoderOptions.mp3UseVbr);
     EXPECT_FALSE(encoderOptions.replayGainEnabled);
 }
-
-class Mpeg4EncoderTest : public EncoderTest, public ::testing::WithParamInterface<EncoderId> {};
-
-TEST_P(Mpeg4EncoderTest, ClosesWithSuccessAndWritesNothingWhenNeverOpened)
-{
-    const auto encoder = makeEncoder(GetParam());
-    EXPECT_FALSE(encoder->write(makeBlock({1, 2}, 2)));
-    EXPECT_TRUE(encoder->close());
-}
-
-INSTANTIATE_TEST_SUITE_P(Mpeg4, Mpeg4EncoderTest, ::testing::Values(AacEncoderId, AlacEncoderId));
