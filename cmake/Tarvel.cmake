@@ -10,17 +10,26 @@ if(TARVEL_SANITIZE)
     target_link_options(tarvel_options INTERFACE -fsanitize=${TARVEL_SANITIZE})
 endif()
 
-# tarvel_library(folder SOURCES ... LINK ... PRIVATE ...)
+# tarvel_library(name SOURCES ... LINK ... PRIVATE ... [FOLDER folder HEADERS ...])
 #
-# One static library for one folder of src/. Its headers are reached through an
-# include folder of its own that holds nothing but that folder, so a header of a
-# library that is not linked cannot be included.
-function(tarvel_library folder)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE" ${ARGN})
-    set(target tarvel_${folder})
-    set(include_root ${PROJECT_BINARY_DIR}/include/${folder})
-    file(MAKE_DIRECTORY ${include_root})
-    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${folder} ${include_root}/${folder} SYMBOLIC)
+# One static library for one folder of src/, which gives it its name. Its headers
+# are reached through an include folder of its own that holds nothing but that
+# folder, so a header of a library that is not linked cannot be included. With
+# FOLDER and HEADERS, a library for these headers of a folder alone.
+function(tarvel_library name)
+    cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;LINK;PRIVATE;HEADERS" ${ARGN})
+    set(target tarvel_${name})
+    set(include_root ${PROJECT_BINARY_DIR}/include/${name})
+    if(ARG_HEADERS)
+        file(MAKE_DIRECTORY ${include_root}/${ARG_FOLDER})
+        foreach(header ${ARG_HEADERS})
+            file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${ARG_FOLDER}/${header}
+                ${include_root}/${ARG_FOLDER}/${header} SYMBOLIC)
+        endforeach()
+    else()
+        file(MAKE_DIRECTORY ${include_root})
+        file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${name} ${include_root}/${name} SYMBOLIC)
+    endif()
 
     add_library(${target} STATIC ${ARG_SOURCES})
     target_include_directories(${target} PUBLIC ${include_root})

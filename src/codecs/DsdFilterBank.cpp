@@ -1,14 +1,8 @@
 #include "codecs/DsdFilterBank.h"
 
-#include <algorithm>
-#include <limits>
+#include "codecs/FloatSample.h"
 
-qint32 dsdSample(float value)
-{
-    constexpr float fullScale = 2147483648.0f;
-    const float scaled = std::clamp(value * fullScale, -fullScale, fullScale);
-    return scaled == fullScale ? std::numeric_limits<qint32>::min() : static_cast<qint32>(scaled);
-}
+#include <algorithm>
 
 AudioBlock DsdFilterBank::decode(const std::vector<quint8>& bytes, std::size_t frames,
                                  const DsdInterleave& interleave)
@@ -20,6 +14,6 @@ AudioBlock DsdFilterBank::decode(const std::vector<quint8>& bytes, std::size_t f
                        interleave.lsbFirst, filtered.data() + channel, interleave.byteStep, channels);
 
     AudioBlock block{QList<qint32>(static_cast<qsizetype>(filtered.size())), frames};
-    std::transform(filtered.begin(), filtered.end(), block.samples.begin(), dsdSample);
+    std::transform(filtered.begin(), filtered.end(), block.samples.begin(), sampleFromFloat);
     return block;
 }

@@ -26,6 +26,3 @@ public:
 private:
     std::vector<DsdFirFilter> filters;
 };
-
-/// Full scale up, which no 32-bit sample can hold, turns into full scale down.
-qint32 dsdSample(float value);

@@ -10,7 +10,8 @@
 /// the same. One pass; memory grows by two doubles each 100 ms.
 class LoudnessMeter {
 public:
-    /// @param sampleRate  frames a second; 0 counts as 44100
+    /// @param sampleRate  frames a second; the filters take 0 for 44100, and below
+    ///                    10 each frame counts as 100 ms
     /// @param channels    fewer than 1 count as 1
     LoudnessMeter(quint32 sampleRate, int channels);
 
@@ -29,13 +30,26 @@ public:
 private:
     struct Biquad {
         double b0 = 0.0, b1 = 0.0, b2 = 0.0, a1 = 0.0, a2 = 0.0;
-        double z1 = 0.0, z2 = 0.0;
     };
+    /// Both stages' memory of two neighbouring channels, which run side by side.
+    struct ChannelPair {
+        double shelfZ1[2] = {}, shelfZ2[2] = {};
+        double highPassZ1[2] = {}, highPassZ2[2] = {};
+
+        bool operator==(const ChannelPair&) const = default;
+    };
+
+    template<int fixedChannels>
+    void filter(const qint32* samples, quint64 count);
+    void filterAny(const qint32* samples, quint64 count);
+    bool isSettledIn(const qint32* samples, quint64 count);
+    void finishBlock();
 
     int channels;
     quint64 hop; ///< frames in 100 ms
-    std::vector<Biquad> shelf;
-    std::vector<Biquad> highPass;
+    Biquad shelf;
+    Biquad highPass;
+    std::vector<ChannelPair> pairs;
     QList<double> blocks; ///< mean squares of the finished 100 ms
     double energy = 0.0;
     quint64 frames = 0; ///< of the running 100 ms

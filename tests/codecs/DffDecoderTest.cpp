@@ -1,7 +1,7 @@
 #include "codecs/DffDecoder.h"
 
 #include "codecs/DecoderFiles.h"
-#include "codecs/DsdFilterBank.h"
+#include "codecs/FloatSample.h"
 
 using namespace decoderfiles;
 
@@ -30,7 +30,7 @@ TEST_F(DffDecoderTest, ChannelsAreInterleavedByteByByte)
         decodeDsdBytes(filter, reinterpret_cast<const quint8*>(data.constData()) + channel, 5000, false,
                        values.data(), 2, 1);
         for (std::size_t i = 0; i < values.size(); ++i)
-            ASSERT_EQ(decoded.samples[static_cast<qsizetype>(2 * i + channel)], dsdSample(values[i])) << i;
+            ASSERT_EQ(decoded.samples[static_cast<qsizetype>(2 * i + channel)], sampleFromFloat(values[i])) << i;
     }
 }
 

@@ -1,5 +1,5 @@
 #include "codecs/DsdFirFilter.h"
-#include "codecs/DsdFilterBank.h"
+#include "codecs/FloatSample.h"
 #include "codecs/PlainDsdFilter.h"
 #include "support/AudioMaker.h"
 
@@ -119,18 +119,18 @@ TEST(DsdFirFilter, AlternatingBitsSettleNearZero)
 
 TEST(DsdSample, FullScaleUpWrapsAndDownStays)
 {
-    EXPECT_EQ(dsdSample(1.0f), INT32_MIN);
-    EXPECT_EQ(dsdSample(1.5f), INT32_MIN);
-    EXPECT_EQ(dsdSample(-1.0f), INT32_MIN);
-    EXPECT_EQ(dsdSample(-7.0f), INT32_MIN);
-    EXPECT_EQ(dsdSample(0.5f), 0x40000000);
-    EXPECT_EQ(dsdSample(-0.25f), -0x20000000);
-    EXPECT_EQ(dsdSample(0.0f), 0);
+    EXPECT_EQ(sampleFromFloat(1.0f), INT32_MIN);
+    EXPECT_EQ(sampleFromFloat(1.5f), INT32_MIN);
+    EXPECT_EQ(sampleFromFloat(-1.0f), INT32_MIN);
+    EXPECT_EQ(sampleFromFloat(-7.0f), INT32_MIN);
+    EXPECT_EQ(sampleFromFloat(0.5f), 0x40000000);
+    EXPECT_EQ(sampleFromFloat(-0.25f), -0x20000000);
+    EXPECT_EQ(sampleFromFloat(0.0f), 0);
     // The largest float below 1 has 24 bits.
-    EXPECT_EQ(dsdSample(std::nextafter(1.0f, 0.0f)), 0x7FFFFF80);
+    EXPECT_EQ(sampleFromFloat(std::nextafter(1.0f, 0.0f)), 0x7FFFFF80);
     // Cut, not rounded, towards zero.
-    EXPECT_EQ(dsdSample(1.9f / 2147483648.0f), 1);
-    EXPECT_EQ(dsdSample(-1.9f / 2147483648.0f), -1);
+    EXPECT_EQ(sampleFromFloat(1.9f / 2147483648.0f), 1);
+    EXPECT_EQ(sampleFromFloat(-1.9f / 2147483648.0f), -1);
 }
 
 // A tone through a second-order sigma-delta modulator, whose noise has a known

@@ -1,7 +1,7 @@
 #include "codecs/DsfDecoder.h"
 
 #include "codecs/DecoderFiles.h"
-#include "codecs/DsdFilterBank.h"
+#include "codecs/FloatSample.h"
 
 using decoderfiles::DsfParts;
 
@@ -32,7 +32,7 @@ protected:
                        values.data(), 1, 1);
         QList<qint32> samples;
         for (const float value : values)
-            samples.append(dsdSample(value));
+            samples.append(sampleFromFloat(value));
         return samples;
     }
 };
@@ -80,7 +80,7 @@ TEST_F(DsfDecoderTest, ConstantBitsOfBothSignsEndAtFullScaleDown)
         const Decoded decoded =
             decodeBytes(decoderfiles::dsf({.channels = 1, .blockBytes = 64}, QByteArray(64, byte)));
         const DsdFirFilter filter;
-        EXPECT_EQ(decoded.samples.last(), dsdSample(byte ? 1.0f : -1.0f)) << int{byte};
+        EXPECT_EQ(decoded.samples.last(), sampleFromFloat(byte ? 1.0f : -1.0f)) << int{byte};
         EXPECT_EQ(decoded.samples.last(), INT32_MIN);
     }
 }

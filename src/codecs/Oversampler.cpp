@@ -1,0 +1,122 @@
+#include "codecs/Oversampler.h"
+
+#include "codecs/DsdFirFilter.h"
+#include "codecs/FloatSample.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+namespace {
+
+constexpr std::size_t taps = 384;
+// A block beyond two gigabytes is refused rather than asked of the system.
+constexpr std::size_t mostSamples = std::size_t{1} << 29;
+// Values whose sums run side by side.
+constexpr std::size_t lanes = 16;
+
+std::array<float, taps> designFilter(quint32 factor)
+{
+    constexpr double pi = 3.141592653589793;
+    constexpr double twoPi = 6.283185307179586;
+    constexpr double centre = 191.5;
+    constexpr double beta = 8.6;
+    const double cutoff = 1.0 / (2.0 * factor);
+
+    std::array<float, taps> designed{};
+    double sum = 0.0;
+    for (std::size_t i = 0; i < taps; ++i) {
+        const double n = static_cast<double>(i) - centre;
+        const double lowPass = std::sin(cutoff * twoPi * n) / (n * pi);
+        const double ratio = n / centre;
+        const double window = besselI0(beta * std::sqrt(std::max(0.0, 1.0 - ratio * ratio))) / besselI0(beta);
+        const double value = lowPass * window;
+        designed[i] = static_cast<float>(value);
+        sum += value;
+    }
+    for (float& tap : designed)
+        tap = static_cast<float>(double{tap} * (factor / sum));
+    return designed;
+}
+
+} // namespace
+
+// The zeroes between the samples are not stored: what they add to a sum is 0,
+// which changes no sum that has begun with +0. So each of the `factor` outputs of
+// an input sample meets every factor-th tap only, in the order of the taps.
+struct Oversampler::OversamplerChannel {
+    explicit OversamplerChannel(quint32 raise)
+        : factor(raise)
+        , pastSamples((taps - 1) / raise)
+        , input(pastSamples)
+    {
+        const std::array<float, taps> designed = designFilter(raise);
+        std::copy(designed.begin(), designed.end(), coefficients.begin());
+    }
+
+    void run(const qint32* samples, std::size_t count, std::size_t channels, qint32* out)
+    {
+        load(samples, count, channels);
+        for (std::size_t first = 0; first < count; first += lanes) {
+            const std::size_t wanted = std::min(lanes, count - first);
+            for (std::size_t phase = 0; phase < factor; ++phase) {
+                double sums[lanes] = {};
+                sum(first, phase, sums);
+                for (std::size_t lane = 0; lane < wanted; ++lane)
+                    out[((first + lane) * factor + phase) * channels] =
+                        sampleFromFloat(static_cast<float>(sums[lane]));
+            }
+        }
+        std::copy_n(input.begin() + static_cast<std::ptrdiff_t>(count), pastSamples, input.begin());
+    }
+
+private:
+    void load(const qint32* samples, std::size_t count, std::size_t channels)
+    {
+        constexpr float scale = 4.656613e-10f;
+        // The last, unfinished group of lanes reads on over values that no one uses.
+        input.resize(pastSamples + count + lanes);
+        for (std::size_t i = 0; i < count; ++i)
+            input[pastSamples + i] = double{static_cast<float>(samples[i * channels]) * scale};
+    }
+
+    void sum(std::size_t first, std::size_t phase, double (&sums)[lanes]) const
+    {
+        const double* newest = input.data() + pastSamples + first;
+        for (std::size_t tap = phase; tap < taps; tap += factor, --newest) {
+            const double coefficient = coefficients[tap];
+            for (std::size_t lane = 0; lane < lanes; ++lane)
+                sums[lane] += coefficient * newest[lane];
+        }
+    }
+
+    std::size_t factor;
+    std::size_t pastSamples; ///< that the first output of a block still meets
+    std::array<double, taps> coefficients;
+    std::vector<double> input; ///< past, then the block
+};
+
+Oversampler::Oversampler(int channelCount, quint32 raise)
+    : channels(std::max(channelCount, 1))
+    , factor(std::max(raise, 1u))
+{
+    for (int channel = 0; channel < channels; ++channel)
+        filters.push_back(std::make_unique<OversamplerChannel>(factor));
+}
+
+Oversampler::~Oversampler() = default;
+
+AudioBlock Oversampler::run(const AudioBlock& block)
+{
+    const auto width = static_cast<std::size_t>(channels);
+    const std::size_t frames = static_cast<std::size_t>(block.samples.size()) / width;
+    if (frames > mostSamples / factor / width)
+        throw std::bad_alloc();
+
+    AudioBlock raised;
+    raised.frames = quint64{frames} * factor;
+    raised.samples.resize(static_cast<qsizetype>(raised.frames * width));
+    for (std::size_t channel = 0; channel < width; ++channel)
+        filters[channel]->run(block.samples.constData() + channel, frames, width, raised.samples.data() + channel);
+    return raised;
+}

@@ -1,0 +1,1 @@
+#include "metadata/TaggedFile.h"
