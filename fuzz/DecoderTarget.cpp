@@ -14,9 +14,9 @@
 namespace {
 
 // A header may state hours of silence, and gets them; this much of it is enough.
-constexpr quint64 mostSamples = 256 * 1024;
+constexpr quint64 mostSamples = 32 * 1024;
 constexpr int mostBlocks = 100;
-constexpr quint16 mostChannels = 256;
+constexpr quint16 mostChannels = 32;
 
 /// A file of this process, in TMPDIR, which is best in memory.
 class ScratchFile {
