@@ -1,8 +1,10 @@
 #include "rip/RipWorker.h"
 
 #include "base/Settings.h"
+#include "codecs/EncoderOptions.h"
 #include "codecs/IAudioEncoder.h"
 #include "disc/CdDrive.h"
+#include "metadata/LoudnessMeter.h"
 #include "metadata/TagWriter.h"
 #include "rip/OutputNaming.h"
 #include "rip/RunGuard.h"
@@ -13,6 +15,8 @@
 #include <QStorageInfo>
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace {
 
@@ -106,6 +110,7 @@ void RipWorker::run()
     } else {
         QDir().mkpath(outputFolder);
         runFileMode();
+        finishReplayGain(false);
     }
     Q_EMIT finished();
     runOver.store(true, std::memory_order_release);
@@ -129,6 +134,7 @@ void RipWorker::runDisc()
         runCdMode();
     }
     spareSamples = {};
+    finishReplayGain(true);
     runGuard().end();
     drive->giveBack();
 }
@@ -146,11 +152,35 @@ bool RipWorker::encodeTrack(QList<int>&& pcm, const AudioFormat& format, const Q
     const QString path = fittingPath(basePath, QLatin1String(formatOfRip(outputFormat).extension));
     AudioBlock block{std::move(pcm), frames};
     const bool whole = writeAudio(block, format, path);
-    spareSamples = std::move(block.samples);
-    if (whole)
+    if (whole) {
+        if (encoderOptions.replayGainEnabled)
+            measureGain(block, format, path);
         tagTrack(path, title, trackNumber, totalTracks, trackCover);
+    }
+    spareSamples = std::move(block.samples);
     setUnfinishedFile(QString());
     return whole;
+}
+
+void RipWorker::measureGain(const AudioBlock& block, const AudioFormat& format, const QString& path)
+{
+    LoudnessMeter meter(format.sampleRate, format.channels);
+    meter.add(block.samples.constData(), block.frames);
+    meter.finish();
+    gainEntries.append({path, replayGainFor(meter.gatedLoudness()), meter.peak, meter.gated});
+}
+
+void RipWorker::finishReplayGain(bool asAlbum)
+{
+    const QList<ReplayGainTrack> tracks = std::exchange(gainEntries, {});
+    if (stopping)
+        return;
+    if (asAlbum) {
+        writeAlbumReplayGain(tracks);
+        return;
+    }
+    for (const ReplayGainTrack& track : tracks)
+        writeReplayGain(track.path, track.gain, track.peak, std::numeric_limits<double>::quiet_NaN(), 0.0);
 }
 
 void RipWorker::tagTrack(const QString& path, const QString& title, int trackNumber, int totalTracks,

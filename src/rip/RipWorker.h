@@ -2,6 +2,7 @@
 
 #include "codecs/AudioFormat.h"
 #include "disc/DiscModel.h"
+#include "metadata/ReplayGain.h"
 #include "rip/RipTypes.h"
 
 #include <QObject>
@@ -10,8 +11,10 @@
 
 #include <atomic>
 #include <mutex>
+#include <optional>
 
 class CdDrive;
+class IAudioDecoder;
 class ParanoiaReader;
 
 /// Turns a source into files: one object, one run, on a thread of its own.
@@ -75,6 +78,8 @@ private:
     void runDisc();
     void runCueMode();
     void runFileMode();
+    /// All samples of an opened decoder; nothing when memory does not hold them.
+    std::optional<QList<int>> decodeAll(IAudioDecoder& decoder) const;
     /// Looks a disc up and fills what the user left empty; misses are no error.
     void fetchMetadata();
     void fillFromMusicBrainz();
@@ -112,6 +117,10 @@ private:
                      const QString& title, int trackNumber, int totalTracks, const QPixmap& trackCover);
     void tagTrack(const QString& path, const QString& title, int trackNumber, int totalTracks,
                   const QPixmap& trackCover) const;
+    void measureGain(const AudioBlock& block, const AudioFormat& format, const QString& path);
+    /// Writes the gain tags of the files of this run, as one album or each for
+    /// itself.
+    void finishReplayGain(bool asAlbum);
     bool writeAudio(const AudioBlock& block, const AudioFormat& format, const QString& path);
     void setUnfinishedFile(const QString& path);
 
@@ -133,6 +142,8 @@ private:
     /// The samples of the track before, for their memory: touching fresh memory
     /// costs as much as encoding it.
     QList<int> spareSamples;
+
+    QList<ReplayGainTrack> gainEntries; ///< stays empty while no gain is asked for
 
     quint32 errorTotal = 0;
     quint32 suspectTotal = 0;

@@ -6,6 +6,7 @@
 #include "rip/RipWorker.h"
 #include "ui/DrawThrottle.h"
 #include "ui/LogViewer.h"
+#include "ui/PageArea.h"
 #include "ui/PageParts.h"
 #include "ui/ProgramInfo.h"
 #include "ui/Resources.h"
@@ -22,7 +23,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QScrollArea>
 #include <QSettings>
 #include <QSpinBox>
 #include <QStackedWidget>
@@ -69,7 +69,7 @@ MainWindow::MainWindow()
     pages = new QStackedWidget;
     for (QWidget* page : {buildSourcePage(), buildOutputPage(), buildMetadataPage(), buildRipPage(),
                           buildVerifyPage()})
-        pages->addWidget(pageparts::scrolling(page));
+        pages->addWidget(new PageArea(page));
     layout->addWidget(pages, 1);
     layout->addWidget(buildNavBar());
     setCentralWidget(central);

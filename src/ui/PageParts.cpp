@@ -8,7 +8,6 @@
 #include <QLineEdit>
 #include <QPixmap>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -57,15 +56,6 @@ QVBoxLayout* pageLayout(QWidget* page, int spacing)
     layout->setContentsMargins(40, 32, 40, 32);
     layout->setSpacing(spacing);
     return layout;
-}
-
-QScrollArea* scrolling(QWidget* page)
-{
-    auto* area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setWidget(page);
-    return area;
 }
 
 QTableWidget* trackTable(const QStringList& headers, int firstWidth, int lastWidth)

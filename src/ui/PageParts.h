@@ -10,7 +10,6 @@ class QLayout;
 class QLineEdit;
 class QPixmap;
 class QPushButton;
-class QScrollArea;
 class QTableWidget;
 class QVBoxLayout;
 class QWidget;
@@ -30,8 +29,6 @@ QPushButton* button(const QString& text, const char* objectName);
 QGroupBox* group(const QString& title, QBoxLayout* content);
 /// The common frame of a text page: its margins, and the spacing given.
 QVBoxLayout* pageLayout(QWidget* page, int spacing);
-/// The page in an area that scrolls only when the window is too small for it.
-QScrollArea* scrolling(QWidget* page);
 
 /// An empty table of three columns, the middle one taking what room there is.
 QTableWidget* trackTable(const QStringList& headers, int firstWidth, int lastWidth);

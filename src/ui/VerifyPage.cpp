@@ -1,6 +1,7 @@
 #include "ui/MainWindow.h"
 
 #include "base/Language.h"
+#include "ui/ColouredCells.h"
 #include "ui/LogViewer.h"
 #include "ui/PageParts.h"
 #include "ui/RipLog.h"
@@ -104,6 +105,7 @@ QWidget* MainWindow::buildVerifyPage()
     verifyTable = pageparts::trackTable(
         {QStringLiteral("Track"), QStringLiteral("Title"), QStringLiteral("AccurateRip")}, 52, 120);
     verifyTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    verifyTable->setItemDelegateForColumn(resultColumn, new ColouredCells(verifyTable));
 
     auto* page = new QWidget;
     auto* layout = pageparts::pageLayout(page, 20);

@@ -73,7 +73,7 @@ TEST_F(VorbisHeadersTest, ABookOfMoreCodesThanThereAreIsNot)
 {
     // One dimension, ten entries, not sorted, not sparse, a length less one each,
     // and no lookup: whole bytes, so that the books behind it stay readable.
-    const auto withBook = [](QList<QByteArray> packets, const QList<quint64>& lengths) {
+    const auto withBook = [](std::vector<QByteArray> packets, const QList<quint64>& lengths) {
         quint64 bits = 0;
         for (qsizetype i = 0; i < lengths.size(); ++i)
             bits |= (lengths[i] - 1) << (2 + 5 * i);

@@ -1,0 +1,275 @@
+#include "base/Language.h"
+
+#include <gtest/gtest.h>
+
+#include "RunRecorder.h"
+#include "codecs/DecoderFiles.h"
+#include "support/FileSizeLimit.h"
+#include "support/Tool.h"
+
+#include <QDir>
+#include <QSettings>
+
+namespace {
+
+constexpr quint32 allOnes = 0xFFFFFFFF;
+
+class FileRun : public ::testing::Test {
+protected:
+    void SetUp() override { useLanguage(2); }
+    void TearDown() override { useLanguage(2); }
+
+    static void useLanguage(int mode)
+    {
+        setLanguageMode(mode);
+        loadLanguage();
+    }
+
+    /// A folder named "Album" for the sources; the results go to "out".
+    QString source(const QString& name) const
+    {
+        QDir(folder.path()).mkpath(QStringLiteral("Album"));
+        return folder.filePath(QStringLiteral("Album/") + name);
+    }
+    QString out(const QString& name) const { return folder.filePath(QStringLiteral("out/") + name); }
+
+    static void convert(RunRecorder& run, const QString& audioFile, OutputFormat format, const QString& target,
+                        const QPixmap& cover = {})
+    {
+        run.worker.configure(nullptr, DiscToc(), target, QStringLiteral("Ada"), QStringLiteral("Blue"),
+                             QStringLiteral("1998"), cover, QString(), 1, 1, 300, format, audioFile, 20);
+        run.worker.run();
+    }
+    void convert(RunRecorder& run, const QString& audioFile, OutputFormat format)
+    {
+        convert(run, audioFile, format, folder.filePath(QStringLiteral("out")));
+    }
+
+    /// The run ended by this text alone, with no track begun.
+    static void expectRefused(const RunRecorder& run, const QString& text)
+    {
+        EXPECT_EQ(run.errors, QStringList{text});
+        EXPECT_TRUE(run.started.isEmpty());
+        EXPECT_TRUE(run.results.isEmpty());
+        EXPECT_EQ(run.finishedCount, 1);
+    }
+
+    QTemporaryDir folder;
+};
+
+QString probed(const QString& path, const QString& entry)
+{
+    const ToolResult probe = runTool(QStringLiteral("ffprobe"),
+                                     {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
+                                      QStringLiteral("a"), QStringLiteral("-show_entries"), entry,
+                                      QStringLiteral("-of"), QStringLiteral("default=nk=1:nw=1"), path});
+    return QString::fromUtf8(probe.output).trimmed();
+}
+
+} // namespace
+
+TEST_F(FileRun, EveryKindOfAudioFileBecomesATrackInItsOwnRate)
+{
+    const struct {
+        const char* ending;
+        const char* rate;
+    } kinds[] = {{"wav", "44100"}, {"aiff", "44100"}, {"aif", "44100"},  {"mp3", "44100"},
+                 {"flac", "44100"}, {"aac", "44100"}, {"m4a", "44100"},  {"ogg", "44100"},
+                 {"opus", "48000"}, {"wv", "44100"},  {"dsf", "352800"}, {"dff", "352800"}};
+    for (const auto& kind : kinds) {
+        SCOPED_TRACE(kind.ending);
+        const QString name = QStringLiteral("Some Song.") + QLatin1String(kind.ending);
+        decoderfiles::make(source(name), 20000);
+        RunRecorder run;
+        convert(run, source(name), OutputFlac, out(QLatin1String(kind.ending)));
+        EXPECT_EQ(run.started, QStringList{QStringLiteral("1/1 Some Song")});
+        ASSERT_EQ(run.results.size(), 1);
+        EXPECT_TRUE(run.results[0].ok);
+        EXPECT_EQ(run.finishedCount, 1);
+        const QString written = out(QLatin1String(kind.ending)) + QStringLiteral("/Album/01. Some Song.flac");
+        EXPECT_EQ(probed(written, QStringLiteral("stream=sample_rate")), QLatin1String(kind.rate));
+        EXPECT_TRUE(runTool(QStringLiteral("flac"), {QStringLiteral("-t"), QStringLiteral("-s"), written}).ok());
+    }
+}
+
+TEST_F(FileRun, LosslessAudioKeepsEveryBitThroughEveryLosslessFormat)
+{
+    constexpr AudioFormat format{96000, 2, 24};
+    const QList<qint32> samples = keepBits(decoderfiles::audio(30000, 2), 24);
+    writeAll(source(QStringLiteral("Deep.wav")), waveFile(format, samples));
+    for (const auto& [kind, ending] :
+         {std::pair{OutputFlac, "flac"}, {OutputWav, "wav"}, {OutputAlac, "m4a"}}) {
+        SCOPED_TRACE(ending);
+        RunRecorder run;
+        convert(run, source(QStringLiteral("Deep.wav")), kind, out(QLatin1String(ending)));
+        const QString written = out(QLatin1String(ending)) + QStringLiteral("/Album/01. Deep.") + QLatin1String(ending);
+        EXPECT_EQ(decodeWithFfmpeg(written), samples);
+        EXPECT_EQ(probed(written, QStringLiteral("stream=sample_rate")), QStringLiteral("96000"));
+    }
+}
+
+TEST_F(FileRun, TheTrackCarriesTheTagsTheCoverAndNoChecksum)
+{
+    decoderfiles::make(source(QStringLiteral("Song.wav")), 5000);
+    QPixmap cover(12, 12);
+    cover.fill(Qt::red);
+    RunRecorder run;
+    convert(run, source(QStringLiteral("Song.wav")), OutputFlac, out({}), cover);
+    const QString written = out(QStringLiteral("Album/01. Song.flac"));
+    const QString tags = QString::fromUtf8(
+        runTool(QStringLiteral("metaflac"), {QStringLiteral("--export-tags-to=-"), written}).output);
+    for (const char* tag : {"TITLE=Song", "ARTIST=Ada", "ALBUM=Blue", "TRACKNUMBER=1"})
+        EXPECT_TRUE(tags.contains(QLatin1String(tag), Qt::CaseInsensitive)) << tag << " in " << tags.toStdString();
+    EXPECT_FALSE(runTool(QStringLiteral("metaflac"),
+                         {QStringLiteral("--list"), QStringLiteral("--block-type=PICTURE"), written}).output.isEmpty());
+    EXPECT_EQ(run.results[0].trackNumber, 1);
+    EXPECT_EQ(run.results[0].title, QStringLiteral("Song"));
+    EXPECT_EQ(run.results[0].errorSectors, 0U);
+    EXPECT_EQ(run.results[0].suspectSectors, 0U);
+    EXPECT_EQ(run.results[0].crcV1, 0U);
+    EXPECT_EQ(run.results[0].crcV2, 0U);
+    EXPECT_TRUE(run.results[0].frameWindow.isEmpty());
+    EXPECT_TRUE(run.sectors.isEmpty());
+}
+
+TEST_F(FileRun, TheSameFileAgainGoesToAFolderOfItsOwn)
+{
+    decoderfiles::make(source(QStringLiteral("Song.wav")), 100);
+    for (int i = 0; i < 3; ++i) {
+        RunRecorder run;
+        convert(run, source(QStringLiteral("Song.wav")), OutputWav);
+    }
+    useLanguage(1);
+    RunRecorder run;
+    convert(run, source(QStringLiteral("Song.wav")), OutputWav);
+    const QStringList made = QDir(out({})).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    EXPECT_EQ(made, (QStringList{QStringLiteral("Album"), QStringLiteral("Album - Copy"),
+                                 QStringLiteral("Album - Copy (2)"), QStringLiteral("Album - コピー")}));
+    for (const QString& name : made)
+        EXPECT_TRUE(QFileInfo(out(name + QStringLiteral("/01. Song.wav"))).isFile()) << name.toStdString();
+}
+
+TEST_F(FileRun, ForbiddenCharactersAloneAreTakenOutOfTheName)
+{
+    for (const auto& [name, expected] :
+         {std::pair{"What? 1:2..wav", "01. What 12..wav"}, {"???.wav", "01. .wav"}, {"dots ...wav", "01. dots ...wav"}}) {
+        SCOPED_TRACE(name);
+        decoderfiles::make(source(QLatin1String(name)), 100);
+        QTemporaryDir target;
+        RunRecorder run;
+        convert(run, source(QLatin1String(name)), OutputWav, target.path());
+        EXPECT_EQ(QDir(target.filePath(QStringLiteral("Album"))).entryList(QDir::Files),
+                  QStringList{QLatin1String(expected)});
+    }
+}
+
+TEST_F(FileRun, ASourceInTheRootFolderHasNoFolderName)
+{
+    EXPECT_EQ(RipWorker::uniqueFolder(folder.path(), QString()), folder.path() + QStringLiteral("/ - Copy"));
+}
+
+TEST_F(FileRun, AFileOfNoKnownKindIsRefused)
+{
+    for (const char* name : {"notes.txt", "noending", "film.mp4", "dot."}) {
+        writeAll(source(QLatin1String(name)), "text");
+        RunRecorder run;
+        convert(run, source(QLatin1String(name)), OutputFlac);
+        expectRefused(run, QStringLiteral("Unsupported file format: ") + source(QLatin1String(name)));
+    }
+    useLanguage(1);
+    RunRecorder run;
+    convert(run, source(QStringLiteral("notes.txt")), OutputFlac);
+    expectRefused(run, QStringLiteral("対応していないファイル形式です: ") + source(QStringLiteral("notes.txt")));
+    EXPECT_TRUE(QDir(out({})).isEmpty());
+}
+
+TEST_F(FileRun, AFileThatDoesNotOpenIsRefused)
+{
+    writeAll(source(QStringLiteral("junk.flac")), "this is no audio");
+    for (const char* name : {"junk.flac", "missing.wav"}) {
+        RunRecorder run;
+        convert(run, source(QLatin1String(name)), OutputFlac);
+        expectRefused(run, QStringLiteral("Cannot open the file (corrupted or unsupported codec): ")
+                               + source(QLatin1String(name)));
+    }
+    useLanguage(1);
+    RunRecorder run;
+    convert(run, source(QStringLiteral("junk.flac")), OutputFlac);
+    expectRefused(run, QStringLiteral("ファイルを開けません（壊れている、または非対応のコーデックです）: ")
+                           + source(QStringLiteral("junk.flac")));
+}
+
+TEST_F(FileRun, AFileWithoutSamplesIsRefused)
+{
+    writeAll(source(QStringLiteral("empty.wav")), waveFile({44100, 2, 16}, {}));
+    RunRecorder run;
+    convert(run, source(QStringLiteral("empty.wav")), OutputFlac);
+    expectRefused(run, QStringLiteral("No decodable audio data: ") + source(QStringLiteral("empty.wav")));
+    useLanguage(1);
+    RunRecorder japanese;
+    convert(japanese, source(QStringLiteral("empty.wav")), OutputFlac);
+    expectRefused(japanese, QStringLiteral("デコードできるデータがありませんでした: ") + source(QStringLiteral("empty.wav")));
+    EXPECT_TRUE(QDir(out({})).isEmpty());
+}
+
+TEST_F(FileRun, AnEncoderThatFailsIsAFailedTrackAndAnError)
+{
+    constexpr AudioFormat nineChannels{44100, 9, 16};
+    writeAll(source(QStringLiteral("nine.wav")), waveFile(nineChannels, QList<qint32>(9 * 100, 1 << 20)));
+    RunRecorder run;
+    convert(run, source(QStringLiteral("nine.wav")), OutputFlac);
+    ASSERT_EQ(run.results.size(), 1);
+    EXPECT_FALSE(run.results[0].ok);
+    EXPECT_EQ(run.results[0].errorSectors, allOnes);
+    EXPECT_EQ(run.errors, QStringList{QStringLiteral("Encoding failed: ") + source(QStringLiteral("nine.wav"))});
+    EXPECT_EQ(run.finishedCount, 1);
+
+    useLanguage(1);
+    RunRecorder japanese;
+    convert(japanese, source(QStringLiteral("nine.wav")), OutputFlac);
+    EXPECT_EQ(japanese.errors,
+              QStringList{QStringLiteral("エンコードに失敗しました: ") + source(QStringLiteral("nine.wav"))});
+}
+
+TEST_F(FileRun, AFullDiskFailsTheTrackAndLeavesNoFile)
+{
+    decoderfiles::make(source(QStringLiteral("Song.wav")), 200000);
+    for (const OutputFormat format : {OutputFlac, OutputWav, OutputMp3, OutputAac, OutputAlac}) {
+        QTemporaryDir target;
+        RunRecorder run;
+        {
+            const FileSizeLimit limit(10000);
+            convert(run, source(QStringLiteral("Song.wav")), format, target.path());
+        }
+        ASSERT_EQ(run.results.size(), 1);
+        EXPECT_FALSE(run.results[0].ok) << format;
+        EXPECT_TRUE(QDir(target.filePath(QStringLiteral("Album"))).entryList(QDir::Files).isEmpty()) << format;
+    }
+}
+
+TEST_F(FileRun, AHeaderThatPromisesFarTooMuchDoesNotTakeTheMemory)
+{
+    QByteArray flac;
+    decoderfiles::make(source(QStringLiteral("Song.flac")), 3000);
+    flac = contentOf(source(QStringLiteral("Song.flac")));
+    // STREAMINFO's 36-bit count of frames ends 26 bytes into the file.
+    for (int i = 22; i < 26; ++i)
+        flac[i] = '\xFF';
+    writeAll(source(QStringLiteral("Song.flac")), flac);
+    RunRecorder run;
+    convert(run, source(QStringLiteral("Song.flac")), OutputWav);
+    ASSERT_EQ(run.results.size(), 1);
+    EXPECT_TRUE(run.results[0].ok);
+    EXPECT_EQ(audioOfWave(out(QStringLiteral("Album/01. Song.wav"))).size(), 3000 * 4);
+}
+
+TEST_F(FileRun, ARunThatIsAskedToStopWritesNothing)
+{
+    decoderfiles::make(source(QStringLiteral("Song.wav")), 5000);
+    RunRecorder run;
+    run.worker.requestStop();
+    convert(run, source(QStringLiteral("Song.wav")), OutputWav);
+    EXPECT_EQ(run.finishedCount, 1);
+    EXPECT_TRUE(run.results.isEmpty());
+    EXPECT_TRUE(QDir(out({})).isEmpty());
+}
