@@ -96,10 +96,11 @@ QList<qint32> reduced(int channels, int factor, const QList<qint32>& samples)
 double heightAfter(int factor, double hertz, quint32 rate, double height)
 {
     const QList<qint32> out = reduced(1, factor, audiomaker::sine(rate / 4, 1, hertz, rate, height));
-    double highest = 0.0;
-    for (qsizetype i = 200; i < out.size(); ++i)
-        highest = std::max(highest, std::abs(out[i] / 2147483648.0));
-    return highest;
+    constexpr qsizetype filterStart = 200;
+    double power = 0.0;
+    for (qsizetype i = filterStart; i < out.size(); ++i)
+        power += std::pow(out[i] / 2147483648.0, 2.0);
+    return std::sqrt(2.0 * power / static_cast<double>(out.size() - filterStart));
 }
 
 double decibels(double ratio)

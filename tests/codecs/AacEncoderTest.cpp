@@ -22,14 +22,14 @@ protected:
         return encoder.open(toPath(file("asked.m4a")), format) && encoder.close();
     }
 
-    // The height of a tone of one channel in the middle half, as a part of full scale.
+    // The height of a tone of one channel by its power in the middle half, as a part of full scale.
     static double height(const QList<qint32>& samples, int channels, int channel)
     {
-        double highest = 0;
+        double power = 0;
         const qsizetype frames = samples.size() / channels;
         for (qsizetype frame = frames / 4; frame < frames * 3 / 4; ++frame)
-            highest = std::max(highest, std::abs(samples[frame * channels + channel] / 2147483648.0));
-        return highest;
+            power += std::pow(samples[frame * channels + channel] / 2147483648.0, 2.0);
+        return std::sqrt(2.0 * power / (static_cast<double>(frames) / 2.0));
     }
 
     // A few voices with their overtones that swell and fade, over a little noise.
@@ -77,7 +77,7 @@ TEST_F(AacEncoderTest, BitRateIsNear192)
 
 TEST_F(AacEncoderTest, EveryLengthIsExactInTheFileAndDecoded)
 {
-    for (const quint64 frames : {1u, 2u, 100u, 1023u, 1024u, 1025u, 2047u, 2048u, 44099u, 44100u, 100003u}) {
+    for (const quint64 frames : {1u, 100u, 1023u, 1024u, 1025u, 2048u, 44100u, 100003u}) {
         aac({44100, 2, 16}, decoderfiles::audio(frames, 2));
         const M4aFacts facts = inspectM4a(file("track.m4a"));
         EXPECT_EQ(facts.number("duration_ts"), static_cast<qint64>(frames));
@@ -141,7 +141,7 @@ TEST_F(AacEncoderTest, OnlyMonoAndStereoAreTaken)
 {
     EXPECT_TRUE(opens({44100, 1, 16}));
     EXPECT_TRUE(opens({44100, 2, 16}));
-    for (const quint16 channels : {0, 3, 6, 8, 65535})
+    for (const quint16 channels : QList<quint16>{0, 3, 6, 8, 65535})
         EXPECT_FALSE(opens({44100, channels, 16})) << channels;
 }
 

@@ -172,7 +172,7 @@ TEST_F(AacPcmTest, WideSourcesAreDitheredAtTheirOwnRate)
 
 TEST_F(AacPcmTest, HighRatesAreBroughtDownFirstAndDithered)
 {
-    for (const quint16 bits : {16, 24}) {
+    for (const quint16 bits : QList<quint16>{16, 24}) {
         const QList<qint32> samples = audiomaker::noise(2 * 50001, 105);
         AacDecimator decimator(2, 2);
         const AudioBlock reduced = decimator.run(makeBlock(samples, 2));
@@ -204,9 +204,9 @@ TEST_F(AacPcmTest, ASecondFileStartsWithAnEmptyFilter)
 TEST_F(AlacPcmTest, WidthFollowsTheSourceAndLowBitsAreDropped)
 {
     const QList<qint32> samples = audiomaker::noise(3 * 20000, 107);
-    for (const quint16 bits : {8, 16})
+    for (const quint16 bits : QList<quint16>{8, 16})
         EXPECT_EQ(written({96000, 3, bits}, samples), littleEndian(samples, 16));
-    for (const quint16 bits : {17, 24, 32})
+    for (const quint16 bits : QList<quint16>{17, 24, 32})
         EXPECT_EQ(written({96000, 3, bits}, samples), littleEndian(samples, 24));
     EXPECT_EQ(log().format.codec, MediaCodec::Alac);
     EXPECT_EQ(log().format.pcm, (AudioFormat{96000, 3, 24}));
