@@ -90,11 +90,7 @@ struct Plan {
 
 class Benchmark {
 public:
-    Benchmark(const Plan& chosen, const QString& workFolder)
-        : plan(chosen)
-        , folder(workFolder)
-    {
-    }
+    Benchmark(const Plan& chosen, const QString& workFolder) : plan(chosen), folder(workFolder) {}
 
     void run()
     {
@@ -125,7 +121,8 @@ private:
 
     static QStringList convert(EncoderId id, const QString& in, const QString& out)
     {
-        return {QCoreApplication::applicationFilePath(), QLatin1String(convertCommand), QString::number(id), in, out};
+        return {QCoreApplication::applicationFilePath(), QLatin1String(convertCommand), QString::number(id),
+                in, out};
     }
 
     void row(const QString& name, const QStringList& ours, const QList<QStringList>& other)
@@ -138,8 +135,8 @@ private:
                     sum += runChild(command);
                 return sum;
             });
-        printRow(name, QStringLiteral("s"), medianOf(costs.ours, processorOf), medianOf(costs.other, processorOf),
-                 costs.ratio(processorOf), toolAim);
+        printRow(name, QStringLiteral("s"), medianOf(costs.ours, processorOf),
+                 medianOf(costs.other, processorOf), costs.ratio(processorOf), toolAim);
         std::printf("%-40s %-5s %10.3f\n", "  of that the work, without the start", "s",
                     medianOf(costs.ours, workOf));
     }

@@ -56,7 +56,8 @@ void filterPlain(const Layout& layout, const std::vector<quint8>& bytes, Floats&
             const quint8* in = bytes.data() + layout.start(block, channel);
             float* target = out.data() + block * blockBytes * layout.channels + channel;
             for (std::size_t i = 0; i < blockBytes; ++i)
-                target[i * layout.channels] = filters[channel].feed(in[i * layout.byteStep()], layout.lsbFirst);
+                target[i * layout.channels] =
+                    filters[channel].feed(in[i * layout.byteStep()], layout.lsbFirst);
         }
     }
 }

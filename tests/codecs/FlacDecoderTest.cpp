@@ -130,5 +130,5 @@ TEST_P(FlacWidthTest, SamplesAreLeftJustifiedAndAgreeWithIndependentDecoders)
     EXPECT_EQ(decoded.samples, decodeWithFfmpeg(file("judge.wav")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Widths, FlacWidthTest,
-                         ::testing::ValuesIn(formatsOfWidths({8, 12, 16, 20, 24, 32})), nameOfFormat);
+INSTANTIATE_TEST_SUITE_P(Widths, FlacWidthTest, ::testing::ValuesIn(formatsOfWidths({8, 12, 16, 20, 24, 32})),
+                         nameOfFormat);

@@ -39,8 +39,7 @@ protected:
     }
 };
 
-class WavPackPartWidthTest : public WavPackDecoderTest,
-                             public ::testing::WithParamInterface<AudioFormat> {};
+class WavPackPartWidthTest : public WavPackDecoderTest, public ::testing::WithParamInterface<AudioFormat> {};
 
 // What the library delivers fills the top of whole bytes already; the shift is
 // that of the width alone, and what lies above it is lost.
