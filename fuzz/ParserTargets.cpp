@@ -1,24 +1,17 @@
 #include "fuzz/ParserTargets.h"
 
 #include "base/ByteOrder.h"
+#include "fuzz/Promise.h"
 #include "metadata/GnuDb.h"
 #include "metadata/ITunes.h"
 #include "metadata/MusicBrainz.h"
 #include "verify/AccurateRipDatabase.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
+
+using fuzz::require;
 
 namespace {
-
-void require(bool kept, const char* promise)
-{
-    if (kept)
-        return;
-    std::fprintf(stderr, "broken promise: %s\n", promise);
-    std::abort();
-}
 
 QByteArray copyOf(const char* bytes, size_t size)
 {

@@ -6,13 +6,13 @@
 /// AAC in ADTS and MPEG-4 files, and ALAC in the latter, decoded by the platform.
 class AacDecoder : public IAudioDecoder {
 public:
-    ~AacDecoder() override;
+    ~AacDecoder() override = default;
 
-    bool open(const std::filesystem::path& path) override;
-    AudioFormat format() const override;
-    std::optional<AudioBlock> read() override;
-    std::optional<quint64> totalFrames() const override;
-    void close() override;
+    bool open(const std::filesystem::path& path) override { return media.open(path); }
+    AudioFormat format() const override { return media.format(); }
+    std::optional<AudioBlock> read() override { return media.read(); }
+    std::optional<quint64> totalFrames() const override { return media.totalFrames(); }
+    void close() override { media.close(); }
 
 private:
     MediaDecoding media;

@@ -1,7 +1,5 @@
 #include "codecs/AiffDecoder.h"
 
-#include "codecs/NoThrow.h"
-
 #include <cmath>
 
 namespace {
@@ -84,17 +82,5 @@ std::optional<PcmLayoutInFile> readHeader(InputFile& file)
 
 bool AiffDecoder::open(const std::filesystem::path& path)
 {
-    if (!file.open(path))
-        return false;
-    const auto layout = readHeader(file);
-    if (layout)
-        reader.start(file, *layout);
-    else
-        file.close();
-    return layout.has_value();
-}
-
-std::optional<AudioBlock> AiffDecoder::read()
-{
-    return withoutThrowing([this] { return reader.read(file); });
+    return reader.open(path, readHeader);
 }

@@ -11,11 +11,10 @@ public:
 
     bool open(const std::filesystem::path& path) override;
     AudioFormat format() const override { return reader.format(); }
-    std::optional<AudioBlock> read() override;
+    std::optional<AudioBlock> read() override { return reader.read(); }
     std::optional<quint64> totalFrames() const override { return reader.totalFrames(); }
-    void close() override { file.close(); }
+    void close() override { reader.close(); }
 
 private:
-    InputFile file;
     PcmFileReader reader{ByteOrder::Big};
 };

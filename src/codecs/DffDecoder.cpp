@@ -1,21 +1,15 @@
 #include "codecs/DffDecoder.h"
 
 #include "codecs/BlockSize.h"
-#include "codecs/NoThrow.h"
-
-#include <algorithm>
 
 namespace {
 
 constexpr quint64 chunkHeaderBytes = 12;
 
-struct DffLayout {
-    bool propertiesSeen = false;
-    bool soundSeen = false;
-    quint32 frequency = 0;
-    quint16 channels = 0;
-    quint64 dataOffset = 0;
-    quint64 dataBytes = 0;
+struct ChunksSeen {
+    bool properties = false;
+    bool sound = false;
+    DsdLayoutInFile layout;
 };
 
 quint64 lowered(quint64 value, quint64 by)
@@ -33,7 +27,7 @@ quint64 finishChunk(InputFile& file, quint64 size)
 }
 
 /// False for a compression other than none.
-bool readProperties(InputFile& file, quint64 size, DffLayout& layout)
+bool readProperties(InputFile& file, quint64 size, ChunksSeen& seen)
 {
     file.readBig<quint32>(); // kind of the properties
     quint64 inner = lowered(size, 4);
@@ -42,10 +36,10 @@ bool readProperties(InputFile& file, quint64 size, DffLayout& layout)
         const auto innerSize = file.readBig<quint64>();
         quint64 taken = 0;
         if (id == chunkId("FS  ")) {
-            layout.frequency = file.readBig<quint32>();
+            seen.layout.frequency = file.readBig<quint32>();
             taken = 4;
         } else if (id == chunkId("CHNL")) {
-            layout.channels = file.readBig<quint16>();
+            seen.layout.channels = file.readBig<quint16>();
             taken = 2;
         } else if (id == chunkId("CMPR")) {
             if (!file.readMagic("DSD "))
@@ -55,48 +49,50 @@ bool readProperties(InputFile& file, quint64 size, DffLayout& layout)
         file.skip(lowered(innerSize, taken));
         inner = lowered(inner, finishChunk(file, innerSize));
     }
-    layout.propertiesSeen = true;
+    seen.properties = true;
     return true;
 }
 
 /// False for a file whose sound can't be read.
-bool readChunk(InputFile& file, quint32 id, quint64 size, DffLayout& layout)
+bool readChunk(InputFile& file, quint32 id, quint64 size, ChunksSeen& seen)
 {
     if (id == chunkId("PROP"))
-        return readProperties(file, size, layout);
+        return readProperties(file, size, seen);
     if (id == chunkId("DST "))
         return false;
     if (id == chunkId("DSD ")) {
-        layout.dataOffset = file.position();
-        layout.dataBytes = size;
-        layout.soundSeen = true;
+        seen.layout.firstByte = file.position();
+        seen.layout.dataBytes = size;
+        seen.sound = true;
     }
     file.skip(size);
     return true;
 }
 
-std::optional<DffLayout> readHeader(InputFile& file)
+std::optional<DsdLayoutInFile> readHeader(InputFile& file)
 {
     const bool isForm = file.readMagic("FRM8");
     const auto formSize = file.readBig<quint64>();
     if (!file.readMagic("DSD ") || !isForm)
         return std::nullopt;
 
-    DffLayout layout;
+    ChunksSeen seen;
     quint64 left = lowered(formSize, 4);
-    while (left >= chunkHeaderBytes && !(layout.propertiesSeen && layout.soundSeen)) {
+    while (left >= chunkHeaderBytes && !(seen.properties && seen.sound)) {
         const auto id = file.readBig<quint32>();
         const auto size = file.readBig<quint64>();
         if (!file.good())
             break;
-        if (!readChunk(file, id, size, layout))
+        if (!readChunk(file, id, size, seen))
             return std::nullopt;
         left = lowered(left, finishChunk(file, size));
         if (!file.good())
             break;
     }
-    if (!layout.propertiesSeen || !layout.soundSeen || layout.frequency == 0 || layout.channels == 0)
+    DsdLayoutInFile& layout = seen.layout;
+    if (!seen.properties || !seen.sound || layout.frequency == 0 || layout.channels == 0)
         return std::nullopt;
+    layout.blockFrames = framesPerBlock(layout.channels);
     return layout;
 }
 
@@ -104,47 +100,5 @@ std::optional<DffLayout> readHeader(InputFile& file)
 
 bool DffDecoder::open(const std::filesystem::path& path)
 {
-    if (!file.open(path))
-        return false;
-    const bool opened = withoutThrowing([this] {
-        const auto layout = readHeader(file);
-        if (!layout)
-            return false;
-        pcm = {layout->frequency >> 3, layout->channels, 24};
-        total = layout->dataBytes / layout->channels;
-        filters.reset(layout->channels);
-        file.clear();
-        file.seek(layout->dataOffset);
-        position = 0;
-        return true;
-    });
-    if (!opened) {
-        close();
-        pcm = {};
-        total.reset();
-    }
-    return opened;
-}
-
-std::optional<AudioBlock> DffDecoder::read()
-{
-    return withoutThrowing([this] { return readBlock(); });
-}
-
-std::optional<AudioBlock> DffDecoder::readBlock()
-{
-    if (filters.isEmpty() || position >= total.value_or(0))
-        return std::nullopt;
-    const std::size_t frames = std::min(*total - position, framesPerBlock(pcm.channels));
-    std::vector<quint8> bytes(frames * pcm.channels);
-    file.read(bytes.data(), bytes.size());
-    position += frames;
-    return filters.decode(bytes, frames, {1, pcm.channels, false});
-}
-
-void DffDecoder::close()
-{
-    file.close();
-    filters.clear();
-    position = 0;
+    return reader.open(path, readHeader);
 }

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "codecs/DsdFilterBank.h"
+#include "codecs/DsdFileReader.h"
 #include "codecs/IAudioDecoder.h"
-#include "codecs/InputFile.h"
 
 /// DSDIFF, one-bit audio with the channels interleaved byte by byte. Delivers an
 /// eighth of the DSD rate, one frame for each byte of a channel. Compressed
@@ -12,17 +11,11 @@ public:
     ~DffDecoder() override = default;
 
     bool open(const std::filesystem::path& path) override;
-    AudioFormat format() const override { return pcm; }
-    std::optional<AudioBlock> read() override;
-    std::optional<quint64> totalFrames() const override { return total; }
-    void close() override;
+    AudioFormat format() const override { return reader.format(); }
+    std::optional<AudioBlock> read() override { return reader.read(); }
+    std::optional<quint64> totalFrames() const override { return reader.totalFrames(); }
+    void close() override { reader.close(); }
 
 private:
-    std::optional<AudioBlock> readBlock();
-
-    InputFile file;
-    AudioFormat pcm;
-    std::optional<quint64> total;
-    quint64 position = 0; ///< frames
-    DsdFilterBank filters;
+    DsdFileReader reader;
 };

@@ -1,6 +1,7 @@
 #include "codecs/DsdFirFilter.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace {
@@ -11,7 +12,7 @@ constexpr std::size_t bitsPerByte = 8;
 constexpr std::size_t pastBytes = taps / bitsPerByte - 1;
 // Values whose sums run side by side, and the bytes taken from the input at once.
 constexpr std::size_t lanes = 16;
-constexpr std::size_t pieceBytes = 8 * lanes;
+constexpr std::size_t pieceBytes = 16 * lanes;
 
 std::array<float, taps> designLowPass()
 {
@@ -37,6 +38,14 @@ std::array<float, taps> designLowPass()
     return designed;
 }
 
+// Without a branch, which one-bit audio lets go wrong every other time.
+double bitValue(quint8 byte, std::size_t shift)
+{
+    constexpr quint64 one = std::bit_cast<quint64>(1.0);
+    const quint64 clear = (quint64{byte} >> shift & 1) ^ 1;
+    return std::bit_cast<double>(one | clear << 63);
+}
+
 /// The bits of a piece and of the bytes before it, one row for each place in a
 /// byte, so that what neighbouring values meet at the same tap lies side by side.
 class BitRows {
@@ -52,11 +61,15 @@ public:
 
     void load(const quint8* in, std::size_t count, std::size_t step, bool lsbFirst)
     {
-        for (std::size_t i = 0; i < count; ++i, in += step) {
-            for (std::size_t bit = 0; bit < bitsPerByte; ++bit) {
-                const std::size_t shift = lsbFirst ? bit : bitsPerByte - 1 - bit;
-                rows[bit][pastBytes + i] = ((*in >> shift) & 1) ? 1.0 : -1.0;
-            }
+        // Side by side, so that the bits of many bytes are spread at once.
+        std::array<quint8, pieceBytes> bytes;
+        for (std::size_t i = 0; i < count; ++i)
+            bytes[i] = in[i * step];
+        for (std::size_t bit = 0; bit < bitsPerByte; ++bit) {
+            const std::size_t shift = lsbFirst ? bit : bitsPerByte - 1 - bit;
+            double* row = rows[bit].data() + pastBytes;
+            for (std::size_t i = 0; i < count; ++i)
+                row[i] = bitValue(bytes[i], shift);
         }
     }
 
@@ -91,7 +104,7 @@ void advanceRing(DsdFirFilter& filter, const quint8* in, std::size_t count, std:
     for (std::size_t i = 0; i < count; ++i, in += step) {
         for (std::size_t bit = 0; bit < bitsPerByte; ++bit) {
             const std::size_t shift = lsbFirst ? bit : bitsPerByte - 1 - bit;
-            filter.ring[filter.position] = ((*in >> shift) & 1) ? 1.0f : -1.0f;
+            filter.ring[filter.position] = static_cast<float>(bitValue(*in, shift));
             filter.position = (filter.position + 1) % taps;
         }
     }

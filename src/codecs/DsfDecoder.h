@@ -1,8 +1,7 @@
 #pragma once
 
-#include "codecs/DsdFilterBank.h"
+#include "codecs/DsdFileReader.h"
 #include "codecs/IAudioDecoder.h"
-#include "codecs/InputFile.h"
 
 /// DSF, one-bit audio in blocks of one channel each. Delivers an eighth of the
 /// DSD rate, one frame for each byte of a channel, the padding of the last block
@@ -12,21 +11,11 @@ public:
     ~DsfDecoder() override = default;
 
     bool open(const std::filesystem::path& path) override;
-    AudioFormat format() const override { return pcm; }
-    std::optional<AudioBlock> read() override;
-    std::optional<quint64> totalFrames() const override { return total; }
-    void close() override;
+    AudioFormat format() const override { return reader.format(); }
+    std::optional<AudioBlock> read() override { return reader.read(); }
+    std::optional<quint64> totalFrames() const override { return reader.totalFrames(); }
+    void close() override { reader.close(); }
 
 private:
-    bool readHeader();
-    bool readFormatChunk();
-    std::optional<AudioBlock> readBlock();
-
-    InputFile file;
-    AudioFormat pcm;
-    std::optional<quint64> total;
-    bool lsbFirst = false;
-    quint32 blockBytes = 0; ///< of one channel
-    quint64 position = 0;   ///< bytes of each channel that are done
-    DsdFilterBank filters;
+    DsdFileReader reader;
 };

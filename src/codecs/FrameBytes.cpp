@@ -111,6 +111,8 @@ void packFrame(const AVFrame& frame, int first, int frames, int bits, std::vecto
     bytes.assign(count * static_cast<std::size_t>(frame.ch_layout.nb_channels)
                      * static_cast<std::size_t>(bits / 8),
                  0);
+    if (bytes.empty())
+        return;
     if (bits == 24)
         packFormat<24>(frame, start, count, bytes.data());
     else

@@ -54,16 +54,16 @@ struct Oversampler::OversamplerChannel {
     {
     }
 
-    void run(const qint32* samples, std::size_t count, std::size_t channels, qint32* out)
+    void run(const qint32* samples, std::size_t count, std::size_t step, qint32* out)
     {
-        load(samples, count, channels);
+        load(samples, count, step);
         for (std::size_t first = 0; first < count; first += lanes) {
             const std::size_t wanted = std::min(lanes, count - first);
             for (std::size_t phase = 0; phase < factor; ++phase) {
                 double sums[lanes] = {};
                 sum(first, phase, sums);
                 for (std::size_t lane = 0; lane < wanted; ++lane)
-                    out[((first + lane) * factor + phase) * channels] =
+                    out[((first + lane) * factor + phase) * step] =
                         sampleFromFloat(static_cast<float>(sums[lane]));
             }
         }
@@ -71,13 +71,13 @@ struct Oversampler::OversamplerChannel {
     }
 
 private:
-    void load(const qint32* samples, std::size_t count, std::size_t channels)
+    void load(const qint32* samples, std::size_t count, std::size_t step)
     {
         constexpr float scale = 4.656613e-10f;
         // The last, unfinished group of lanes reads on over values that no one uses.
         input.resize(pastSamples + count + lanes);
         for (std::size_t i = 0; i < count; ++i)
-            input[pastSamples + i] = double{static_cast<float>(samples[i * channels]) * scale};
+            input[pastSamples + i] = double{static_cast<float>(samples[i * step]) * scale};
     }
 
     void sum(std::size_t first, std::size_t phase, double (&sums)[lanes]) const

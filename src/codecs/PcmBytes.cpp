@@ -76,13 +76,14 @@ void packPcm(const qint32* samples, std::size_t count, PcmLayout layout, quint8*
 
 bool writePcm(OutputFile& file, const AudioBlock& block, PcmLayout layout)
 {
-    std::vector<quint8> bytes(samplesPerPiece * 3);
     const qint32* samples = block.samples.constData();
     auto left = static_cast<std::size_t>(block.samples.size());
+    const auto sampleBytes = static_cast<std::size_t>(pcmSampleBytes(layout));
+    std::vector<quint8> bytes(std::min(left, samplesPerPiece) * sampleBytes);
     while (left > 0 && file.good()) {
         const std::size_t count = std::min(left, samplesPerPiece);
         packPcm(samples, count, layout, bytes.data());
-        file.write(bytes.data(), count * static_cast<std::size_t>(pcmSampleBytes(layout)));
+        file.write(bytes.data(), count * sampleBytes);
         samples += count;
         left -= count;
     }

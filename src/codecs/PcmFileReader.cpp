@@ -1,11 +1,24 @@
 #include "codecs/PcmFileReader.h"
 
 #include "codecs/BlockSize.h"
+#include "codecs/NoThrow.h"
 
 #include <algorithm>
 #include <vector>
 
-void PcmFileReader::start(InputFile& file, const PcmLayoutInFile& layout)
+bool PcmFileReader::open(const std::filesystem::path& path, HeaderReader readHeader)
+{
+    if (!file.open(path))
+        return false;
+    const auto layout = readHeader(file);
+    if (layout)
+        start(*layout);
+    else
+        file.close();
+    return layout.has_value();
+}
+
+void PcmFileReader::start(const PcmLayoutInFile& layout)
 {
     pcm = layout.format;
     const quint64 frameBytes = quint64{pcm.channels} * (pcm.bitsPerSample / 8u);
@@ -15,7 +28,12 @@ void PcmFileReader::start(InputFile& file, const PcmLayoutInFile& layout)
     file.seek(layout.firstSample);
 }
 
-std::optional<AudioBlock> PcmFileReader::read(InputFile& file)
+std::optional<AudioBlock> PcmFileReader::read()
+{
+    return withoutThrowing([this] { return readBlock(); });
+}
+
+std::optional<AudioBlock> PcmFileReader::readBlock()
 {
     if (!file.isOpen() || position >= total)
         return std::nullopt;

@@ -13,6 +13,7 @@ constexpr int unreadBytes = 7; // packet type and "vorbis"
 // together stay below half a million.
 constexpr std::int64_t mostBookValues = 1 << 18;
 constexpr std::int64_t mostValues = 1 << 21;
+constexpr std::int64_t longestCode = 32;
 
 /// Smallest number of bits that a value fits in.
 int bitLength(std::int64_t value)
@@ -45,6 +46,15 @@ struct Book {
     std::int64_t dimensions = 0;
     std::int64_t entries = 0;
     bool used = false; ///< at least one entry has a code
+    std::int64_t codeSpace = 0;
+
+    /// False when these codes no longer fit beside those before.
+    bool addCodes(std::int64_t count, std::int64_t length)
+    {
+        codeSpace += count << (longestCode - length);
+        used = used || count > 0;
+        return codeSpace <= std::int64_t{1} << longestCode;
+    }
 };
 
 /// Walks the setup packet as far as its counts decide what is allocated.
@@ -129,24 +139,23 @@ bool SetupReader::readLengths(Book& book)
     for (std::int64_t i = 0; i < book.entries && complete; ++i) {
         if (sparse && take(1) == 0)
             continue;
-        take(5);
-        book.used = true;
+        if (!book.addCodes(1, take(5) + 1))
+            return false;
     }
     return complete;
 }
 
 bool SetupReader::readOrderedLengths(Book& book)
 {
-    constexpr std::int64_t longest = 32;
     std::int64_t length = take(5) + 1;
     for (std::int64_t entry = 0; entry < book.entries && complete; ++length) {
-        if (length > longest)
+        if (length > longestCode)
             return false;
-        entry += take(bitLength(book.entries - entry));
-        if (entry > book.entries)
+        const std::int64_t count = take(bitLength(book.entries - entry));
+        entry += count;
+        if (entry > book.entries || !book.addCodes(count, length))
             return false;
     }
-    book.used = book.entries > 0;
     return complete;
 }
 

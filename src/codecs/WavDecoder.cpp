@@ -1,7 +1,5 @@
 #include "codecs/WavDecoder.h"
 
-#include "codecs/NoThrow.h"
-
 namespace {
 
 constexpr quint32 fixedFormatBytes = 16;
@@ -54,17 +52,5 @@ std::optional<PcmLayoutInFile> readHeader(InputFile& file)
 
 bool WavDecoder::open(const std::filesystem::path& path)
 {
-    if (!file.open(path))
-        return false;
-    const auto layout = readHeader(file);
-    if (layout)
-        reader.start(file, *layout);
-    else
-        file.close();
-    return layout.has_value();
-}
-
-std::optional<AudioBlock> WavDecoder::read()
-{
-    return withoutThrowing([this] { return reader.read(file); });
+    return reader.open(path, readHeader);
 }

@@ -129,3 +129,19 @@ QList<qint32> patterns(const QList<quint32>& bits)
 {
     return QList<qint32>(bits.begin(), bits.end());
 }
+
+std::vector<AudioFormat> formatsOfWidths(std::initializer_list<quint16> widths)
+{
+    std::vector<AudioFormat> formats;
+    for (const quint16 width : widths) {
+        for (const quint16 channels : {quint16{1}, quint16{2}, quint16{6}})
+            formats.push_back({channels == 2 ? 96000u : 44100u, channels, width});
+    }
+    return formats;
+}
+
+std::string nameOfFormat(const ::testing::TestParamInfo<AudioFormat>& instance)
+{
+    return std::to_string(instance.param.bitsPerSample) + "bits" + std::to_string(instance.param.channels)
+           + "channels";
+}

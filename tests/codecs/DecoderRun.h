@@ -72,3 +72,9 @@ double largestDifference(const QList<qint32>& a, const QList<qint32>& b, int bit
 
 /// Bit patterns as samples.
 QList<qint32> patterns(const QList<quint32>& bits);
+
+/// One, two and six channels of each width.
+std::vector<AudioFormat> formatsOfWidths(std::initializer_list<quint16> widths);
+
+/// The name of a test case for a format.
+std::string nameOfFormat(const ::testing::TestParamInfo<AudioFormat>& instance);

@@ -1,5 +1,6 @@
 #include "codecs/DsdFirFilter.h"
 #include "codecs/FloatSample.h"
+#include "codecs/PlainDsdFilter.h"
 #include "support/AudioMaker.h"
 
 #include <gtest/gtest.h>
@@ -8,53 +9,6 @@
 #include <cmath>
 #include <complex>
 #include <numbers>
-
-// The filter as its definition reads, one output after another.
-struct PlainFilter {
-    float coefficients[128];
-    float ring[128] = {};
-    unsigned position = 0;
-
-    PlainFilter()
-    {
-        double sum = 0;
-        for (int i = 0; i < 128; ++i) {
-            const double n = i - 63.5;
-            const double ideal = std::sin(n * 0.39269908169872414) / (n * 3.141592653589793);
-            const double inside = 1 - (n / 63.5) * (n / 63.5);
-            const double window = bessel(8.0 * std::sqrt(inside > 0 ? inside : 0)) / bessel(8.0);
-            coefficients[i] = static_cast<float>(ideal * window);
-            sum += ideal * window;
-        }
-        for (float& coefficient : coefficients)
-            coefficient = static_cast<float>(static_cast<double>(coefficient) * (1.0 / sum));
-    }
-
-    static double bessel(double x)
-    {
-        double sum = 1;
-        double term = 1;
-        for (int k = 1; k < 32; ++k) {
-            term *= (x / (2 * k)) * (x / (2 * k));
-            sum += term;
-            if (sum * 1e-12 > term)
-                return sum;
-        }
-        return sum;
-    }
-
-    float feed(quint8 byte, bool lsbFirst)
-    {
-        for (int bit = 0; bit < 8; ++bit) {
-            ring[position] = (byte >> (lsbFirst ? bit : 7 - bit)) & 1 ? 1.0f : -1.0f;
-            position = (position + 1) % 128;
-        }
-        double sum = 0;
-        for (unsigned k = 0; k < 128; ++k)
-            sum += static_cast<double>(coefficients[k]) * static_cast<double>(ring[(position - k - 1) % 128]);
-        return static_cast<float>(sum);
-    }
-};
 
 static std::vector<quint8> noiseBytes(quint64 count, quint32 seed)
 {
@@ -88,7 +42,7 @@ TEST(DsdFirFilter, CoefficientsAreSymmetricAndSumToOne)
 TEST(DsdFirFilter, CoefficientsAgreeWithThePlainDesignBitForBit)
 {
     const DsdFirFilter filter;
-    const PlainFilter plain;
+    const PlainDsdFilter plain;
     for (std::size_t i = 0; i < 128; ++i)
         EXPECT_EQ(std::bit_cast<quint32>(filter.coefficients[i]),
                   std::bit_cast<quint32>(plain.coefficients[i]));
@@ -102,7 +56,7 @@ TEST(DsdFirFilter, AgreesWithThePlainLoopBitForBitAcrossCallsOfAnySize)
 {
     for (const bool lsbFirst : {false, true}) {
         DsdFirFilter filter;
-        PlainFilter plain;
+        PlainDsdFilter plain;
         quint32 seed = 1;
         for (const std::size_t count : {1, 2, 7, 15, 16, 17, 31, 100, 127, 128, 129, 1000, 4096, 3, 0, 5}) {
             const std::vector<quint8> bytes = noiseBytes(count, seed++);
@@ -125,7 +79,7 @@ TEST(DsdFirFilter, StepsPickAChannelAndLeaveTheOthersAlone)
     std::vector<float> values(2 * 200, 9.0f);
     DsdFirFilter filter;
     decodeDsdBytes(filter, bytes.data() + 1, 200, false, values.data() + 1, 3, 2);
-    PlainFilter plain;
+    PlainDsdFilter plain;
     for (std::size_t i = 0; i < 200; ++i) {
         EXPECT_EQ(values[2 * i], 9.0f);
         EXPECT_EQ(values[2 * i + 1], plain.feed(bytes[3 * i + 1], false));

@@ -130,9 +130,5 @@ TEST_P(FlacWidthTest, SamplesAreLeftJustifiedAndAgreeWithIndependentDecoders)
     EXPECT_EQ(decoded.samples, decodeWithFfmpeg(file("judge.wav")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Widths, FlacWidthTest,
-                         ::testing::Values(AudioFormat{44100, 1, 8}, AudioFormat{44100, 2, 12},
-                                           AudioFormat{44100, 1, 16}, AudioFormat{48000, 2, 16},
-                                           AudioFormat{44100, 6, 16}, AudioFormat{96000, 2, 20},
-                                           AudioFormat{44100, 1, 24}, AudioFormat{192000, 2, 24},
-                                           AudioFormat{44100, 6, 24}));
+INSTANTIATE_TEST_SUITE_P(Widths, FlacWidthTest, ::testing::ValuesIn(formatsOfWidths({8, 12, 16, 20, 24, 32})),
+                         nameOfFormat);

@@ -68,6 +68,28 @@ TEST_F(VorbisHeadersTest, ABookWithoutCodesThatIsReadFromIsNot)
     EXPECT_FALSE(vorbisHeadersAreSound(bad));
 }
 
+// Of codes that leave no room for each other the library loses memory.
+TEST_F(VorbisHeadersTest, ABookOfMoreCodesThanThereAreIsNot)
+{
+    // One dimension, ten entries, not sorted, not sparse, a length less one each,
+    // and no lookup: whole bytes, so that the books behind it stay readable.
+    const auto withBook = [](std::vector<QByteArray> packets, const QList<quint64>& lengths) {
+        quint64 bits = 0;
+        for (qsizetype i = 0; i < lengths.size(); ++i)
+            bits |= (lengths[i] - 1) << (2 + 5 * i);
+        QByteArray book("\x42\x43\x56\x01\x00\x0A\x00\x00", 8);
+        for (int byte = 0; byte < 7; ++byte)
+            book.append(static_cast<char>(bits >> (8 * byte)));
+        constexpr int firstBook = 7 + 1;
+        packets[2][firstBook - 1] = static_cast<char>(packets[2][firstBook - 1] + 1);
+        packets[2].insert(firstBook, book);
+        return packets;
+    };
+    EXPECT_TRUE(vorbisHeadersAreSound(withBook(headers(), {1, 2, 3, 4, 5, 6, 7, 8, 9, 9})));
+    EXPECT_FALSE(vorbisHeadersAreSound(withBook(headers(), {1, 2, 3, 4, 5, 6, 7, 8, 8, 9})));
+    EXPECT_FALSE(vorbisHeadersAreSound(withBook(headers(), {1, 1, 1, 1, 1, 1, 1, 1, 1, 1})));
+}
+
 // Every number to the power of no dimensions is 1, so the search for the largest
 // one that fits never ended.
 TEST_F(VorbisHeadersTest, ATableOfNoDimensionsIsNot)

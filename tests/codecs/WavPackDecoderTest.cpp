@@ -24,11 +24,8 @@ TEST_P(WavPackWidthTest, SamplesAreLeftJustifiedAndAgreeWithIndependentDecoders)
     EXPECT_EQ(decoded.samples, decodeWithFfmpeg(file("judge.wav")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Widths, WavPackWidthTest,
-                         ::testing::Values(AudioFormat{44100, 1, 8}, AudioFormat{44100, 1, 16},
-                                           AudioFormat{48000, 2, 16}, AudioFormat{44100, 6, 16},
-                                           AudioFormat{44100, 1, 24}, AudioFormat{192000, 2, 24},
-                                           AudioFormat{44100, 6, 24}, AudioFormat{44100, 2, 32}));
+INSTANTIATE_TEST_SUITE_P(Widths, WavPackWidthTest, ::testing::ValuesIn(formatsOfWidths({8, 16, 24, 32})),
+                         nameOfFormat);
 
 class WavPackDecoderTest : public EncoderTest {
 protected:
@@ -42,18 +39,31 @@ protected:
     }
 };
 
-// What the library delivers fills the top of two bytes already; the shift is
-// that of the width alone.
-TEST_F(WavPackDecoderTest, TwelveBitsAreShiftedByTwenty)
+class WavPackPartWidthTest : public WavPackDecoderTest, public ::testing::WithParamInterface<AudioFormat> {};
+
+// What the library delivers fills the top of whole bytes already; the shift is
+// that of the width alone, and what lies above it is lost.
+TEST_P(WavPackPartWidthTest, PartsOfBytesAreShiftedByTheirWidth)
 {
-    decoderfiles::encode(file("a.wv"), {44100, 2, 12}, audiomaker::noise(2 * 5000, 4));
+    const AudioFormat format = GetParam();
+    decoderfiles::encode(file("a.wv"), format, audiomaker::noise(5000u * format.channels, 4));
     const Decoded decoded = decode(file("a.wv"));
-    EXPECT_EQ(decoded.format.bitsPerSample, 12);
+    EXPECT_EQ(decoded.format, format);
+    const int storedBytes = (format.bitsPerSample + 7) / 8;
     QList<qint32> expected;
-    for (const qint32 stored : fromRaw16(unpackedBytes(file("a.wv"))))
-        expected.append(static_cast<qint32>(static_cast<quint32>(stored >> 16) << 20));
+    const QByteArray stored = unpackedBytes(file("a.wv"));
+    for (qsizetype i = 0; i < stored.size(); i += storedBytes) {
+        quint32 value = 0;
+        for (int byte = 0; byte < storedBytes; ++byte)
+            value |= quint32{static_cast<quint8>(stored[i + byte])} << (8 * byte);
+        expected.append(static_cast<qint32>(value << (32 - format.bitsPerSample)));
+    }
+    EXPECT_EQ(expected.size(), 5000 * format.channels);
     EXPECT_EQ(decoded.samples, expected);
 }
+
+INSTANTIATE_TEST_SUITE_P(Widths, WavPackPartWidthTest, ::testing::ValuesIn(formatsOfWidths({12, 20})),
+                         nameOfFormat);
 
 TEST_F(WavPackDecoderTest, FloatsComeOutAsTheirWords)
 {
