@@ -83,7 +83,8 @@ QFileInfoList audioFilesIn(const QString& folder)
          entry.increment(error)) {
         std::error_code unreadable;
         const QFileInfo file(entry->path());
-        if (!file.isHidden() && hasExtension(file.fileName(), extensions) && entry->is_regular_file(unreadable))
+        if (!file.isHidden() && hasExtension(file.fileName(), extensions)
+            && entry->is_regular_file(unreadable))
             files.append(file);
     }
     std::stable_sort(files.begin(), files.end(), [](const QFileInfo& left, const QFileInfo& right) {
@@ -139,7 +140,8 @@ bool ConversionRun::convertOne(const QFileInfo& file, const QString& number, con
         ++counts.skipped;
         return goOn;
     }
-    if (!progress(pickLang("変換中 (%1/%2): %3", "Converting (%1/%2): %3").arg(number, total, file.fileName())))
+    if (!progress(
+            pickLang("変換中 (%1/%2): %3", "Converting (%1/%2): %3").arg(number, total, file.fileName())))
         return false;
 
     QDir().mkpath(targetFolder);

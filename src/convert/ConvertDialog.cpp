@@ -74,23 +74,22 @@ QString summary(qsizetype found, const ConversionCounts& counts)
 
 } // namespace
 
-ConvertDialog::ConvertDialog(QWidget* parent)
-    : QDialog(parent)
+ConvertDialog::ConvertDialog(QWidget* parent) : QDialog(parent)
 {
     setWindowTitle(pickLang("ファイル変換", "Convert Files"));
     setMinimumWidth(560);
 
     sourceEdit = new QLineEdit;
-    sourceEdit->setPlaceholderText(
-        pickLang("変換元フォルダを選択（.wav / .aiff / .mp3 / .flac / .aac / .m4a / .ogg / .opus / .wv / .dsf / "
-                 ".dff が対象）",
-                 "Select source folder (.wav / .aiff / .mp3 / .flac / .aac / .m4a / .ogg / .opus / .wv / .dsf / "
-                 ".dff)"));
+    sourceEdit->setPlaceholderText(pickLang(
+        "変換元フォルダを選択（.wav / .aiff / .mp3 / .flac / .aac / .m4a / .ogg / .opus / .wv / .dsf / "
+        ".dff が対象）",
+        "Select source folder (.wav / .aiff / .mp3 / .flac / .aac / .m4a / .ogg / .opus / .wv / .dsf / "
+        ".dff)"));
     sourceBrowse = browseButton(sourceTitle());
-    dsdWarning = new QLabel(
-        pickLang("⚠ DSF/DFF(DSD)の変換は実験的な機能です。音質は未検証のため、変換後は必ず試聴して確認してください。",
-                 "⚠ DSF/DFF (DSD) conversion is experimental. Sound quality has not been verified, so please "
-                 "listen to the converted files to check them."));
+    dsdWarning = new QLabel(pickLang(
+        "⚠ DSF/DFF(DSD)の変換は実験的な機能です。音質は未検証のため、変換後は必ず試聴して確認してください。",
+        "⚠ DSF/DFF (DSD) conversion is experimental. Sound quality has not been verified, so please "
+        "listen to the converted files to check them."));
     dsdWarning->setWordWrap(true);
     dsdWarning->setStyleSheet(QStringLiteral("color: #ffaa00;"));
     dsdWarning->hide();
@@ -217,9 +216,10 @@ void ConvertDialog::run(const QString& sourceFolder)
 {
     const QFileInfoList files = audioFilesIn(sourceFolder);
     if (files.isEmpty()) {
-        showStatus(pickLang(
-            "対応する音声ファイル(.wav/.aiff/.mp3/.flac/.aac/.m4a/.ogg/.opus/.wv/.dsf/.dff)が見つかりませんでした。",
-            "No supported audio files (.wav/.aiff/.mp3/.flac/.aac/.m4a/.ogg/.opus/.wv/.dsf/.dff) were found."));
+        showStatus(pickLang("対応する音声ファイル(.wav/.aiff/.mp3/.flac/.aac/.m4a/.ogg/.opus/.wv/.dsf/"
+                            ".dff)が見つかりませんでした。",
+                            "No supported audio files "
+                            "(.wav/.aiff/.mp3/.flac/.aac/.m4a/.ogg/.opus/.wv/.dsf/.dff) were found."));
         return;
     }
     convertButton->setEnabled(false);

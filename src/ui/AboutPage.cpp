@@ -46,7 +46,8 @@ QWidget* buildAboutPage()
     layout->setSpacing(12);
     layout->addWidget(icon, 0, Qt::AlignHCenter);
     layout->addWidget(centred(QLatin1String(programinfo::name), "aboutTitle"));
-    layout->addWidget(centred(QStringLiteral("Version ") + QLatin1String(programinfo::buildLabel), "aboutVer"));
+    layout->addWidget(
+        centred(QStringLiteral("Version ") + QLatin1String(programinfo::buildLabel), "aboutVer"));
     layout->addWidget(pageparts::line());
     layout->addWidget(centred(QLatin1String(description), "aboutDesc"));
     layout->addWidget(pageparts::line());

@@ -20,8 +20,7 @@ void ProgramStarter::start(const QString& program)
     QProcess::startDetached(program, QStringList(), QString());
 }
 
-ProgramStarterOverride::ProgramStarterOverride(ProgramStarter& replacement)
-    : previous(replacementStarter)
+ProgramStarterOverride::ProgramStarterOverride(ProgramStarter& replacement) : previous(replacementStarter)
 {
     replacementStarter = &replacement;
 }

@@ -83,9 +83,10 @@ QLabel* note(const QString& text)
 
 QLabel* driveListNote()
 {
-    auto* made = pageparts::linkLabel(pickLang("ドライブの値は %1 で調べられます", "Look up your drive in the %1"),
-                                      QLatin1String(services::accurateRip) + QStringLiteral("/driveoffsets.htm"),
-                                      pickLang("AccurateRipのドライブ一覧", "AccurateRip drive list"));
+    auto* made =
+        pageparts::linkLabel(pickLang("ドライブの値は %1 で調べられます", "Look up your drive in the %1"),
+                             QLatin1String(services::accurateRip) + QStringLiteral("/driveoffsets.htm"),
+                             pickLang("AccurateRipのドライブ一覧", "AccurateRip drive list"));
     made->setObjectName(QStringLiteral("progressLabel"));
     made->setWordWrap(true);
     return made;
@@ -108,9 +109,9 @@ QGroupBox* MainWindow::buildReadSettings(SettingsFields& fields)
     fields.retries = spinBox(1, 100, maxRetries);
     fields.offset = spinBox(-2000, 2000, sampleOffset);
     fields.offset->setSuffix(QStringLiteral(" samples"));
-    auto* driveNote = note(driveModel.isEmpty()
-                               ? pickLang("（CDドライブを選んで②へ進むと表示されます）", "(shown after selecting a CD drive)")
-                               : driveModel + QStringLiteral("   ") + offsetSource);
+    auto* driveNote = note(driveModel.isEmpty() ? pickLang("（CDドライブを選んで②へ進むと表示されます）",
+                                                           "(shown after selecting a CD drive)")
+                                                : driveModel + QStringLiteral("   ") + offsetSource);
 
     auto* grid = settingsGrid();
     addField(grid, 0, QStringLiteral("Max retries / sector"), fields.retries);
@@ -124,8 +125,9 @@ QGroupBox* MainWindow::buildReadSettings(SettingsFields& fields)
 QGroupBox* MainWindow::buildOutputSettings(SettingsFields& fields)
 {
     auto* folder = pageparts::lineEdit("pathEdit");
-    folder->setText(defaultOutputDir.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::MusicLocation)
-                                               : defaultOutputDir);
+    folder->setText(defaultOutputDir.isEmpty()
+                        ? QStandardPaths::writableLocation(QStandardPaths::MusicLocation)
+                        : defaultOutputDir);
     fields.folder = folder;
     fields.rule = pageparts::lineEdit("pathEdit");
     fields.rule->setText(namingRule);
