@@ -55,6 +55,7 @@ void alignFields(const QList<QLabel*>& labels)
 QPushButton* browseButton(const QString& accessibleName)
 {
     auto* made = new QPushButton(pickLang("参照...", "Browse..."));
+    made->setObjectName(QStringLiteral("browseBtn"));
     made->setAccessibleName(accessibleName);
     // Enter in a field would click it otherwise.
     made->setAutoDefault(false);
@@ -85,6 +86,7 @@ ConvertDialog::ConvertDialog(QWidget* parent) : QDialog(parent)
         ".dff が対象）",
         "Select source folder (.wav / .aiff / .mp3 / .flac / .aac / .m4a / .ogg / .opus / .wv / .dsf / "
         ".dff)"));
+    sourceEdit->setObjectName(QStringLiteral("pathEdit"));
     sourceBrowse = browseButton(sourceTitle());
     dsdWarning = new QLabel(pickLang(
         "⚠ DSF/DFF(DSD)の変換は実験的な機能です。音質は未検証のため、変換後は必ず試聴して確認してください。",
@@ -98,9 +100,12 @@ ConvertDialog::ConvertDialog(QWidget* parent) : QDialog(parent)
         formatCombo->addItem(QStringLiteral("▾ ") + QLatin1String(format), QLatin1String(format));
     formatCombo->setCurrentIndex(defaultFormat);
     outputEdit = new QLineEdit(musicFolder());
+    outputEdit->setObjectName(QStringLiteral("pathEdit"));
     outputEdit->setPlaceholderText(outputTitle());
     outputBrowse = browseButton(outputTitle());
     convertButton = new QPushButton(pickLang("変換", "Convert"));
+    convertButton->setObjectName(QStringLiteral("ripBtn"));
+    convertButton->setFixedHeight(36);
     convertButton->setAutoDefault(false);
     statusLabel = new QLabel;
     statusLabel->setWordWrap(true);

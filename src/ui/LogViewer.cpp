@@ -1,5 +1,7 @@
 #include "ui/LogViewer.h"
 
+#include "base/Language.h"
+
 #include <QFont>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -8,6 +10,8 @@ LogViewer::LogViewer(QWidget* parent)
     : QWidget(parent), text(new QTextEdit(this))
 {
     text->setReadOnly(true);
+    text->setTabChangesFocus(true);
+    text->setAccessibleName(pickLang("ログ", "Log"));
     text->setFont(QFont(QStringLiteral("Consolas"), 9));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -30,6 +30,7 @@ QLabel* formLabel(const QString& text)
 
 QHBoxLayout* formRow(const QString& text, QLineEdit* field)
 {
+    field->setAccessibleName(text);
     auto* row = new QHBoxLayout;
     row->addWidget(formLabel(text));
     row->addWidget(field, 1);
@@ -69,6 +70,7 @@ QWidget* MainWindow::buildMetadataPage()
     artLabel = pageparts::label(QStringLiteral("♪"), "artLabel");
     artLabel->setFixedSize(pageparts::coverPixels, pageparts::coverPixels);
     artLabel->setAlignment(Qt::AlignCenter);
+    artLabel->setAccessibleName(pickLang("アルバムアート", "Cover art"));
     auto* selectArt = pageparts::button(pickLang("アートを選択", "Select Art"), "browseBtn");
     connect(selectArt, &QPushButton::clicked, this, [this] { pickCover(); });
     auto* coverColumn = new QVBoxLayout;
@@ -85,6 +87,7 @@ QWidget* MainWindow::buildMetadataPage()
     trackTable = pageparts::trackTable(
         {QStringLiteral("#"), pickLang("曲名", "Title"), pickLang("時間", "Time")}, 40, 70);
     trackTable->setFixedHeight(180);
+    trackTable->setAccessibleName(pickLang("トラックリスト", "Track list"));
 
     auto* page = new QWidget;
     auto* layout = pageparts::pageLayout(page, 16);
@@ -104,6 +107,8 @@ QBoxLayout* MainWindow::buildAlbumFields()
     yearEdit = pageparts::lineEdit("formEdit");
     discNumberSpin = discSpin();
     discTotalSpin = discSpin();
+    discNumberSpin->setAccessibleName(pickLang("ディスク番号", "Disc number"));
+    discTotalSpin->setAccessibleName(pickLang("ディスク枚数", "Number of discs"));
 
     auto* discRow = new QHBoxLayout;
     discRow->addWidget(formLabel(QStringLiteral("DISC")));

@@ -55,6 +55,8 @@ QWidget* MainWindow::buildOutputPage()
     auto* browse = pageparts::button(pickLang("参照...", "Browse..."), "browseBtn");
     browse->setFixedWidth(80);
     connect(browse, &QPushButton::clicked, this, &MainWindow::onBrowseOutput);
+    outputPathEdit->setAccessibleName(pickLang("出力先フォルダ", "Output folder"));
+    browse->setAccessibleName(pickLang("出力先フォルダを選択", "Browse for an output folder"));
     auto* folderRow = new QHBoxLayout;
     folderRow->addWidget(outputPathEdit, 1);
     folderRow->addWidget(browse);

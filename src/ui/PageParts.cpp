@@ -85,6 +85,8 @@ QTableWidget* trackTable(const QStringList& headers, int firstWidth, int lastWid
     table->setColumnWidth(0, firstWidth);
     table->setColumnWidth(2, lastWidth);
     table->verticalHeader()->setVisible(false);
+    // Tab goes on to the next field; the arrow keys move between cells.
+    table->setTabKeyNavigation(false);
     return table;
 }
 
@@ -121,7 +123,10 @@ QString shownTitle(const TrackInfo& track)
 
 void showCover(QLabel* box, const QPixmap& cover)
 {
-    box->setPixmap(cover.scaled(box->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    const qreal ratio = box->devicePixelRatioF();
+    QPixmap fitting = cover.scaled(box->size() * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    fitting.setDevicePixelRatio(ratio);
+    box->setPixmap(fitting);
 }
 
 } // namespace pageparts

@@ -88,6 +88,7 @@ QWidget* MainWindow::buildMapPane()
     sectorMap = new SectorMap;
     sectorMap->setMinimumHeight(200);
     logViewer = new LogViewer;
+    sectorMap->setAccessibleName(pickLang("セクタマップ", "Sector map"));
 
     auto* pane = new QWidget;
     pane->setObjectName(QStringLiteral("leftPane"));
@@ -120,6 +121,7 @@ QWidget* MainWindow::buildStatisticsPane()
     ripProgress->setValue(0);
     ripProgress->setTextVisible(false);
     ripProgress->setFixedHeight(4);
+    ripProgress->setAccessibleName(pickLang("リッピングの進行状況", "Progress of the rip"));
     progressLabel = pageparts::label(idleText(), "progressLabel");
     progressLabel->setWordWrap(true); // some of its texts are longer than the pane is wide
     ripBtn = pageparts::button(QStringLiteral("▶  RIP START"), "ripBtn");

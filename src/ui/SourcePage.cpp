@@ -37,6 +37,8 @@ QWidget* MainWindow::buildSourcePage()
     auto* refresh = pageparts::button(QStringLiteral("↺"), "browseBtn");
     refresh->setFixedWidth(36);
     refresh->setToolTip(QStringLiteral("Refresh CD drives"));
+    refresh->setAccessibleName(pickLang("CD ドライブを再検出", "Refresh CD drives"));
+    driveCombo->setAccessibleName(pickLang("CD ドライブ", "CD drive"));
     connect(refresh, &QPushButton::clicked, this, [this] { refreshDrives(); });
     auto* driveRow = new QHBoxLayout;
     driveRow->addWidget(new QLabel(QStringLiteral("Drive:")));
@@ -46,10 +48,14 @@ QWidget* MainWindow::buildSourcePage()
     cuePathEdit = pageparts::lineEdit("pathEdit", QStringLiteral("Select .cue file..."));
     auto* browseCue = pageparts::button(QStringLiteral("Browse..."), "browseBtn");
     connect(browseCue, &QPushButton::clicked, this, [this] { pickCue(); });
+    cuePathEdit->setAccessibleName(pickLang("CUE シート", "CUE sheet"));
+    browseCue->setAccessibleName(pickLang("CUE シートを選択", "Browse for a CUE sheet"));
 
     audioPathEdit = pageparts::lineEdit("pathEdit", QStringLiteral("Select audio file..."));
     auto* browseAudio = pageparts::button(QStringLiteral("Browse..."), "browseBtn");
     connect(browseAudio, &QPushButton::clicked, this, [this] { pickAudio(); });
+    audioPathEdit->setAccessibleName(pickLang("音声ファイル", "Audio file"));
+    browseAudio->setAccessibleName(pickLang("音声ファイルを選択", "Browse for an audio file"));
 
     auto* resetBtn =
         pageparts::button(pickLang("⟳  Reset — 最初からやり直す", "⟳  Reset — Start over"), "resetBtn");

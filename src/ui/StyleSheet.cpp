@@ -106,6 +106,15 @@ QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
 QScrollBar::add-page, QScrollBar::sub-page { background: none; }
 )";
 
+// Where the keyboard stands. The rules above leave it unseen on all but lists.
+constexpr char focusRules[] = R"(
+#pathEdit:focus, #formEdit:focus, #settingsSpin:focus, QComboBox:focus, #trackTable:focus,
+#backBtn:focus, #browseBtn:focus, #resetBtn:focus, #settingsBtn:focus, #convertBtn:focus { border-color: #4db8ff; }
+#nextBtn:focus, #ripBtn:focus { border-color: #c0d8f0; }
+QRadioButton:focus, QCheckBox:focus, QTabBar:focus { color: #4db8ff; }
+QTextEdit:focus { border: 1px solid #0d2a45; }
+)";
+
 constexpr char settingsRules[] = R"(
 QTabWidget::pane { border: none; background: #0a0a0f; }
 QTabBar::tab { background: #070710; color: #4a7aa0; padding: 8px 24px; border: none;
@@ -123,7 +132,8 @@ QTabBar::tab:selected { color: #4db8ff; border-bottom: 2px solid #4db8ff; backgr
 QString styleSheetText()
 {
     return QString::fromUtf8(frameRules) + QString::fromUtf8(pageRules) + QString::fromUtf8(ripRules)
-        + QString::fromUtf8(choiceRules) + QString::fromUtf8(scrollBarRules);
+        + QString::fromUtf8(choiceRules) + QString::fromUtf8(scrollBarRules)
+        + QString::fromUtf8(focusRules);
 }
 
 QString settingsStyleSheetText()

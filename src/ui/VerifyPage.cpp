@@ -88,6 +88,7 @@ QWidget* MainWindow::buildVerifyPage()
     verifyProgress->setRange(0, 100);
     verifyProgress->setValue(0);
     verifyProgress->setFixedHeight(4);
+    verifyProgress->setAccessibleName(pickLang("照合の進行状況", "Progress of the verification"));
 
     verifyResult = pageparts::label(pickLang("照合待機中...", "Waiting to verify..."), "verifyResult");
     verifyResult->setAlignment(Qt::AlignCenter);
@@ -105,6 +106,7 @@ QWidget* MainWindow::buildVerifyPage()
     verifyTable = pageparts::trackTable(
         {QStringLiteral("Track"), QStringLiteral("Title"), QStringLiteral("AccurateRip")}, 52, 120);
     verifyTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    verifyTable->setAccessibleName(pickLang("トラックごとの照合結果", "Verdict of each track"));
     verifyTable->setItemDelegateForColumn(resultColumn, new ColouredCells(verifyTable));
 
     auto* page = new QWidget;

@@ -1,0 +1,152 @@
+// The wizard without a mouse, and what a screen reader has to go by.
+
+#include "ui/WindowDriver.h"
+
+#include "support/DiscMaker.h"
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextEdit>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class Keyboard : public ::testing::Test {
+protected:
+    void SetUp() override { QSettings().clear(); }
+
+    static QString describe(const QWidget* widget)
+    {
+        return QStringLiteral("%1 \"%2\"").arg(QLatin1String(widget->metaObject()->className()), widget->objectName());
+    }
+
+    /// What Tab comes by, once around, from where the focus is.
+    static QList<QWidget*> tabRound(MainWindow& window)
+    {
+        QList<QWidget*> round;
+        constexpr int limit = 60;
+        for (int i = 0; i < limit; ++i) {
+            QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : &window, Qt::Key_Tab);
+            QWidget* reached = QApplication::focusWidget();
+            if (!reached || round.contains(reached))
+                return round;
+            round.append(reached);
+        }
+        ADD_FAILURE() << "Tab never comes back";
+        return round;
+    }
+
+    static QPoint place(MainWindow& window, QWidget* widget) { return widget->mapTo(&window, QPoint(0, 0)); }
+
+    QTemporaryDir folder;
+};
+
+bool isControl(const QWidget* widget)
+{
+    return qobject_cast<const QAbstractButton*>(widget) || qobject_cast<const QLineEdit*>(widget)
+        || qobject_cast<const QComboBox*>(widget) || qobject_cast<const QAbstractSpinBox*>(widget)
+        || qobject_cast<const QTableWidget*>(widget) || qobject_cast<const QTextEdit*>(widget);
+}
+
+} // namespace
+
+TEST_F(Keyboard, TabGoesThroughEachPageAsItIsRead)
+{
+    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    app.window().activateWindow();
+    app.outputPath()->setText(folder.path());
+    for (int step = 0; step < 3; ++step) {
+        app.advanceTo(step);
+        app.find<QPushButton>("settingsBtn")->setFocus();
+        const QList<QWidget*> round = tabRound(app.window());
+        ASSERT_GE(round.size(), 4) << "step " << step;
+        EXPECT_EQ(round.constLast()->objectName(), QStringLiteral("settingsBtn"));
+        QPoint before(-1, -1);
+        for (QWidget* widget : round.first(round.size() - 1)) {
+            const QPoint here = place(app.window(), widget);
+            constexpr int sameRow = 20;
+            EXPECT_TRUE(here.y() > before.y() - sameRow || here.x() > before.x())
+                << "step " << step << ": " << describe(widget).toStdString();
+            before = here;
+        }
+    }
+}
+
+TEST_F(Keyboard, AWholeRipNeedsNoMouse)
+{
+    ImageDescription image;
+    image.tracks = {{0, QStringLiteral("One")}};
+    WindowDriver app(2);
+    app.window().activateWindow();
+    app.pickCue(writeImage(folder.path(), image, makeAudio(20, 1)));
+    app.outputPath()->setText(folder.path());
+    const auto press = [](QWidget* widget) {
+        widget->setFocus();
+        QTest::keyClick(widget, Qt::Key_Space);
+    };
+    for (int step = 1; step <= 3; ++step) {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return app.next()->isEnabled(); }, 60000));
+        press(app.next());
+        ASSERT_EQ(app.step(), step);
+    }
+    bool done = false;
+    const DialogWatcher watcher([&done](QDialog* dialog) {
+        QTest::keyClick(dialog, Qt::Key_Return);
+        done = true;
+    });
+    press(app.rip());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return done; }, 60000));
+    EXPECT_TRUE(QFileInfo::exists(folder.filePath(QStringLiteral("Test Artist - Test Album/01. One.flac"))));
+}
+
+TEST_F(Keyboard, EveryControlHasANameInBothLanguages)
+{
+    for (const int language : {1, 2}) {
+        WindowDriver app(language, {QStringLiteral("/dev/sr0")});
+        for (QWidget* widget : app.window().findChildren<QWidget*>()) {
+            const bool partOfAnother = qobject_cast<QAbstractSpinBox*>(widget->parentWidget())
+                || widget->objectName().startsWith(QStringLiteral("qt_"))
+                || qobject_cast<QTableWidget*>(widget->parentWidget());
+            if (!isControl(widget) || partOfAnother || widget->isHidden())
+                continue;
+            const auto* button = qobject_cast<QAbstractButton*>(widget);
+            const bool speaksForItself = button && button->text().size() > 3;
+            EXPECT_TRUE(speaksForItself || !widget->accessibleName().isEmpty()) << describe(widget).toStdString();
+        }
+    }
+}
+
+// A trap for the keyboard otherwise: Tab would go from cell to cell.
+TEST_F(Keyboard, TabLeavesTheTrackTable)
+{
+    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    app.window().activateWindow();
+    app.shelf().audio = makeAudio(40, 1);
+    app.shelf().tracks = {{0}, {20}};
+    app.advanceTo(2);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.next()->isEnabled(); }, 60000));
+    app.tracks()->setFocus();
+    QTest::keyClick(app.tracks(), Qt::Key_Tab);
+    EXPECT_NE(QApplication::focusWidget(), app.tracks());
+}
+
+TEST_F(Keyboard, TheFocusIsSeen)
+{
+    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    app.window().activateWindow();
+    for (QWidget* widget : {static_cast<QWidget*>(app.cuePath()), static_cast<QWidget*>(app.next()),
+                            static_cast<QWidget*>(app.reset())}) {
+        app.find<QPushButton>("settingsBtn")->setFocus();
+        const QImage without = widget->grab().toImage();
+        widget->setFocus();
+        ASSERT_TRUE(widget->hasFocus());
+        EXPECT_NE(widget->grab().toImage(), without) << describe(widget).toStdString();
+    }
+}
