@@ -13,7 +13,8 @@ constexpr int unreadBytes = 7; // packet type and "vorbis"
 // together stay below half a million.
 constexpr std::int64_t mostBookValues = 1 << 18;
 constexpr std::int64_t mostValues = 1 << 21;
-constexpr std::int64_t longestCode = 32;
+// The library takes none of 32 bits.
+constexpr std::int64_t longestCode = 31;
 
 /// Smallest number of bits that a value fits in.
 int bitLength(std::int64_t value)
@@ -48,9 +49,11 @@ struct Book {
     bool used = false; ///< at least one entry has a code
     std::int64_t codeSpace = 0;
 
-    /// False when these codes no longer fit beside those before.
+    /// False for codes too long, and for those that no longer fit beside others.
     bool addCodes(std::int64_t count, std::int64_t length)
     {
+        if (length > longestCode)
+            return false;
         codeSpace += count << (longestCode - length);
         used = used || count > 0;
         return codeSpace <= std::int64_t{1} << longestCode;

@@ -68,8 +68,9 @@ TEST_F(VorbisHeadersTest, ABookWithoutCodesThatIsReadFromIsNot)
     EXPECT_FALSE(vorbisHeadersAreSound(bad));
 }
 
-// Of codes that leave no room for each other the library loses memory.
-TEST_F(VorbisHeadersTest, ABookOfMoreCodesThanThereAreIsNot)
+// The library loses memory over a book of codes that leave no room for each other,
+// and over one with a code of 32 bits.
+TEST_F(VorbisHeadersTest, ABookOfMoreCodesThanThereAreOrOfTooLongOnesIsNot)
 {
     // One dimension, ten entries, not sorted, not sparse, a length less one each,
     // and no lookup: whole bytes, so that the books behind it stay readable.
@@ -87,6 +88,8 @@ TEST_F(VorbisHeadersTest, ABookOfMoreCodesThanThereAreIsNot)
     };
     EXPECT_TRUE(vorbisHeadersAreSound(withBook(headers(), {1, 2, 3, 4, 5, 6, 7, 8, 9, 9})));
     EXPECT_FALSE(vorbisHeadersAreSound(withBook(headers(), {1, 2, 3, 4, 5, 6, 7, 8, 8, 9})));
+    EXPECT_TRUE(vorbisHeadersAreSound(withBook(headers(), {1, 2, 3, 4, 5, 6, 7, 8, 9, 31})));
+    EXPECT_FALSE(vorbisHeadersAreSound(withBook(headers(), {1, 2, 3, 4, 5, 6, 7, 8, 9, 32})));
     EXPECT_FALSE(vorbisHeadersAreSound(withBook(headers(), {1, 1, 1, 1, 1, 1, 1, 1, 1, 1})));
 }
 
