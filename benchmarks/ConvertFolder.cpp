@@ -1,0 +1,146 @@
+// Converts a folder by the real dialog in fresh processes, beside a shell that
+// runs flac file by file; and looks at what one long file takes of the memory.
+
+#include "ChildRun.h"
+#include "Measure.h"
+#include "MusicImage.h"
+#include "base/ByteOrder.h"
+#include "convert/ConvertDialog.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+
+namespace {
+
+constexpr char convertCommand[] = "run-dialog";
+constexpr double shellAim = 1.10;
+constexpr double memoryAimMegabytes = 150;
+constexpr int longSeconds = 2 * 60 * 60;
+
+double wallOf(const RunCost& cost)
+{
+    return cost.wall;
+}
+
+double megabytesOf(const RunCost& cost)
+{
+    return static_cast<double>(cost.peakBytes) / 1e6;
+}
+
+/// One run of the dialog, FLAC being its first choice.
+int convertByDialog(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    ConvertDialog dialog;
+    dialog.show();
+    const auto edits = dialog.findChildren<QLineEdit*>();
+    edits.at(0)->setText(QFile::decodeName(argv[2]));
+    edits.at(1)->setText(QFile::decodeName(argv[3]));
+    dialog.findChildren<QPushButton*>().constLast()->click();
+    return 0;
+}
+
+QStringList dialogRun(const QString& source, const QString& target)
+{
+    return {QCoreApplication::applicationFilePath(), QLatin1String(convertCommand), source, target};
+}
+
+/// Silence of a length as a WAV file whose samples take no room on the disk.
+void writeLongWave(const QString& path, int seconds)
+{
+    const quint32 bytes = static_cast<quint32>(seconds) * 44100 * 4;
+    QByteArray header("RIFF....WAVEfmt ....................data....");
+    const auto place = [&header](qsizetype at, auto value) { byteorder::writeLittle(header.data() + at, value); };
+    place(4, quint32{36 + bytes});
+    place(16, quint32{16});
+    place(20, quint16{1});
+    place(22, quint16{2});
+    place(24, quint32{44100});
+    place(28, quint32{44100 * 4});
+    place(32, quint16{4});
+    place(34, quint16{16});
+    place(40, bytes);
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(header) != header.size()
+        || !file.resize(header.size() + qint64{bytes}))
+        throw std::runtime_error("can't write the long file");
+}
+
+void folderRow(const QString& folder, int minutes, int pairs)
+{
+    const QString sources = folder + QStringLiteral("/album");
+    QDir().mkpath(sources);
+    const MusicImage music = makeMusicImage(folder + QStringLiteral("/image"), minutes, 12);
+    const QStringList waves = writeTrackWaves(music, sources);
+    const QString target = folder + QStringLiteral("/out");
+    const QString loop = QStringLiteral("mkdir -p '%2' && for f in '%1'/*.wav; do flac -s -f -5 -o "
+                                        "\"%2/$(basename \"$f\" .wav).flac\" \"$f\" || exit 1; done")
+                             .arg(sources, folder + QStringLiteral("/shell"));
+    const PairedCosts costs = runPairs(
+        pairs,
+        [&] {
+            QDir(target).removeRecursively();
+            const RunCost cost = runChild(dialogRun(sources, target));
+            const auto made = QDir(target + QStringLiteral("/album")).entryList({QStringLiteral("*.flac")});
+            if (made.size() != waves.size())
+                throw std::runtime_error("the dialog did not convert every file");
+            return cost;
+        },
+        [&] { return runChild({QStringLiteral("sh"), QStringLiteral("-c"), loop}); });
+    printRow(QStringLiteral("folder of 12 WAV to FLAC / shell loop"), QStringLiteral("s"),
+             medianOf(costs.ours, wallOf), medianOf(costs.other, wallOf), costs.ratio(wallOf), shellAim);
+    QDir(sources).removeRecursively();
+}
+
+void memoryRows(const QString& folder)
+{
+    for (const int seconds : {longSeconds / 60, longSeconds}) {
+        const QString sources = folder + QStringLiteral("/long");
+        QDir().mkpath(sources);
+        writeLongWave(sources + QStringLiteral("/long.wav"), seconds);
+        const RunCost cost = runChild(dialogRun(sources, folder + QStringLiteral("/out")));
+        printRow(QStringLiteral("peak memory for %1 minutes").arg(seconds / 60), QStringLiteral("MB"),
+                 megabytesOf(cost), memoryAimMegabytes, megabytesOf(cost) / memoryAimMegabytes, 1.0);
+        QDir(sources).removeRecursively();
+    }
+}
+
+int measure(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    const QCommandLineOption minutes(QStringLiteral("minutes"), QStringLiteral("Minutes of audio."),
+                                     QStringLiteral("number"), QStringLiteral("48"));
+    const QCommandLineOption pairs(QStringLiteral("pairs"), QStringLiteral("Paired runs."),
+                                   QStringLiteral("number"), QStringLiteral("5"));
+    parser.addOptions({minutes, pairs});
+    parser.process(application);
+    const QTemporaryDir folder;
+    try {
+        printHead();
+        folderRow(folder.path(), std::max(1, parser.value(minutes).toInt()), std::max(1, parser.value(pairs).toInt()));
+        memoryRows(folder.path());
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    return argc == 4 && QByteArray(argv[1]) == convertCommand ? convertByDialog(argc, argv) : measure(argc, argv);
+}
