@@ -27,6 +27,12 @@ protected:
         return QStringLiteral("%1 \"%2\"").arg(QLatin1String(widget->metaObject()->className()), widget->objectName());
     }
 
+    static void activate(WindowDriver& app)
+    {
+        app.window().activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&app.window()));
+    }
+
     /// What Tab comes by, once around, from where the focus is.
     static QList<QWidget*> tabRound(MainWindow& window)
     {
@@ -60,7 +66,7 @@ bool isControl(const QWidget* widget)
 TEST_F(Keyboard, TabGoesThroughEachPageAsItIsRead)
 {
     WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.window().activateWindow();
+    activate(app);
     app.outputPath()->setText(folder.path());
     for (int step = 0; step < 3; ++step) {
         app.advanceTo(step);
@@ -84,7 +90,7 @@ TEST_F(Keyboard, AWholeRipNeedsNoMouse)
     ImageDescription image;
     image.tracks = {{0, QStringLiteral("One")}};
     WindowDriver app(2);
-    app.window().activateWindow();
+    activate(app);
     app.pickCue(writeImage(folder.path(), image, makeAudio(20, 1)));
     app.outputPath()->setText(folder.path());
     const auto press = [](QWidget* widget) {
@@ -127,12 +133,13 @@ TEST_F(Keyboard, EveryControlHasANameInBothLanguages)
 TEST_F(Keyboard, TabLeavesTheTrackTable)
 {
     WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.window().activateWindow();
+    activate(app);
     app.shelf().audio = makeAudio(40, 1);
     app.shelf().tracks = {{0}, {20}};
     app.advanceTo(2);
     ASSERT_TRUE(QTest::qWaitFor([&] { return app.next()->isEnabled(); }, 60000));
     app.tracks()->setFocus();
+    ASSERT_EQ(QApplication::focusWidget(), app.tracks());
     QTest::keyClick(app.tracks(), Qt::Key_Tab);
     EXPECT_NE(QApplication::focusWidget(), app.tracks());
 }
@@ -140,7 +147,7 @@ TEST_F(Keyboard, TabLeavesTheTrackTable)
 TEST_F(Keyboard, TheFocusIsSeen)
 {
     WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.window().activateWindow();
+    activate(app);
     for (QWidget* widget : {static_cast<QWidget*>(app.cuePath()), static_cast<QWidget*>(app.next()),
                             static_cast<QWidget*>(app.reset())}) {
         app.find<QPushButton>("settingsBtn")->setFocus();
