@@ -26,11 +26,11 @@ public:
     }
 
     /// Swaps the waiting events into an empty batch; on the GUI thread.
-    void take(std::vector<Event>& batch)
+    void take(std::vector<Event>& emptied)
     {
         {
             const std::lock_guard lock(mutex);
-            waiting.swap(batch);
+            waiting.swap(emptied);
         }
         room.notify_all();
     }
