@@ -1,5 +1,6 @@
 #include "metadata/GnuDb.h"
 
+#include "disc/DigitSum.h"
 #include "metadata/Http.h"
 #include "metadata/ServiceHosts.h"
 
@@ -27,14 +28,6 @@ QString commandUrl(const QString& command)
     return QLatin1String(services::gnuDb)
            + QStringLiteral("/~cddb/cddb.cgi?cmd=%1&hello=user+localhost+TarvelCDRipper+1.0&proto=6")
                  .arg(command);
-}
-
-quint32 digitSum(quint32 number)
-{
-    quint32 sum = 0;
-    for (; number > 0; number /= 10)
-        sum += number % 10;
-    return sum;
 }
 
 // Not the id of the AccurateRip address: this one knows nothing of the lead-in.

@@ -1,5 +1,7 @@
 #include "verify/AccurateRip.h"
 
+#include "disc/DigitSum.h"
+
 #include <algorithm>
 
 namespace {
@@ -9,14 +11,6 @@ constexpr quint64 trimmedFrames = 5 * SECTOR_VALUES / 2;
 quint32 wholeSeconds(quint32 sector)
 {
     return (sector + LEAD_IN_SECTORS) / SECTORS_PER_SECOND;
-}
-
-quint32 digitSum(quint32 number)
-{
-    quint32 sum = 0;
-    for (; number > 0; number /= 10)
-        sum += number % 10;
-    return sum;
 }
 
 quint32 freedbId(const DiscToc& disc)

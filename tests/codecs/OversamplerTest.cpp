@@ -1,6 +1,7 @@
 #include "codecs/Oversampler.h"
 
 #include "codecs/EncoderRun.h"
+#include "codecs/PlainDsdFilter.h"
 #include "support/AudioMaker.h"
 
 #include <cmath>
@@ -8,19 +9,6 @@
 #include <numbers>
 
 namespace {
-
-double bessel(double x)
-{
-    double sum = 1;
-    double term = 1;
-    for (int k = 1; k < 32; ++k) {
-        term *= (x / (2 * k)) * (x / (2 * k));
-        sum += term;
-        if (sum * 1e-12 > term)
-            break;
-    }
-    return sum;
-}
 
 // One channel of the filter as its definition reads, zeroes and all.
 class PlainChannel {
@@ -34,7 +22,7 @@ public:
             const double n = i - 191.5;
             const double lowPass = std::sin(c * 6.283185307179586 * n) / (n * 3.141592653589793);
             const double t = n / 191.5;
-            const double window = bessel(8.6 * std::sqrt(std::fmax(0, 1 - t * t))) / bessel(8.6);
+            const double window = plainBesselI0(8.6 * std::sqrt(std::fmax(0, 1 - t * t))) / plainBesselI0(8.6);
             taps[i] = static_cast<float>(lowPass * window);
             sum += lowPass * window;
         }

@@ -5,6 +5,7 @@
 #include "ui/Fonts.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFont>
 #include <QMessageBox>
 #include <QSettings>
@@ -32,6 +33,14 @@ WindowDriver::WindowDriver(int languageMode, const QStringList& letters)
 }
 
 WindowDriver::~WindowDriver() = default;
+
+qint64 WindowDriver::destroyWindow()
+{
+    QElapsedTimer time;
+    time.start();
+    frame.reset();
+    return time.elapsed();
+}
 
 QWidget* WindowDriver::pageAt(int step)
 {

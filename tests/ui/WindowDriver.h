@@ -36,7 +36,8 @@ public:
     DriveShelf& shelf() { return drives; }
     MainWindow& window() { return *frame; }
     /// Destroys the window, whatever it is doing.
-    void destroyWindow() { frame.reset(); }
+    /// @return how long that took, in milliseconds
+    qint64 destroyWindow();
 
     template <typename Widget>
     Widget* find(const char* objectName, int place = 0)
