@@ -23,6 +23,8 @@ constexpr int ripPatienceMilliseconds = 60000;
 WindowDriver::WindowDriver(int languageMode, const QStringList& letters)
 {
     drives.letters = letters;
+    // The last window of a test must not stop the event loops of the next one.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QSettings().setValue(QLatin1String(settings::language), languageMode);
     loadLanguage();
