@@ -15,8 +15,8 @@ void ColouredCells::paint(QPainter* painter, const QStyleOptionViewItem& option,
     initStyleOption(&cell, index);
     const QStyle* style = cell.widget ? cell.widget->style() : QApplication::style();
     const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, &cell, cell.widget) + 1;
-    const QRect place =
-        style->subElementRect(QStyle::SE_ItemViewItemText, &cell, cell.widget).adjusted(margin, 0, -margin, 0);
+    // Where the style puts the text of the other cells, which is not where it says.
+    const QRect place = cell.rect.adjusted(margin, 0, -margin, 0);
     const QString text = cell.fontMetrics.elidedText(cell.text, cell.textElideMode, place.width());
     cell.text.clear();
     style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);

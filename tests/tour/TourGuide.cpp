@@ -107,9 +107,11 @@ void TourGuide::shoot(const QString& name)
 {
     // Inside a slot no event loop turns, so the pending paint is done by hand.
     frame.repaint();
-    if (auto* dialog = QApplication::activeModalWidget())
+    QRect area = frame.geometry();
+    if (auto* dialog = QApplication::activeModalWidget()) {
         dialog->repaint();
-    const QRect area = frame.geometry();
+        area = area.united(dialog->geometry());
+    }
     QPixmap picture = frame.screen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
     if (picture.isNull())
         picture = frame.grab();
