@@ -1,6 +1,6 @@
 #include "base/Language.h"
-#include "metadata/HttpTransport.h"
 #include "ui/Fonts.h"
+#include "ui/LookupChains.h"
 #include "ui/MainWindow.h"
 #include "ui/ProgramInfo.h"
 #include "ui/Resources.h"
@@ -25,7 +25,6 @@ int main(int argc, char** argv)
     MainWindow window;
     window.show();
     const int exitCode = QApplication::exec();
-    // A lookup under way must not hold the end of the process.
-    httpTransport().stop();
+    endLookups();
     return exitCode;
 }

@@ -1,9 +1,11 @@
 #include "ui/LookupChains.h"
 
 #include "metadata/Http.h"
+#include "metadata/HttpTransport.h"
 #include "metadata/ServiceHosts.h"
 
 #include <QDebug>
+#include <QThreadPool>
 
 namespace {
 
@@ -86,4 +88,10 @@ MetaResult lookUpSheet(const DiscToc& disc)
     if (found.iTunes.album.isEmpty())
         found.cover = pictureAt(covers.discogsImageUrl(disc.albumArtist, disc.albumTitle));
     return found;
+}
+
+void endLookups()
+{
+    httpTransport().stop();
+    QThreadPool::globalInstance()->waitForDone();
 }

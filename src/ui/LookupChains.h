@@ -23,3 +23,8 @@ MetaResult lookUpDisc(const DiscToc& disc);
 
 /// MusicBrainz, then iTunes by the sheet's own artist and album.
 MetaResult lookUpSheet(const DiscToc& disc);
+
+/// Ends every lookup and verification under way, and all later ones at once, and
+/// waits for their threads. For the end of the program, while the application
+/// still stands: a thread that makes a picture without it ends the process.
+void endLookups();

@@ -3,6 +3,9 @@
 
 #include "ui/LookupStage.h"
 
+#include "ui/LookupChains.h"
+
+#include <QElapsedTimer>
 #include <QSpinBox>
 
 using namespace lookups;
@@ -200,4 +203,21 @@ TEST_F(LookupRoad, ACoverThatTheLookupDoesNotFindIsTakenBack)
     WindowDriver::click(app.back());
     waitForLookup(app);
     EXPECT_FALSE(hasCover(app));
+}
+
+TEST_F(LookupRoad, TheEndOfTheProgramLeavesNoLookupBehind)
+{
+    ServedAnswer silent;
+    silent.silent = true;
+    services.on(hosts::musicBrainz, "/", silent);
+    WindowDriver app(2, drive());
+    loadDisc(app);
+    WindowDriver::click(app.next());
+    WindowDriver::click(app.next());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !services.targets(hosts::musicBrainz).isEmpty(); }, 60000));
+    QElapsedTimer time;
+    time.start();
+    endLookups();
+    EXPECT_EQ(QThreadPool::globalInstance()->activeThreadCount(), 0);
+    EXPECT_LT(time.elapsed(), 5000);
 }

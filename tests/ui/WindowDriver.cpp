@@ -61,13 +61,13 @@ void WindowDriver::click(QPushButton* button)
 
 void WindowDriver::advanceTo(int wanted)
 {
-    constexpr int lookupPatienceMilliseconds = 60000;
-    while (step() < wanted) {
-        const auto ready = [this] { return next()->isEnabled(); };
-        if (!(step() == metadataStep ? QTest::qWaitFor(ready, lookupPatienceMilliseconds) : ready()))
-            return;
+    const auto ready = [this] {
+        constexpr int lookupPatienceMilliseconds = 60000;
+        const auto enabled = [this] { return next()->isEnabled(); };
+        return step() == metadataStep ? QTest::qWaitFor(enabled, lookupPatienceMilliseconds) : enabled();
+    };
+    while (ready() && step() < wanted)
         click(next());
-    }
 }
 
 void WindowDriver::pickFile(QPushButton* opener, const QString& path)

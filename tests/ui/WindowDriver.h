@@ -66,7 +66,8 @@ public:
     QTableWidget* verdicts() { return onPage<QTableWidget>(4, "trackTable"); }
 
     static void click(QPushButton* button);
-    /// Clicks Next until the step is reached, waiting for a lookup to end.
+    /// Clicks Next until the step is reached; a lookup of the Metadata step is
+    /// waited for, there too.
     void advanceTo(int step);
 
     /// Clicks a button that opens a file dialog, types the path and accepts; an
