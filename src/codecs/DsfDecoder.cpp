@@ -1,5 +1,6 @@
 #include "codecs/DsfDecoder.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -26,8 +27,13 @@ bool readFormatChunk(InputFile& file, DsdLayoutInFile& layout)
     if (channels == 0 || layout.frequency == 0 || layout.blockFrames == 0)
         return false;
     layout.channels = static_cast<quint16>(channels);
-    return channels <= std::numeric_limits<quint16>::max()
-           && layout.blockFrames * channels <= mostBlockBytes / sizeof(qint32);
+    return channels <= std::numeric_limits<quint16>::max();
+}
+
+/// In samples of all channels, with the data as the header states them.
+quint64 largestBlock(const DsdLayoutInFile& layout)
+{
+    return std::min(layout.dataBytes / layout.channels, layout.blockFrames) * layout.channels;
 }
 
 std::optional<DsdLayoutInFile> readHeader(InputFile& file)
@@ -44,6 +50,8 @@ std::optional<DsdLayoutInFile> readHeader(InputFile& file)
     if (!file.good())
         return std::nullopt;
     layout.dataBytes = chunkBytes > dataHeaderBytes ? chunkBytes - dataHeaderBytes : 0;
+    if (largestBlock(layout) > mostBlockBytes / sizeof(qint32))
+        return std::nullopt;
     layout.firstByte = file.position();
     layout.channelRuns = true;
     return layout;

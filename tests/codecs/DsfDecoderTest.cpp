@@ -97,12 +97,27 @@ TEST_F(DsfDecoderTest, UnusableFieldsAreRefused)
 
 TEST_F(DsfDecoderTest, ABlockOfMoreThan256MiBIsRefused)
 {
-    const QByteArray data = decoderfiles::bits(16, 1);
+    const auto opens = [this](quint32 channels, quint32 blockBytes, quint64 dataBytes) {
+        writeAll(file("a.dsf"), decoderfiles::dsf({.channels = channels,
+                                                   .blockBytes = blockBytes,
+                                                   .dataChunkBytes = 12 + dataBytes},
+                                                  decoderfiles::bits(16, 1)));
+        return DsfDecoder().open(file("a.dsf").toStdString());
+    };
+    constexpr quint64 endless = quint64{1} << 62;
     constexpr quint32 most = 256 * 1024 * 1024 / 4; // bytes of all channels, a sample of 4 bytes from each
-    EXPECT_TRUE(decodeBytes(decoderfiles::dsf({.channels = 2, .blockBytes = most / 2}, data)).opened);
-    EXPECT_FALSE(decodeBytes(decoderfiles::dsf({.channels = 2, .blockBytes = most / 2 + 1}, data)).opened);
-    EXPECT_FALSE(decodeBytes(decoderfiles::dsf({.channels = 1, .blockBytes = 0xFFFFFFFF}, data)).opened);
-    EXPECT_FALSE(decodeBytes(decoderfiles::dsf({.channels = 65535, .blockBytes = 4096}, data)).opened);
+    EXPECT_TRUE(opens(2, most / 2, endless));
+    EXPECT_FALSE(opens(2, most / 2 + 1, endless));
+    EXPECT_FALSE(opens(1, 0xFFFFFFFF, endless));
+    EXPECT_FALSE(opens(65535, 4096, endless));
+}
+
+TEST_F(DsfDecoderTest, ABlockSizeBeyondTheDataIsOneShortBlock)
+{
+    const QByteArray data = decoderfiles::bits(32, 1);
+    const Decoded decoded = decodeBytes(decoderfiles::dsf({.channels = 2, .blockBytes = 0xFFFFFFFF}, data));
+    EXPECT_EQ(decoded.blocks, QList<quint64>{16});
+    EXPECT_EQ(decoded.samples.first(), filtered(data.left(16), true).first());
 }
 
 TEST_F(DsfDecoderTest, ADataChunkOfItsHeaderAloneHasAFormatAndNoFrames)
