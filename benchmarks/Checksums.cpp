@@ -2,9 +2,9 @@
 // reads the same words.
 
 #include "Measure.h"
+#include "Options.h"
 #include "verify/AccurateRip.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 
 #include <ctime>
@@ -64,17 +64,12 @@ double secondsOf(quint32 (*pass)(const QList<int>&), const QList<int>& samples)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    parser.addOptions({{QStringLiteral("minutes"), QStringLiteral("Minutes of audio."), QStringLiteral("n"), QStringLiteral("48")},
-                       {QStringLiteral("pairs"), QStringLiteral("Pairs of passes."), QStringLiteral("n"), QStringLiteral("9")}});
-    parser.process(application);
-    const qsizetype minutes = parser.value(QStringLiteral("minutes")).toInt();
-    const int pairs = parser.value(QStringLiteral("pairs")).toInt();
-    if (minutes < 1 || pairs < 1) {
-        std::fprintf(stderr, "nothing to measure\n");
-        return 2;
-    }
+    int minutes = 48;
+    int pairs = 9;
+    Options options;
+    options.number("minutes", "Minutes of audio.", minutes);
+    options.number("pairs", "Pairs of passes.", pairs);
+    options.read(application);
 
     const QList<int> samples = makeSamples(minutes * valuesPerMinute);
     QList<double> ours;
@@ -88,8 +83,7 @@ int main(int argc, char** argv)
     const auto gigabytesPerSecond = [&](const QList<double>& seconds) {
         return static_cast<double>(samples.size()) * sizeof(int) / median(seconds) * 1e-9;
     };
-    std::printf("%lld minutes, %d pairs: checksums %.2f GB/s, plain sum %.2f GB/s\n",
-                static_cast<long long>(minutes), pairs, gigabytesPerSecond(ours), gigabytesPerSecond(plain));
+    std::printf("%d minutes, %d pairs: checksums %.2f GB/s, plain sum %.2f GB/s\n", minutes, pairs, gigabytesPerSecond(ours), gigabytesPerSecond(plain));
     printHead();
     printRow(QStringLiteral("checksums / plain sum"), QStringLiteral("s"), median(ours), median(plain), median(ratios),
              aim);

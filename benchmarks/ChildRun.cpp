@@ -94,3 +94,12 @@ double ownProcessorSeconds()
     getrusage(RUSAGE_SELF, &usage);
     return seconds(usage);
 }
+
+RunCost processorCost(const std::function<void()>& work)
+{
+    const double before = ownProcessorSeconds();
+    work();
+    RunCost cost;
+    cost.processor = ownProcessorSeconds() - before;
+    return cost;
+}

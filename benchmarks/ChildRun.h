@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QStringList>
 
+#include <functional>
+
 /// What one run cost: all of its processes, from their start to their end.
 struct RunCost {
     double processor = 0; ///< seconds, user and system
@@ -21,3 +23,5 @@ RunCost runChild(const QStringList& command);
 
 /// Processor seconds, user and system, that this process has used up to now.
 double ownProcessorSeconds();
+/// What work in this process costs: its processor time alone.
+RunCost processorCost(const std::function<void()>& work);

@@ -4,9 +4,9 @@
 #include "ChildRun.h"
 #include "Measure.h"
 #include "MusicImage.h"
+#include "Options.h"
 #include "codecs/Transcoder.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 
 namespace {
 
@@ -191,18 +190,11 @@ private:
 Plan readPlan(const QCoreApplication& application)
 {
     Plan plan;
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    parser.addPositionalArgument(QStringLiteral("rows"), QStringLiteral("Any of: decode encode convert"));
-    const QCommandLineOption minutes(QStringLiteral("minutes"), QStringLiteral("Minutes of audio."),
-                                     QStringLiteral("number"), QString::number(plan.minutes));
-    const QCommandLineOption pairs(QStringLiteral("pairs"), QStringLiteral("Paired runs of each row."),
-                                   QStringLiteral("number"), QString::number(plan.pairs));
-    parser.addOptions({minutes, pairs});
-    parser.process(application);
-    plan.minutes = std::max(1, parser.value(minutes).toInt());
-    plan.pairs = std::max(1, parser.value(pairs).toInt());
-    plan.rows = parser.positionalArguments();
+    Options options;
+    options.number("minutes", "Minutes of audio.", plan.minutes);
+    options.number("pairs", "Paired runs of each row.", plan.pairs);
+    options.rows("decode encode convert", plan.rows);
+    options.read(application);
     return plan;
 }
 
@@ -211,13 +203,7 @@ int measure(int argc, char** argv)
     const QCoreApplication application(argc, argv);
     const Plan plan = readPlan(application);
     const QTemporaryDir folder;
-    try {
-        Benchmark(plan, folder.path()).run();
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "%s\n", failure.what());
-        return 1;
-    }
-    return 0;
+    return runToEnd([&] { Benchmark(plan, folder.path()).run(); });
 }
 
 /// What a fresh process does for one run: an encoder's number, then pairs of names.

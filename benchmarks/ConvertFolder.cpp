@@ -4,19 +4,17 @@
 #include "ChildRun.h"
 #include "Measure.h"
 #include "MusicImage.h"
+#include "Options.h"
 #include "base/ByteOrder.h"
 #include "convert/ConvertDialog.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
 
-#include <algorithm>
-#include <cstdio>
 #include <stdexcept>
 
 namespace {
@@ -118,24 +116,18 @@ void memoryRows(const QString& folder)
 int measure(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    const QCommandLineOption minutes(QStringLiteral("minutes"), QStringLiteral("Minutes of audio."),
-                                     QStringLiteral("number"), QStringLiteral("48"));
-    const QCommandLineOption pairs(QStringLiteral("pairs"), QStringLiteral("Paired runs."),
-                                   QStringLiteral("number"), QStringLiteral("5"));
-    parser.addOptions({minutes, pairs});
-    parser.process(application);
+    int minutes = 48;
+    int pairs = 5;
+    Options options;
+    options.number("minutes", "Minutes of audio.", minutes);
+    options.number("pairs", "Paired runs.", pairs);
+    options.read(application);
     const QTemporaryDir folder;
-    try {
+    return runToEnd([&] {
         printHead();
-        folderRow(folder.path(), std::max(1, parser.value(minutes).toInt()), std::max(1, parser.value(pairs).toInt()));
+        folderRow(folder.path(), minutes, pairs);
         memoryRows(folder.path());
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "%s\n", failure.what());
-        return 1;
-    }
-    return 0;
+    });
 }
 
 } // namespace

@@ -62,16 +62,6 @@ void filterPlain(const Layout& layout, const std::vector<quint8>& bytes, Floats&
     }
 }
 
-template<typename Work>
-RunCost cost(const Work& work)
-{
-    const double before = ownProcessorSeconds();
-    work();
-    RunCost spent;
-    spent.processor = ownProcessorSeconds() - before;
-    return spent;
-}
-
 /// Whether both gave the same bits.
 bool measure(const Layout& layout)
 {
@@ -81,8 +71,8 @@ bool measure(const Layout& layout)
     Floats ours(bytes.size());
     Floats plain(bytes.size());
     const PairedCosts costs = runPairs(
-        pairs, [&] { return cost([&] { filterOurs(layout, bytes, ours); }); },
-        [&] { return cost([&] { filterPlain(layout, bytes, plain); }); });
+        pairs, [&] { return processorCost([&] { filterOurs(layout, bytes, ours); }); },
+        [&] { return processorCost([&] { filterPlain(layout, bytes, plain); }); });
     const auto processor = [](const RunCost& run) { return run.processor; };
     printRow(QString::fromLatin1(layout.name), QStringLiteral("s"), medianOf(costs.ours, processor),
              medianOf(costs.other, processor), costs.ratio(processor), shareAim);

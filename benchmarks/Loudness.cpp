@@ -3,12 +3,12 @@
 
 #include "ChildRun.h"
 #include "Measure.h"
+#include "Options.h"
 
 #include "codecs/DsdFirFilter.h"
 #include "codecs/Oversampler.h"
 #include "metadata/LoudnessMeter.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 
 #include <ebur128.h>
@@ -50,16 +50,6 @@ QList<qint32> music(quint64 frames, int channels)
         }
     }
     return samples;
-}
-
-template<typename Work>
-RunCost timed(const Work& work)
-{
-    const double before = ownProcessorSeconds();
-    work();
-    RunCost cost;
-    cost.processor = ownProcessorSeconds() - before;
-    return cost;
 }
 
 template<typename Work>
@@ -124,8 +114,8 @@ bool compareMeters(const char* what, const QList<qint32>& samples, int channels,
     Measured ours;
     Measured other;
     const PairedCosts costs =
-        runPairs(pairs, [&] { return timed([&] { ours = measureOurs(samples, channels); }); },
-                 [&] { return timed([&] { other = measureOther(samples, channels); }); });
+        runPairs(pairs, [&] { return processorCost([&] { ours = measureOurs(samples, channels); }); },
+                 [&] { return processorCost([&] { other = measureOther(samples, channels); }); });
     report(what, costs, static_cast<double>(samples.size() / channels) / rate, 1.0);
     // The other side calls silence minus infinity, and takes full scale for 2^31 - 1.
     const bool agree = std::abs(ours.loudness - std::max(other.loudness, -70.0)) <= loudnessTolerance
@@ -206,7 +196,7 @@ bool compareOversamplers(const char* what, const QList<qint32>& samples, quint32
             other += raised;
         });
     };
-    const PairedCosts costs = runPairs(pairs, [&] { return timed(runOurs); }, [&] { return timed(runOther); });
+    const PairedCosts costs = runPairs(pairs, [&] { return processorCost(runOurs); }, [&] { return processorCost(runOther); });
     report(what, costs, static_cast<double>(samples.size() / channels) / rate, 1.0);
     if (ours != other)
         std::printf("  the results differ\n");
@@ -216,16 +206,11 @@ bool compareOversamplers(const char* what, const QList<qint32>& samples, quint32
 Plan readPlan(const QCoreApplication& application)
 {
     Plan plan;
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    parser.addOptions({{"seconds", "Audio to measure.", "n", QString::number(plan.seconds)},
-                       {"oversampled", "Seconds of audio to oversample.", "n",
-                        QString::number(plan.oversampledSeconds)},
-                       {"pairs", "Pairs of runs for each row.", "n", QString::number(plan.pairs)}});
-    parser.process(application);
-    plan.seconds = std::max(parser.value("seconds").toInt(), 1);
-    plan.oversampledSeconds = std::max(parser.value("oversampled").toInt(), 1);
-    plan.pairs = std::max(parser.value("pairs").toInt(), 1);
+    Options options;
+    options.number("seconds", "Audio to measure.", plan.seconds);
+    options.number("oversampled", "Seconds of audio to oversample.", plan.oversampledSeconds);
+    options.number("pairs", "Pairs of runs for each row.", plan.pairs);
+    options.read(application);
     return plan;
 }
 

@@ -3,12 +3,12 @@
 
 #include "ChildRun.h"
 #include "DiscRip.h"
+#include "Options.h"
 #include "QuietSurroundings.h"
 #include "disc/DiscModel.h"
 #include "disc/DriveWatchdog.h"
 #include "support/DiscMaker.h"
 
-#include <QCommandLineParser>
 #include <QGuiApplication>
 #include <QTemporaryDir>
 
@@ -214,18 +214,13 @@ bool measureGuard()
 Plan readPlan(const QCoreApplication& application)
 {
     Plan plan;
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    const auto number = [&](const char* name, const char* text, int preset) {
-        parser.addOption({QLatin1String(name), QLatin1String(text), QStringLiteral("number"), QString::number(preset)});
-    };
-    number("minutes", "Length of the disc.", plan.minutes);
-    number("tracks", "Tracks on it.", plan.tracks);
-    number("runs", "Timed rips.", plan.runs);
-    parser.process(application);
-    plan.minutes = std::max(2, parser.value(QStringLiteral("minutes")).toInt());
-    plan.tracks = std::clamp(parser.value(QStringLiteral("tracks")).toInt(), 1, 99);
-    plan.runs = std::max(1, parser.value(QStringLiteral("runs")).toInt());
+    Options options;
+    options.number("minutes", "Length of the disc.", plan.minutes);
+    options.number("tracks", "Tracks on it.", plan.tracks);
+    options.number("runs", "Timed rips.", plan.runs);
+    options.read(application);
+    plan.minutes = std::max(2, plan.minutes);
+    plan.tracks = std::min(plan.tracks, 99);
     return plan;
 }
 

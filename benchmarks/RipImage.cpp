@@ -4,18 +4,17 @@
 #include "ChildRun.h"
 #include "Measure.h"
 #include "MusicImage.h"
+#include "Options.h"
 #include "QuietSurroundings.h"
 #include "RipCommands.h"
 #include "rip/RipTypes.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
 
 #include <algorithm>
 #include <cstdio>
-#include <exception>
 
 namespace {
 
@@ -193,24 +192,13 @@ private:
 Plan readPlan(const QCoreApplication& application)
 {
     Plan plan;
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    parser.addPositionalArgument(QStringLiteral("rows"), QStringLiteral("Any of: flac wav window mp3 memory"));
-    const auto number = [&](const char* name, const char* text, int preset) {
-        const QCommandLineOption option(QLatin1String(name), QLatin1String(text), QStringLiteral("number"),
-                                        QString::number(preset));
-        parser.addOption(option);
-    };
-    number("minutes", "Minutes of audio in the image.", plan.minutes);
-    number("tracks", "Tracks in the image.", plan.tracks);
-    number("pairs", "Paired runs of each row.", plan.pairs);
-    number("mp3-minutes", "Minutes of audio for the MP3 row.", plan.mp3Minutes);
-    parser.process(application);
-    plan.minutes = parser.value(QStringLiteral("minutes")).toInt();
-    plan.tracks = std::max(1, parser.value(QStringLiteral("tracks")).toInt());
-    plan.pairs = std::max(1, parser.value(QStringLiteral("pairs")).toInt());
-    plan.mp3Minutes = std::max(1, parser.value(QStringLiteral("mp3-minutes")).toInt());
-    plan.rows = parser.positionalArguments();
+    Options options;
+    options.number("minutes", "Minutes of audio in the image.", plan.minutes);
+    options.number("tracks", "Tracks in the image.", plan.tracks);
+    options.number("pairs", "Paired runs of each row.", plan.pairs);
+    options.number("mp3-minutes", "Minutes of audio for the MP3 row.", plan.mp3Minutes);
+    options.rows("flac wav window mp3 memory", plan.rows);
+    options.read(application);
     return plan;
 }
 
@@ -220,13 +208,7 @@ int measure(int argc, char** argv)
     const Plan plan = readPlan(application);
     const QTemporaryDir folder;
     keepSurroundingsQuiet(folder.path());
-    try {
-        Benchmark(plan, folder.path()).run();
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "%s\n", failure.what());
-        return 1;
-    }
-    return 0;
+    return runToEnd([&] { Benchmark(plan, folder.path()).run(); });
 }
 
 } // namespace

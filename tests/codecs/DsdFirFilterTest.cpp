@@ -54,11 +54,12 @@ TEST(DsdFirFilter, CoefficientsAgreeWithThePlainDesignBitForBit)
 // where a ring written bit by bit ends.
 TEST(DsdFirFilter, AgreesWithThePlainLoopBitForBitAcrossCallsOfAnySize)
 {
+    constexpr std::size_t counts[] = {1, 2, 7, 15, 16, 17, 31, 100, 127, 128, 129, 1000, 4096, 3, 0, 5};
     for (const bool lsbFirst : {false, true}) {
         DsdFirFilter filter;
         PlainDsdFilter plain;
         quint32 seed = 1;
-        for (const std::size_t count : {1, 2, 7, 15, 16, 17, 31, 100, 127, 128, 129, 1000, 4096, 3, 0, 5}) {
+        for (const std::size_t count : counts) {
             const std::vector<quint8> bytes = noiseBytes(count, seed++);
             std::vector<float> values(count);
             decodeDsdBytes(filter, bytes.data(), count, lsbFirst, values.data(), 1, 1);

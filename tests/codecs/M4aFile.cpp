@@ -26,3 +26,16 @@ M4aFacts inspectM4a(const QString& name)
     }
     return facts;
 }
+
+M4aFacts expectStereoM4a(const QString& name, const char* codec)
+{
+    const M4aFacts facts = inspectM4a(name);
+    EXPECT_EQ(facts.text("codec_name"), codec);
+    EXPECT_EQ(facts.text("sample_rate"), "44100");
+    EXPECT_EQ(facts.text("channels"), "2");
+    EXPECT_EQ(facts.text("channel_layout"), "stereo");
+    EXPECT_EQ(facts.text("TAG:major_brand"), "M4A ");
+    EXPECT_EQ(facts.text("nb_streams"), "1");
+    EXPECT_EQ(readAll(name).mid(4, 8), "ftypM4A ");
+    return facts;
+}

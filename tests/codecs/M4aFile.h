@@ -14,3 +14,7 @@ struct M4aFacts {
 
 /// Also expects that a full decoding finds nothing to complain about.
 M4aFacts inspectM4a(const QString& name);
+
+/// Expects a file for ordinary players with one stereo stream at 44,100 Hz.
+/// @param codec  by ffprobe's name
+M4aFacts expectStereoM4a(const QString& name, const char* codec);

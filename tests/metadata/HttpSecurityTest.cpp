@@ -79,9 +79,7 @@ TEST(HttpSecurity, ThePlainPortIsNoSecureServer)
 TEST(HttpSecurity, AHandshakeThatNeverComesEndsByTheConnectLimit)
 {
     // Accepts connections by the system alone: nobody ever answers the greeting.
-    ServedAnswer silent;
-    silent.silent = true;
-    LoopbackServer mute([&silent](const ServedRequest&) { return silent; }, nullptr);
+    LoopbackServer mute([](const ServedRequest&) { return silence(); }, nullptr);
     LoopbackServices services;
     const HttpDetour toMute{mute.port(), mute.port(), services.detour().certificateAuthority};
     HttpLimits limits;

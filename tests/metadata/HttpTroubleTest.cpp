@@ -50,11 +50,9 @@ void expectBody(const ServedAnswer& answer, const QByteArray& body, int expected
 
 TEST(HttpTrouble, AStallBeforeTheHeadIsNoAnswer)
 {
-    ServedAnswer silent;
-    silent.silent = true;
     QElapsedTimer timer;
     timer.start();
-    expectBody(silent, {}, 0);
+    expectBody(silence(), {}, 0);
     EXPECT_GE(timer.elapsed(), 4 * shortSilence);
     EXPECT_LT(timer.elapsed(), 4 * shortSilence + 8'000);
 }
@@ -254,9 +252,7 @@ TEST(HttpTrouble, AnEndlessHeadIsNoAnswer)
 TEST(HttpTrouble, ATransportThatIsStoppedEndsWhatIsUnderWay)
 {
     LoopbackServices services;
-    ServedAnswer silent;
-    silent.silent = true;
-    services.on("a.test", "/", silent);
+    services.on("a.test", "/", silence());
     std::thread stopper([&services] {
         while (services.requests().isEmpty())
             std::this_thread::sleep_for(std::chrono::milliseconds(10));

@@ -68,6 +68,13 @@ ServedAnswer errorPage(int status)
     return answer;
 }
 
+ServedAnswer silence()
+{
+    ServedAnswer answer;
+    answer.silent = true;
+    return answer;
+}
+
 ServedAnswer redirect(const QByteArray& location, int status)
 {
     ServedAnswer answer = errorPage(status);

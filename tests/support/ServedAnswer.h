@@ -41,4 +41,6 @@ ServedAnswer json(const QByteArray& body);
 ServedAnswer image(const QByteArray& body);
 /// An error with a page of HTML, as a web server of any service sends it.
 ServedAnswer errorPage(int status);
+/// Takes the request and never answers.
+ServedAnswer silence();
 ServedAnswer redirect(const QByteArray& location, int status = 302);

@@ -207,9 +207,7 @@ TEST_F(LookupRoad, ACoverThatTheLookupDoesNotFindIsTakenBack)
 
 TEST_F(LookupRoad, TheEndOfTheProgramLeavesNoLookupBehind)
 {
-    ServedAnswer silent;
-    silent.silent = true;
-    services.on(hosts::musicBrainz, "/", silent);
+    services.on(hosts::musicBrainz, "/", silence());
     WindowDriver app(2, drive());
     loadDisc(app);
     WindowDriver::click(app.next());

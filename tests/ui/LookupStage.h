@@ -1,17 +1,6 @@
 #pragma once
 
-#include "ui/WindowDriver.h"
-
-#include "support/DiscMaker.h"
-#include "support/LoopbackServices.h"
-#include "support/ServiceAnswers.h"
-
-#include <QSettings>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QThreadPool>
-
-#include <gtest/gtest.h>
+#include "ui/ServiceStage.h"
 
 namespace lookups {
 
@@ -23,18 +12,8 @@ inline const QByteArray gnudbRead = "/~cddb/cddb.cgi?cmd=cddb+read+";
 } // namespace lookups
 
 /// A window whose Metadata step asks services on this machine.
-class LookupStage : public ::testing::Test {
+class LookupStage : public ServiceStage {
 protected:
-    void SetUp() override { QSettings().clear(); }
-    // A lookup may outlive its window, but not the services that it asks.
-    void TearDown() override
-    {
-        services.transport().stop();
-        QThreadPool::globalInstance()->waitForDone();
-    }
-
-    static QStringList drive() { return {QStringLiteral("/dev/sr0")}; }
-
     static void loadDisc(WindowDriver& app, const QList<SimulatedTrack>& tracks = {{0}, {200}})
     {
         app.shelf().audio = makeAudio(400, 1);
@@ -101,7 +80,4 @@ protected:
                     json(itunes::songAnswer(album, {{1, 1, QStringLiteral("Reed")}, {1, 2, QStringLiteral("Rain")}})));
         services.on(hosts::images, "/", image(picture(30, 30)));
     }
-
-    QTemporaryDir folder;
-    LoopbackServices services;
 };

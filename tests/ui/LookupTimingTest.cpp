@@ -182,9 +182,7 @@ TEST_F(LookupTiming, TheWindowMayGoInTheMomentInWhichALookupEnds)
 
 TEST_F(LookupTiming, SeveralLookupsUnderWayGoWithTheirWindow)
 {
-    ServedAnswer silent;
-    silent.silent = true;
-    services.on(hosts::musicBrainz, "/", silent);
+    services.on(hosts::musicBrainz, "/", silence());
     firstSent = true;
     WindowDriver app(2, drive());
     loadDisc(app);

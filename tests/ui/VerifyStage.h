@@ -1,38 +1,19 @@
 #pragma once
 
-#include "ui/WindowDriver.h"
+#include "ui/ServiceStage.h"
 
-#include "support/DiscMaker.h"
-#include "support/LoopbackServices.h"
-#include "support/ServiceAnswers.h"
 #include "verify/AccurateRipDatabase.h"
 
 #include <QLabel>
 #include <QProgressBar>
 #include <QRadioButton>
-#include <QSettings>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QThreadPool>
-
-#include <gtest/gtest.h>
 
 /// The rule under every block of the rip log.
 inline const QString logRule = QStringLiteral("═══════════════════════════════════════");
 
 /// A window that verifies its rips against a database on this machine.
-class VerifyStage : public ::testing::Test {
+class VerifyStage : public ServiceStage {
 protected:
-    void SetUp() override { QSettings().clear(); }
-    // A verification may outlive its window, but not the server that it asks.
-    void TearDown() override
-    {
-        services.transport().stop();
-        QThreadPool::globalInstance()->waitForDone();
-    }
-
-    static QStringList drive() { return {QStringLiteral("/dev/sr0")}; }
-
     /// Rips a disc of two tracks, up to its result box.
     void rip(WindowDriver& app, const QList<SimulatedTrack>& tracks = {{0}, {300}})
     {
@@ -89,7 +70,5 @@ protected:
         return QStringLiteral("%1").arg(ripCrcs.value(number).second, 8, 16, QChar(u'0')).toUpper();
     }
 
-    QTemporaryDir folder;
-    LoopbackServices services;
     AccurateRipIds ids;
 };

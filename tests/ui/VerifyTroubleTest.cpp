@@ -207,9 +207,7 @@ TEST_F(VerifyTrouble, ADiscWithoutAudioAsksNobody)
 
 TEST_F(VerifyTrouble, FinishIsOnAndTheVerdictOutlivesAReset)
 {
-    ServedAnswer silent;
-    silent.silent = true;
-    services.onInTurn(hosts::accurateRip, "/", {silent, errorPage(404)});
+    services.onInTurn(hosts::accurateRip, "/", {silence(), errorPage(404)});
     WindowDriver app(2, drive());
     rip(app);
     WindowDriver::click(app.next());
@@ -232,9 +230,7 @@ TEST_F(VerifyTrouble, FinishIsOnAndTheVerdictOutlivesAReset)
 
 TEST_F(VerifyTrouble, TheWindowMayGoWhileAVerificationRuns)
 {
-    ServedAnswer silent;
-    silent.silent = true;
-    services.on(hosts::accurateRip, "/", silent);
+    services.on(hosts::accurateRip, "/", silence());
     WindowDriver app(2, drive());
     rip(app);
     WindowDriver::click(app.next());
