@@ -32,6 +32,8 @@ InputPointer openContainer(const std::filesystem::path& path, bool ignoreEdits)
     // A name that looks like an address, and a list of other files, stay unopened.
     av_dict_set(&options, "protocol_whitelist", "file", 0);
     av_dict_set(&options, "format_whitelist", "mp3,aac,mov", 0);
+    // Looking for the streams decodes what it finds, and a cover can claim gigabytes.
+    av_dict_set(&options, "codec_whitelist", "mp1float,mp1,mp2float,mp2,mp3float,mp3,aac,aac_fixed,alac", 0);
     if (ignoreEdits)
         av_dict_set(&options, "ignore_editlist", "1", 0);
     AVFormatContext* context = nullptr;
@@ -41,22 +43,26 @@ InputPointer openContainer(const std::filesystem::path& path, bool ignoreEdits)
     return InputPointer(status < 0 ? nullptr : context);
 }
 
-bool isKnownCodec(const AVCodecParameters& parameters)
+bool isKnownCodec(AVCodecID id)
+{
+    return id == AV_CODEC_ID_MP1 || id == AV_CODEC_ID_MP2 || id == AV_CODEC_ID_MP3 || id == AV_CODEC_ID_AAC
+           || id == AV_CODEC_ID_ALAC;
+}
+
+bool isSound(const AVCodecParameters& parameters)
 {
     constexpr int alacFrameLengthOffset = 12;
-    switch (parameters.codec_id) {
-    case AV_CODEC_ID_MP1:
-    case AV_CODEC_ID_MP2:
-    case AV_CODEC_ID_MP3:
-    case AV_CODEC_ID_AAC:
-        return true;
-    case AV_CODEC_ID_ALAC:
-        return parameters.extradata_size >= alacFrameLengthOffset + 4
+    return parameters.codec_id != AV_CODEC_ID_ALAC
+           || (parameters.extradata_size >= alacFrameLengthOffset + 4
                && byteorder::readBig<quint32>(parameters.extradata + alacFrameLengthOffset)
-                      <= mostFramesInAlacFrame;
-    default:
-        return false;
-    }
+                      <= mostFramesInAlacFrame);
+}
+
+/// Before any decoder is opened, which would already allocate by what it reads.
+bool areSound(const AVFormatContext& container)
+{
+    return std::all_of(container.streams, container.streams + container.nb_streams,
+                       [](const AVStream* stream) { return isSound(*stream->codecpar); });
 }
 
 class FfmpegReader : public MediaReader {
@@ -102,7 +108,7 @@ bool FfmpegReader::open(const std::filesystem::path& path)
     }
     if (!container || !packet || !current || !next)
         return false;
-    if (avformat_find_stream_info(container.get(), nullptr) < 0)
+    if (!areSound(*container) || avformat_find_stream_info(container.get(), nullptr) < 0)
         return false;
     const int number = av_find_best_stream(container.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
     if (number < 0)
@@ -139,7 +145,8 @@ const char* FfmpegReader::gaplessTag() const
 
 bool FfmpegReader::openDecoder()
 {
-    if (!isKnownCodec(*stream->codecpar))
+    // What is found by reading on is asked again.
+    if (!isKnownCodec(stream->codecpar->codec_id) || !isSound(*stream->codecpar))
         return false;
     const AVCodec* codec = avcodec_find_decoder(stream->codecpar->codec_id);
     if (!codec)

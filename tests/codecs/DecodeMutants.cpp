@@ -5,6 +5,10 @@
 // Every mutant is written to SCRATCH, whose ending picks the decoder. The process
 // ends with 0 when all of them were refused or played to an end. One that takes
 // more than two minutes of work ends it with 3; a fault ends it as faults do.
+//
+//   tarvel_decode_mutants FILE
+//
+// Decodes one file as it is, and says how many MiB of addresses that took at most.
 
 #include "codecs/IAudioDecoder.h"
 #include "codecs/Mutation.h"
@@ -83,10 +87,34 @@ bool play(const char* name)
     return !decoder->read();
 }
 
+/// Addresses that were allocated count also where they were never touched.
+long mostAddressesKiB()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray all = status.readAll();
+    const qsizetype line = all.indexOf("VmPeak:");
+    return std::strtol(all.constData() + line + 7, nullptr, 10);
+}
+
+int playOne(const char* name)
+{
+    const long before = mostAddressesKiB();
+    setTimeLimit(secondsForOne);
+    const bool kept = play(name);
+    std::printf("took %ld\n", (mostAddressesKiB() - before) / 1024);
+    return kept && before > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (argc == 2) {
+        std::signal(SIGPROF, onTimeLimit);
+        return playOne(argv[1]);
+    }
     if (argc != 5)
         return EXIT_FAILURE;
     limitMemory();

@@ -57,6 +57,18 @@ void make(const QString& name, quint64 frames)
         encode(name, {44100, 2, 16}, audio(frames, 2));
 }
 
+void makeWithCover(const QString& name, const char* codec, quint64 frames)
+{
+    const QString wave = name + QStringLiteral(".source.wav");
+    writeAll(wave, waveFile({44100, 2, 16}, audio(frames, 2)));
+    const ToolResult result = runTool(
+        QStringLiteral("ffmpeg"),
+        words("-v error -y -f lavfi -i color=red:s=8x8:d=1 -i") << wave
+            << words("-map 1 -map 0 -frames:v 1 -c:v png -pix_fmt rgba64be -disposition:v attached_pic -c:a")
+            << QString::fromLatin1(codec) << name);
+    ASSERT_TRUE(result.ok()) << name.toStdString() << ": " << result.errors.toStdString();
+}
+
 QByteArray dsf(const DsfParts& parts, const QByteArray& data)
 {
     const quint64 chunkBytes =

@@ -10,6 +10,10 @@ namespace decoderfiles {
 /// 44100 Hz. One-bit files hold that many bytes of each channel instead.
 void make(const QString& name, quint64 frames);
 
+/// The same audio in the codec that FFmpeg knows by this name, with a picture of
+/// 8 by 8 points as the cover.
+void makeWithCover(const QString& name, const char* codec, quint64 frames);
+
 /// Runs an encoder on a WAVE file of these samples.
 void encode(const QString& name, const AudioFormat& format, const QList<qint32>& samples);
 

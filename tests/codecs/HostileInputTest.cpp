@@ -1,11 +1,14 @@
 #include "codecs/DecoderFiles.h"
+#include "support/Tool.h"
 
 #include <QProcess>
 #include <QProcessEnvironment>
 
+#include <ostream>
+
 // Broken files through every decoder, in a child process with a limit on memory
 // and on time. TARVEL_MUTATIONS sets their number.
-class HostileInputTest : public EncoderTest, public ::testing::WithParamInterface<const char*> {
+class HostileInputTest : public EncoderTest {
 protected:
     static quint64 mutations()
     {
@@ -23,26 +26,122 @@ protected:
         environment.insert(QStringLiteral("UBSAN_OPTIONS"), QStringLiteral("halt_on_error=1"));
         return environment;
     }
+
+    /// What the child printed in a run without a fault.
+    static QByteArray runChild(const QStringList& arguments)
+    {
+        QProcess process;
+        process.setProcessEnvironment(limits());
+        process.start(QStringLiteral(TARVEL_DECODE_MUTANTS), arguments);
+        EXPECT_TRUE(process.waitForFinished(-1));
+        const QByteArray output = process.readAllStandardOutput();
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.exitCode(), 0)
+            << output.right(40).toStdString() << process.readAllStandardError().left(4000).toStdString();
+        return output;
+    }
+
+    /// Expects that a file is played or refused within 64 MiB of addresses.
+    static void expectLittleMemory(const QString& name)
+    {
+        const QByteArray output = runChild({name});
+        ASSERT_TRUE(output.startsWith("took ")) << output.toStdString();
+        EXPECT_LT(output.mid(5).trimmed().toInt(), 64) << name.toStdString();
+    }
 };
 
-TEST_P(HostileInputTest, NoMutantCrashesHangsOrTakesMemoryOutOfProportion)
+/// A kind of file: the end of its name, and the codec for one with a cover.
+struct HostileKind {
+    const char* ending;
+    const char* coverCodec = nullptr;
+};
+
+void PrintTo(const HostileKind& kind, std::ostream* stream)
 {
-    const QString extension = QString::fromLatin1(GetParam());
-    decoderfiles::make(file("valid") + extension, 6000);
-    QProcess process;
-    process.setProcessEnvironment(limits());
-    process.start(QStringLiteral(TARVEL_DECODE_MUTANTS),
-                  {file("valid") + extension, file("mutant") + extension, QStringLiteral("0"),
-                   QString::number(mutations())});
-    ASSERT_TRUE(process.waitForFinished(-1));
-    const QByteArray output = process.readAllStandardOutput();
-    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(process.exitCode(), 0);
-    EXPECT_TRUE(output.endsWith("all played\n"))
-        << output.right(40).toStdString() << process.readAllStandardError().left(4000).toStdString();
+    *stream << kind.ending;
 }
 
-INSTANTIATE_TEST_SUITE_P(All, HostileInputTest,
-                         ::testing::Values(".wav", ".aiff", ".mp3", ".flac", ".aac", ".m4a", ".ogg", ".opus",
-                                           ".wv", ".dsf", ".dff"),
-                         [](const auto& instance) { return std::string(instance.param + 1); });
+static std::string nameOfKind(const ::testing::TestParamInfo<HostileKind>& instance)
+{
+    std::string name = instance.param.ending;
+    std::erase_if(name, [](char letter) { return letter == '.' || letter == '-'; });
+    return name;
+}
+
+class HostileKindTest : public HostileInputTest, public ::testing::WithParamInterface<HostileKind> {
+protected:
+    QString named(const char* start) const { return file(start) + QString::fromLatin1(GetParam().ending); }
+};
+
+TEST_P(HostileKindTest, NoMutantCrashesHangsOrTakesMemoryOutOfProportion)
+{
+    if (GetParam().coverCodec)
+        decoderfiles::makeWithCover(named("valid"), GetParam().coverCodec, 6000);
+    else
+        decoderfiles::make(named("valid"), 6000);
+    const QByteArray output =
+        runChild({named("valid"), named("mutant"), QStringLiteral("0"), QString::number(mutations())});
+    EXPECT_TRUE(output.endsWith("all played\n")) << output.right(40).toStdString();
+}
+
+constexpr HostileKind kindsWithCover[] = {
+    {"-cover.mp3", "libmp3lame"}, {"-cover.m4a", "aac"}, {"-alac.m4a", "alac"}};
+
+INSTANTIATE_TEST_SUITE_P(All, HostileKindTest,
+                         ::testing::Values(HostileKind{".wav"}, HostileKind{".aiff"}, HostileKind{".mp3"},
+                                           HostileKind{".flac"}, HostileKind{".aac"}, HostileKind{".m4a"},
+                                           HostileKind{".ogg"}, HostileKind{".opus"}, HostileKind{".wv"},
+                                           HostileKind{".dsf"}, HostileKind{".dff"}),
+                         nameOfKind);
+INSTANTIATE_TEST_SUITE_P(WithCover, HostileKindTest, ::testing::ValuesIn(kindsWithCover), nameOfKind);
+
+class CoverTest : public HostileKindTest {};
+
+// 15,000 by 15,000 points of 8 bytes are 1.8 GB.
+TEST_P(CoverTest, ACoverThatClaimsGigabytesIsNotDecoded)
+{
+    decoderfiles::makeWithCover(named("a"), GetParam().coverCodec, 20000);
+    QByteArray bytes = readAll(named("a"));
+    const qsizetype size = bytes.indexOf("IHDR") + 4;
+    ASSERT_EQ(bytes.mid(size, 8), big(quint32{8}) + big(quint32{8}));
+    bytes.replace(size, 8, big(quint32{15000}) + big(quint32{15000}));
+    writeAll(named("b"), bytes);
+    expectLittleMemory(named("b"));
+    EXPECT_EQ(decode(named("b")).samples, decode(named("a")).samples);
+}
+
+TEST_P(CoverTest, ACoverChangesNoSample)
+{
+    decoderfiles::makeWithCover(named("a"), GetParam().coverCodec, 20000);
+    const ToolResult made = runTool(QStringLiteral("ffmpeg"),
+                                    {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"),
+                                     named("a") + QStringLiteral(".source.wav"), QStringLiteral("-c:a"),
+                                     QString::fromLatin1(GetParam().coverCodec), named("plain")});
+    ASSERT_TRUE(made.ok()) << made.errors.toStdString();
+    const Decoded decoded = decode(named("a"));
+    EXPECT_EQ(decoded.format.sampleRate, 44100u);
+    EXPECT_EQ(decoded.format.channels, 2);
+    EXPECT_GE(decoded.frames(), 20000u);
+    EXPECT_EQ(decoded.samples, decode(named("plain")).samples);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, CoverTest, ::testing::ValuesIn(kindsWithCover), nameOfKind);
+
+// The decoder allocates for whole frames of all channels before it reads one.
+TEST_F(HostileInputTest, AnAlacFrameLengthOutOfProportionIsRefusedBeforeADecoderOpens)
+{
+    writeAll(file("s.wav"), waveFile({44100, 6, 16}, decoderfiles::audio(20000, 6)));
+    const ToolResult made = runTool(
+        QStringLiteral("ffmpeg"), {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"),
+                                   file("s.wav"), QStringLiteral("-c:a"), QStringLiteral("alac"),
+                                   file("a.m4a")});
+    ASSERT_TRUE(made.ok()) << made.errors.toStdString();
+    QByteArray bytes = readAll(file("a.m4a"));
+    // The box within the sample entry has the entry's name, and then four bytes of version.
+    const qsizetype frameLength = bytes.lastIndexOf("alac") + 8;
+    ASSERT_EQ(bytes.mid(frameLength, 4), big(quint32{4096}));
+    bytes.replace(frameLength, 4, big(quint32{4096 * 4096}));
+    writeAll(file("b.m4a"), bytes);
+    expectLittleMemory(file("b.m4a"));
+    EXPECT_FALSE(decode(file("b.m4a")).opened);
+}
