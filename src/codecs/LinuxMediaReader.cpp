@@ -20,6 +20,10 @@ namespace {
 // Above this an ALAC frame is no music; the library would allocate for 16 million.
 constexpr quint32 mostFramesInAlacFrame = 65536;
 
+// The index of a day's audio takes less. A table that hides from the look at the
+// boxes ends here.
+constexpr std::size_t mostBytesInOnePiece = 512 * 1024 * 1024;
+
 struct InputDeleter {
     void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
 };
@@ -74,6 +78,7 @@ public:
     Outcome read(std::vector<quint8>& pcmBytes) override;
 
 private:
+    bool chooseStream();
     bool openDecoder();
     Outcome decodeNext();
     bool feed();
@@ -99,8 +104,11 @@ private:
 bool FfmpegReader::open(const std::filesystem::path& path)
 {
     av_log_set_level(AV_LOG_QUIET);
+    av_max_alloc(mostBytesInOnePiece);
     // The library keeps to an edit list by whole packets; the samples are cut here.
-    auto timing = readMpeg4Timing(path);
+    auto [timing, isPlausible] = readMpeg4Facts(path);
+    if (!isPlausible)
+        return false;
     container = openContainer(path, timing.has_value());
     if (container && timing && gaplessTag()) {
         timing.reset();
@@ -110,15 +118,7 @@ bool FfmpegReader::open(const std::filesystem::path& path)
         return false;
     if (!areSound(*container) || avformat_find_stream_info(container.get(), nullptr) < 0)
         return false;
-    const int number = av_find_best_stream(container.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
-    if (number < 0)
-        return false;
-    stream = container->streams[number];
-    for (unsigned int i = 0; i < container->nb_streams; ++i) {
-        if (container->streams[i] != stream)
-            container->streams[i]->discard = AVDISCARD_ALL;
-    }
-    if (!openDecoder())
+    if (!chooseStream() || !openDecoder())
         return false;
 
     // Only a decoded frame tells the rate and the channels for certain.
@@ -135,6 +135,19 @@ bool FfmpegReader::open(const std::filesystem::path& path)
     setExtent(timing);
     measure(path);
     return true;
+}
+
+/// The first stream of audio, whichever the file calls the better one.
+bool FfmpegReader::chooseStream()
+{
+    for (unsigned int i = 0; i < container->nb_streams; ++i) {
+        AVStream* candidate = container->streams[i];
+        if (!stream && candidate->codecpar->codec_type == AVMEDIA_TYPE_AUDIO)
+            stream = candidate;
+        else
+            candidate->discard = AVDISCARD_ALL;
+    }
+    return stream != nullptr;
 }
 
 const char* FfmpegReader::gaplessTag() const

@@ -11,7 +11,16 @@ struct Mpeg4Timing {
     std::uint64_t length = 0; ///< units of audio after it
 };
 
-/// Nothing for a file that is no MPEG-4, that has no or more than one piece of
-/// audio edited together, or that is laid out in fragments. The edit list counts
-/// in coarse units; where the samples end within one of them, they are believed.
-std::optional<Mpeg4Timing> readMpeg4Timing(const std::filesystem::path& path);
+/// What an MPEG-4 file says of itself in its boxes.
+struct Mpeg4Facts {
+    /// Of the first audio track. Nothing for a file that is no MPEG-4, whose audio
+    /// is not one piece, or that is laid out in fragments. The edit list counts in
+    /// coarse units; where the samples end within one of them, they are believed.
+    std::optional<Mpeg4Timing> timing;
+
+    /// False where the tables ask for an index of more samples than the file has
+    /// bytes, or where there are more boxes than anybody needs.
+    bool isPlausible = true;
+};
+
+Mpeg4Facts readMpeg4Facts(const std::filesystem::path& path);

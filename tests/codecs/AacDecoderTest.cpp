@@ -117,6 +117,27 @@ TEST_F(AacDecoderTest, AnEditListThatEndsWithinThePacketsIsKeptTo)
     EXPECT_EQ(edited.samples, whole.samples.mid(4410, 30870));
 }
 
+// The second one is the better one, and is marked as the one to play.
+TEST_F(AacDecoderTest, TheFirstOfTwoTracksIsPlayedWithItsOwnEditList)
+{
+    const QList<qint32> source = decoderfiles::audio(88200, 1);
+    writeAll(file("s.wav"), waveFile({44100, 1, 16}, source));
+    writeAll(file("t.wav"), waveFile({48000, 2, 16}, decoderfiles::audio(30000, 2)));
+    for (const char* codec : {"alac", "aac"}) {
+        convert({QStringLiteral("-i"), file("t.wav"), QStringLiteral("-map"), QStringLiteral("0"),
+                 QStringLiteral("-map"), QStringLiteral("1"), QStringLiteral("-c:a"), QString::fromLatin1(codec),
+                 QStringLiteral("-b:a"), QStringLiteral("320k"), QStringLiteral("-disposition:a:0"), QStringLiteral("0"), QStringLiteral("-disposition:a:1"),
+                 QStringLiteral("default")},
+                file("a.m4a"));
+        const Decoded decoded = decode(file("a.m4a"));
+        EXPECT_EQ(decoded.format.sampleRate, 44100u) << codec;
+        EXPECT_EQ(decoded.format.channels, 1) << codec;
+        EXPECT_EQ(decoded.frames(), 88200u) << codec;
+        EXPECT_EQ(decoded.total, 88200u) << codec;
+        EXPECT_LE(largestDifference(decoded.samples.mid(5000), source.mid(5000), 16), 1000.0) << codec;
+    }
+}
+
 TEST_F(AacDecoderTest, ASourceWithoutAudioIsRefused)
 {
     const ToolResult made =

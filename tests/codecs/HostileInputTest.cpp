@@ -145,3 +145,80 @@ TEST_F(HostileInputTest, AnAlacFrameLengthOutOfProportionIsRefusedBeforeADecoder
     expectLittleMemory(file("b.m4a"));
     EXPECT_FALSE(decode(file("b.m4a")).opened);
 }
+
+// Files whose tables count what is not there. The library's index has 24 bytes for
+// every sample.
+class Mpeg4TablesTest : public HostileInputTest {
+protected:
+    /// A short AAC file, whose boxes stand behind the audio.
+    QByteArray valid(const QStringList& options = {}) const
+    {
+        writeAll(file("s.wav"), waveFile({44100, 1, 16}, decoderfiles::audio(14000, 1)));
+        const ToolResult made =
+            runTool(QStringLiteral("ffmpeg"),
+                    QStringList{QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y"),
+                                QStringLiteral("-i"), file("s.wav")}
+                        + options + QStringList{file("valid.m4a")});
+        EXPECT_TRUE(made.ok()) << made.errors.toStdString();
+        EXPECT_TRUE(decode(file("valid.m4a")).opened);
+        return readAll(file("valid.m4a"));
+    }
+
+    /// Overwrites fields of a box from a place behind its name on.
+    static void set(QByteArray& bytes, const char* box, qsizetype offset, const QByteArray& fields)
+    {
+        const qsizetype name = bytes.lastIndexOf(box);
+        ASSERT_GT(name, 0);
+        bytes.replace(name + 4 + offset, fields.size(), fields);
+    }
+
+    void expectRefused(const QByteArray& bytes) const
+    {
+        writeAll(file("a.m4a"), bytes);
+        expectLittleMemory(file("a.m4a"));
+        EXPECT_FALSE(decode(file("a.m4a")).opened);
+    }
+
+    static constexpr quint32 most = 60000000;
+};
+
+TEST_F(Mpeg4TablesTest, MoreSamplesOfOneSizeThanTheFileHasBytesAreRefused)
+{
+    QByteArray bytes = valid();
+    // Behind each version: size and count; count of entries, frames of each; and the
+    // count of entries, the first chunk, its frames.
+    set(bytes, "stsz", 4, big(quint32{4}) + big(most));
+    set(bytes, "stts", 8, big(most) + big(quint32{1024}));
+    set(bytes, "stsc", 12, big(most));
+    expectRefused(bytes);
+}
+
+TEST_F(Mpeg4TablesTest, MoreFramesInChunksThanTheFileCouldHoldAreRefused)
+{
+    QByteArray bytes = valid();
+    // Samples of one unit each are a stream without frames, which is told by its chunks.
+    set(bytes, "stts", 4, big(quint32{1}) + big(quint32{14}) + big(quint32{1}));
+    set(bytes, "stsc", 12, big(quint32{0xFFFFFFFF}));
+    expectRefused(bytes);
+}
+
+TEST_F(Mpeg4TablesTest, FragmentsOfMoreSamplesThanTheFileHasBytesAreRefused)
+{
+    QByteArray bytes = valid({QStringLiteral("-movflags"), QStringLiteral("frag_keyframe+empty_moov")});
+    // All samples as the default is, so that the fragment has no field for each.
+    const auto offset = bytes.mid(bytes.lastIndexOf("trun") + 12, 4);
+    set(bytes, "trun", 0, big(quint32{1}) + big(most) + offset);
+    expectRefused(bytes);
+}
+
+TEST_F(Mpeg4TablesTest, ABoxThatReachesToTheEndIsLookedInto)
+{
+    QByteArray bytes = valid();
+    const qsizetype movie = bytes.lastIndexOf("moov") - 4;
+    bytes.replace(movie, 4, big(quint32{0}));
+    writeAll(file("b.m4a"), bytes);
+    const Decoded decoded = decode(file("b.m4a"));
+    EXPECT_EQ(decoded.frames(), 14000u);
+    set(bytes, "stsz", 4, big(quint32{4}) + big(most));
+    expectRefused(bytes);
+}
