@@ -111,8 +111,9 @@ std::optional<AudioBlock> FlacDecoder::Stream::read()
 {
     const std::size_t wanted = framesPerBlock(format.channels);
     while (queuedFrames() < wanted && !ended) {
+        // The states behind the end are failures, which the call itself need not report.
         if (!FLAC__stream_decoder_process_single(decoder.get())
-            || FLAC__stream_decoder_get_state(decoder.get()) == FLAC__STREAM_DECODER_END_OF_STREAM)
+            || FLAC__stream_decoder_get_state(decoder.get()) >= FLAC__STREAM_DECODER_END_OF_STREAM)
             ended = true;
     }
     const std::size_t frames = std::min(queuedFrames(), wanted);
