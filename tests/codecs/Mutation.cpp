@@ -5,6 +5,7 @@
 #include <ogg/ogg.h>
 
 #include <algorithm>
+#include <numeric>
 #include <random>
 
 namespace {
@@ -81,13 +82,28 @@ private:
     std::mt19937_64 engine;
 };
 
+/// Every other one a byte longer, from nothing on, for the headers. Those between
+/// take steps of the golden section, which leave no large part of the file out and
+/// meet every length before they meet one again.
+qsizetype truncatedLength(qsizetype size, quint64 turn)
+{
+    const auto lengths = static_cast<quint64>(size) + 1;
+    const quint64 round = turn / 2 % lengths;
+    if (turn % 2 == 0)
+        return static_cast<qsizetype>(round);
+    auto step = static_cast<quint64>(static_cast<double>(lengths) * 0.6180339887) + 1;
+    while (std::gcd(step, lengths) != 1)
+        ++step;
+    return static_cast<qsizetype>((round + 1) * step % lengths);
+}
+
 } // namespace
 
 QByteArray mutate(const QByteArray& valid, quint64 number)
 {
     constexpr quint64 truncationEvery = 8;
     if (number % truncationEvery == 0)
-        return valid.left(static_cast<qsizetype>(number / truncationEvery) % (valid.size() + 1));
+        return valid.left(truncatedLength(valid.size(), number / truncationEvery));
     Mutator mutator(valid, number);
     for (quint64 i = mutator.draw(4) + 1; i > 0; --i)
         mutator.breakOnce();
