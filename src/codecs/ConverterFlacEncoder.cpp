@@ -19,6 +19,33 @@ constexpr int highestLevel = 8;
 struct EncoderDeleter {
     void operator()(FLAC__StreamEncoder* handle) const { FLAC__stream_encoder_delete(handle); }
 };
+using EncoderPointer = std::unique_ptr<FLAC__StreamEncoder, EncoderDeleter>;
+
+/// Null when there is no memory for one.
+EncoderPointer configuredEncoder(const AudioFormat& format)
+{
+    EncoderPointer encoder(FLAC__stream_encoder_new());
+    if (!encoder)
+        return nullptr;
+    FLAC__stream_encoder_set_channels(encoder.get(), format.channels);
+    FLAC__stream_encoder_set_bits_per_sample(encoder.get(), format.bitsPerSample == 16 ? 16 : 24);
+    FLAC__stream_encoder_set_sample_rate(encoder.get(), format.sampleRate);
+    const int level = std::clamp(encoderOptions.flacCompressionLevel, lowestLevel, highestLevel);
+    FLAC__stream_encoder_set_compression_level(encoder.get(), static_cast<quint32>(level));
+    return encoder;
+}
+
+/// Only the start of a stream tells whether the library takes the format, and one
+/// that is to be refused makes no file.
+bool isTaken(const AudioFormat& format)
+{
+    const auto discard = [](const FLAC__StreamEncoder*, const FLAC__byte[], std::size_t, quint32, quint32,
+                            void*) { return FLAC__STREAM_ENCODER_WRITE_STATUS_OK; };
+    const EncoderPointer trial = configuredEncoder(format);
+    return trial
+           && FLAC__stream_encoder_init_stream(trial.get(), discard, nullptr, nullptr, nullptr, nullptr)
+                  == FLAC__STREAM_ENCODER_INIT_STATUS_OK;
+}
 
 } // namespace
 
@@ -31,42 +58,33 @@ public:
 
 private:
     bool good() const { return FLAC__stream_encoder_get_state(encoder.get()) == FLAC__STREAM_ENCODER_OK; }
-    void configure(const AudioFormat& format);
 
     quint16 channels = 0;
     std::vector<FLAC__int32> shifted;
     // Deleting the encoder closes the file, which still needs its buffer then.
     std::vector<char> fileBuffer;
-    std::unique_ptr<FLAC__StreamEncoder, EncoderDeleter> encoder;
+    EncoderPointer encoder;
 };
 
 bool ConverterFlacEncoder::Stream::start(const std::filesystem::path& path, const AudioFormat& format)
 {
+    if (!isTaken(format))
+        return false;
     std::FILE* file = std::fopen(path.c_str(), "wb");
     if (!file)
         return false;
     fileBuffer.resize(fileBufferBytes);
     std::setvbuf(file, fileBuffer.data(), _IOFBF, fileBuffer.size());
-    encoder.reset(FLAC__stream_encoder_new());
+    encoder = configuredEncoder(format);
     if (!encoder) {
         std::fclose(file);
         return false;
     }
-    configure(format);
+    channels = format.channels;
     // From here on the file is the encoder's, which closes it when deleted even
     // if this call refuses the format.
     return FLAC__stream_encoder_init_FILE(encoder.get(), file, nullptr, nullptr)
         == FLAC__STREAM_ENCODER_INIT_STATUS_OK;
-}
-
-void ConverterFlacEncoder::Stream::configure(const AudioFormat& format)
-{
-    channels = format.channels;
-    FLAC__stream_encoder_set_channels(encoder.get(), channels);
-    FLAC__stream_encoder_set_bits_per_sample(encoder.get(), format.bitsPerSample == 16 ? 16 : 24);
-    FLAC__stream_encoder_set_sample_rate(encoder.get(), format.sampleRate);
-    const int level = std::clamp(encoderOptions.flacCompressionLevel, lowestLevel, highestLevel);
-    FLAC__stream_encoder_set_compression_level(encoder.get(), static_cast<quint32>(level));
 }
 
 bool ConverterFlacEncoder::Stream::write(const AudioBlock& block)

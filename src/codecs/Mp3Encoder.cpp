@@ -49,18 +49,18 @@ Mp3Encoder::~Mp3Encoder() = default;
 
 bool Mp3Encoder::open(const std::filesystem::path& path, const AudioFormat& format)
 {
-    if (!file.open(path))
+    if (lame)
+        return false;
+    // A file is made when the library has taken the format.
+    Handle started(lame_init());
+    if (!started)
+        return false;
+    configure(started.get(), format);
+    if (lame_init_params(started.get()) < 0 || !file.open(path))
         return false;
     channels = format.channels;
-    lame.reset(lame_init());
-    if (lame) {
-        configure(lame.get(), format);
-        if (lame_init_params(lame.get()) < 0)
-            lame.reset();
-    }
-    if (!lame)
-        file.abandon();
-    return lame != nullptr;
+    lame = std::move(started);
+    return true;
 }
 
 bool Mp3Encoder::write(const AudioBlock& block)

@@ -23,6 +23,7 @@ private:
     struct Deleter {
         void operator()(lame_global_struct* handle) const;
     };
+    using Handle = std::unique_ptr<lame_global_struct, Deleter>;
 
     bool encode(const qint32* samples, std::size_t frames);
     void writeTail();
@@ -32,5 +33,5 @@ private:
     std::vector<int> left;
     std::vector<int> right;
     std::vector<unsigned char> encoded;
-    std::unique_ptr<lame_global_struct, Deleter> lame;
+    Handle lame;
 };

@@ -122,8 +122,21 @@ TEST_F(ConverterFlacEncoderTest, NineChannelsAreRefusedAndTheFileIsLetGo)
     EXPECT_FALSE(encoder->open(toPath(file("nine.flac")), {44100, 9, 16}));
     EXPECT_EQ(openFileCount(), before);
     EXPECT_FALSE(encoder->close());
+    EXPECT_FALSE(QFile::exists(file("nine.flac")));
     EXPECT_TRUE(encoder->open(toPath(file("eight.flac")), {44100, 8, 16}));
     EXPECT_TRUE(encoder->close());
+}
+
+TEST_F(ConverterFlacEncoderTest, ARefusedFormatLeavesAFileThatStoodThereAsItWas)
+{
+    QFile standing(file("standing.flac"));
+    ASSERT_TRUE(standing.open(QIODevice::WriteOnly));
+    standing.write("kept");
+    standing.close();
+    for (const AudioFormat& format : {AudioFormat{44100, 9, 16}, {44100, 0, 16}, {0, 2, 16}, {705600, 2, 24}}) {
+        EXPECT_FALSE(makeEncoder(FlacEncoderId)->open(toPath(file("standing.flac")), format));
+        EXPECT_EQ(readAll(file("standing.flac")), "kept") << format.channels << " " << format.sampleRate;
+    }
 }
 
 TEST_F(ConverterFlacEncoderTest, FramesCountWhenTheSampleListIsLonger)
