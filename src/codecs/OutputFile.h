@@ -1,11 +1,10 @@
 #pragma once
 
+#include "codecs/CFile.h"
+
 #include <QtGlobal>
 
 #include <cstddef>
-#include <cstdio>
-#include <filesystem>
-#include <memory>
 
 /// One file being written, with a state that turns bad at the first failure and
 /// stays bad; later writes and seeks then do nothing.
@@ -35,11 +34,7 @@ public:
     void abandon();
 
 private:
-    struct Closer {
-        void operator()(std::FILE* handle) const { std::fclose(handle); }
-    };
-
-    std::unique_ptr<std::FILE, Closer> file;
+    CFile file;
     quint64 offsetNow = 0;
     bool failed = false;
 };

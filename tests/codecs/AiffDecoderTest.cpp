@@ -81,6 +81,28 @@ TEST_F(AiffDecoderTest, TheOffsetOfTheSoundMovesItsStartAndShortensIt)
     EXPECT_EQ(decoded.samples, patterns({0x12345678}));
 }
 
+// The size of the data is worked out in 32 bits, and believed.
+TEST_F(AiffDecoderTest, ASoundChunkSmallerThanItsOwnFieldsOrItsOffsetWrapsAround)
+{
+    const auto framesOf = [this](quint32 size, quint32 offset) {
+        const QByteArray chunk = "SSND" + big(size) + big(offset) + big(quint32{0}) + data;
+        writeAll(file("a.aiff"), form(common(1, 16) + chunk));
+        AiffDecoder decoder;
+        EXPECT_TRUE(decoder.open(toPath(file("a.aiff"))));
+        return decoder.totalFrames();
+    };
+    constexpr quint64 whole = quint64{1} << 32;
+    EXPECT_EQ(framesOf(8, 0), 0u);
+    EXPECT_EQ(framesOf(4, 0), (whole - 4) / 2);
+    EXPECT_EQ(framesOf(0, 0), (whole - 8) / 2);
+    EXPECT_EQ(framesOf(20, 12), 0u);
+    EXPECT_EQ(framesOf(20, 14), (whole - 2) / 2);
+    EXPECT_EQ(framesOf(8, 0xFFFFFFF0), 0x10u / 2);
+    // On the way to the next chunk such a size leads out of the file.
+    const QByteArray small = "SSND" + big(quint32{4}) + big(quint32{0}) + big(quint32{0});
+    EXPECT_FALSE(decodeBytes(form(small + common(1, 16))).opened);
+}
+
 TEST_F(AiffDecoderTest, RatesOfEightyBits)
 {
     EXPECT_EQ(rateOf("\x40\x0E\xAC\x44\0\0\0\0\0\0"), 44100u);

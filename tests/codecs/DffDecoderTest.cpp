@@ -52,6 +52,24 @@ TEST_F(DffDecoderTest, TheChannelIdsAreSkippedWhateverTheirNumber)
     }
 }
 
+TEST_F(DffDecoderTest, WhatFollowsTheRateInItsChunkIsPassedOver)
+{
+    const QByteArray longRate = dffChunk("FS  ", big(quint32{2822400}) + "and more");
+    const QByteArray channels = dffChunk("CHNL", big(quint16{1}) + "C   ");
+    const Decoded decoded = decodeBytes(dff(longRate + channels, bits(64, 1)));
+    EXPECT_EQ(decoded.format, (AudioFormat{352800, 1, 24}));
+    EXPECT_EQ(decoded.total, 64u);
+}
+
+TEST_F(DffDecoderTest, TheKindOfThePropertiesIsNotLookedAt)
+{
+    const QByteArray sound = dffChunk("DSD ", bits(64, 1));
+    const QByteArray usual = form(dffChunk("PROP", "SND " + dffProperties(2822400, 2)) + sound);
+    const QByteArray other = form(dffChunk("PROP", "ABCD" + dffProperties(2822400, 2)) + sound);
+    EXPECT_EQ(decodeBytes(other).frames(), 32u);
+    EXPECT_EQ(decodeBytes(other).samples, decodeBytes(usual).samples);
+}
+
 TEST_F(DffDecoderTest, OddChunksArePadded)
 {
     const QByteArray odd = dffChunk("ABCD", "xyz");

@@ -79,7 +79,6 @@ TEST_F(DsfDecoderTest, ConstantBitsOfBothSignsEndAtFullScaleDown)
     for (const char byte : {'\xFF', '\x00'}) {
         const Decoded decoded =
             decodeBytes(decoderfiles::dsf({.channels = 1, .blockBytes = 64}, QByteArray(64, byte)));
-        const DsdFirFilter filter;
         EXPECT_EQ(decoded.samples.last(), sampleFromFloat(byte ? 1.0f : -1.0f)) << int{byte};
         EXPECT_EQ(decoded.samples.last(), INT32_MIN);
     }
