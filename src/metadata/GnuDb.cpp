@@ -6,13 +6,17 @@
 
 #include <QDebug>
 #include <QStringList>
+#include <QStringTokenizer>
+#include <QVarLengthArray>
 
+#include <optional>
 #include <utility>
 
 namespace {
 
 constexpr int loggedCharacters = 200;
 constexpr int codeLength = 3;
+constexpr qsizetype wordsOfUse = 3;
 constexpr int codeExactMatch = 200;
 constexpr int codeExactMatches = 210;
 constexpr int codeInexactMatches = 211;
@@ -22,6 +26,20 @@ struct Candidate {
     QString discId;
     QByteArray body; ///< the record, when the candidate was taken on its account
 };
+
+using WordList = QVarLengthArray<QStringView, wordsOfUse>;
+
+// The words that any answer has a use for; an empty one is a word, too.
+WordList firstWords(QStringView line)
+{
+    WordList words;
+    for (const QStringView word : line.tokenize(u' ')) {
+        words.append(word);
+        if (words.size() == wordsOfUse)
+            break;
+    }
+    return words;
+}
 
 QString commandUrl(const QString& command)
 {
@@ -53,60 +71,114 @@ QString queryUrl(const DiscToc& disc, const QString& id)
                           .arg(disc.totalSectors / SECTORS_PER_SECOND));
 }
 
-QList<Candidate> candidatesOf(const QStringList& lines)
-{
-    QList<Candidate> candidates;
-    for (qsizetype i = 1; i < lines.size(); ++i) {
-        const QString line = lines[i].trimmed();
-        if (line == QLatin1String("."))
-            break;
-        const QStringList parts = line.split(QLatin1Char(' '));
-        if (parts.size() >= 2)
-            candidates.append({parts[0], parts[1], {}});
+/// A candidate where it stands in the answer.
+struct CandidateView {
+    QStringView category;
+    QStringView discId;
+
+    Candidate copy() const { return {category.toString(), discId.toString(), {}}; }
+};
+
+/// Walks over the candidates of an answer. An answer may have millions of lines,
+/// so each is looked at where it stands.
+class CandidateLines {
+public:
+    explicit CandidateLines(const QString& answer) : text(answer) { skipLine(); }
+
+    std::optional<CandidateView> next()
+    {
+        while (!text.isEmpty()) {
+            const QStringView line = text.left(text.indexOf(u'\n')).trimmed();
+            skipLine();
+            if (line == u".")
+                break;
+            if (line.isEmpty())
+                continue;
+            const WordList parts = firstWords(line);
+            if (parts.size() >= 2)
+                return CandidateView{parts[0], parts[1]};
+        }
+        text = {};
+        return std::nullopt;
     }
-    return candidates;
-}
+
+private:
+    void skipLine()
+    {
+        const qsizetype end = text.indexOf(u'\n');
+        text = end < 0 ? QStringView() : text.mid(end + 1);
+    }
+
+    QStringView text; ///< what is not looked at yet
+};
 
 qsizetype titleLines(const QByteArray& record)
 {
     qsizetype count = 0;
-    const QStringList lines = QString::fromUtf8(record).split(QLatin1Char('\n'));
-    for (const QString& line : lines)
+    const QString text = QString::fromUtf8(record);
+    for (const QStringView line : QStringView(text).tokenize(u'\n'))
         count += line.trimmed().startsWith(QLatin1String("TTITLE")) ? 1 : 0;
     return count;
 }
 
-Candidate chooseCandidate(const QList<Candidate>& candidates, qsizetype need)
+Candidate chooseCandidate(const QString& answer, qsizetype need)
 {
-    qDebug() << "[GnuDB] candidates:" << candidates.size();
-    for (const Candidate& candidate : candidates) {
-        const QByteArray body = gnudbRead(candidate.category, candidate.discId);
-        if (body.isEmpty())
+    CandidateLines counted(answer);
+    const std::optional<CandidateView> first = counted.next();
+    qsizetype all = first ? 1 : 0;
+    while (counted.next())
+        ++all;
+    qDebug() << "[GnuDB] candidates:" << all;
+    if (!first)
+        return {};
+
+    CandidateLines lines(answer);
+    while (const std::optional<CandidateView> line = lines.next()) {
+        Candidate candidate = line->copy();
+        candidate.body = gnudbRead(candidate.category, candidate.discId);
+        if (candidate.body.isEmpty())
             continue;
-        const qsizetype count = titleLines(body);
+        const qsizetype count = titleLines(candidate.body);
         qDebug().noquote() << "[GnuDB] candidate" << candidate.category << candidate.discId
                            << "tracks=" << count << "(need" << need << ")";
         if (count == need) {
             qDebug() << "[GnuDB] track count matched!";
-            return {candidate.category, candidate.discId, body};
+            return candidate;
         }
     }
-    if (candidates.isEmpty())
-        return {};
     qDebug() << "[GnuDB] no track count match, using first candidate";
-    return candidates.first();
+    return first->copy();
 }
 
-GnuDbResult parseAnswer(const QByteArray& body)
+Candidate exactMatch(QStringView statusLine)
 {
-    const QString text = QString::fromUtf8(body);
-    return parseXmcd(text.mid(text.indexOf(QLatin1Char('\n')) + 1));
+    const WordList parts = firstWords(statusLine);
+    return parts.size() >= 3 ? Candidate{parts[1].toString(), parts[2].toString(), {}} : Candidate{};
 }
 
-Candidate exactMatch(const QString& statusLine)
+// Takes the answer, which is not to lie in memory beside the record that it leads to.
+Candidate candidateOf(QByteArray answer, qsizetype need)
 {
-    const QStringList parts = statusLine.split(QLatin1Char(' '));
-    return parts.size() >= 3 ? Candidate{parts[1], parts[2], {}} : Candidate{};
+    const QString text = QString::fromUtf8(answer);
+    answer.clear();
+    qDebug().noquote() << "[GnuDB] query response:" << text.left(loggedCharacters);
+
+    const QStringView statusLine = QStringView(text).left(text.indexOf(u'\n')).trimmed();
+    const int code = statusLine.left(codeLength).toInt();
+    if (code == codeExactMatch)
+        return exactMatch(statusLine);
+    if (code == codeExactMatches || code == codeInexactMatches)
+        return chooseCandidate(text, need);
+    qWarning() << "[GnuDB] no match (code=" << code << ")";
+    return {};
+}
+
+GnuDbResult parseAnswer(QByteArray body)
+{
+    QString text = QString::fromUtf8(body);
+    body.clear();
+    text.remove(0, text.indexOf(u'\n') + 1);
+    return parseXmcd(text);
 }
 
 } // namespace
@@ -128,27 +200,12 @@ GnuDbResult gnudbLookup(const DiscToc& disc)
 
     const QString url = queryUrl(disc, id);
     qDebug().noquote() << "[GnuDB] query URL:" << url;
-    const QByteArray answer = gnudbGet(url);
+    QByteArray answer = gnudbGet(url);
     if (answer.isEmpty()) {
         qWarning() << "[GnuDB] query request failed";
         return {};
     }
-    const QString text = QString::fromUtf8(answer);
-    qDebug().noquote() << "[GnuDB] query response:" << text.left(loggedCharacters);
-
-    const QStringList lines = text.split(QLatin1Char('\n'));
-    const QString statusLine = lines.first().trimmed();
-    const int code = statusLine.left(codeLength).toInt();
-    Candidate chosen;
-    if (code == codeExactMatch) {
-        chosen = exactMatch(statusLine);
-    } else if (code == codeExactMatches || code == codeInexactMatches) {
-        chosen = chooseCandidate(candidatesOf(lines), disc.tracks.size());
-    } else {
-        qWarning() << "[GnuDB] no match (code=" << code << ")";
-        return {};
-    }
-
+    Candidate chosen = candidateOf(std::move(answer), disc.tracks.size());
     if (chosen.body.isEmpty()) {
         if (chosen.category.isEmpty() || chosen.discId.isEmpty())
             return {};
@@ -159,5 +216,5 @@ GnuDbResult gnudbLookup(const DiscToc& disc)
             return {};
         }
     }
-    return parseAnswer(chosen.body);
+    return parseAnswer(std::move(chosen.body));
 }

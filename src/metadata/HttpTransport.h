@@ -6,6 +6,8 @@
 
 #include <memory>
 
+inline constexpr int httpStatusOk = 200;
+
 /// One GET request in the form in which it leaves.
 struct HttpRequest {
     bool secure = false;            ///< https on port 443, else http on port 80
@@ -39,7 +41,7 @@ struct HttpLimits {
     int silenceMilliseconds = 30'000; ///< without a byte, before or within the answer
     int redirects = 10;
     qsizetype headBytes = 256 * 1024;        ///< a longer response head is no answer
-    qsizetype bodyBytes = 256 * 1024 * 1024; ///< an endless body ends here, as one that breaks off
+    qsizetype bodyBytes = 64 * 1024 * 1024;  ///< an endless body ends here, as one that breaks off
 };
 
 /// Leads every connection of a transport to this machine: a test's seam. The

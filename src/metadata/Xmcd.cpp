@@ -2,7 +2,7 @@
 
 #include <QDebug>
 #include <QMap>
-#include <QStringList>
+#include <QStringTokenizer>
 
 namespace {
 
@@ -11,21 +11,21 @@ const QLatin1String yearField("DYEAR=");
 const QLatin1String genreField("DGENRE=");
 const QLatin1String trackField("TTITLE");
 
-QString restOf(const QString& line, QLatin1String field)
+QStringView restOf(QStringView line, QLatin1String field)
 {
     return line.mid(field.size()).trimmed();
 }
 
-void readDiscTitle(const QString& value, GnuDbResult& result)
+void readDiscTitle(QStringView value, GnuDbResult& result)
 {
     const QLatin1String separator(" / ");
     const qsizetype found = value.indexOf(separator);
     if (found >= 0)
-        result.artist = value.left(found).trimmed();
-    result.album = found < 0 ? value : value.mid(found + separator.size()).trimmed();
+        result.artist = value.left(found).trimmed().toString();
+    result.album = (found < 0 ? value : value.mid(found + separator.size()).trimmed()).toString();
 }
 
-void readTrackTitle(const QString& line, QMap<int, QString>& titles)
+void readTrackTitle(QStringView line, QMap<int, QString>& titles)
 {
     const qsizetype equals = line.indexOf(QLatin1Char('='));
     if (equals <= trackField.size())
@@ -42,21 +42,22 @@ GnuDbResult parseXmcd(const QString& text)
 {
     GnuDbResult result;
     QMap<int, QString> titles;
-    const QStringList lines = text.split(QLatin1Char('\n'));
-    for (const QString& untrimmed : lines) {
-        const QString line = untrimmed.trimmed();
+    // Line by line where the text stands: it may be of millions of lines.
+    for (const QStringView untrimmed : QStringView(text).tokenize(u'\n')) {
+        const QStringView line = untrimmed.trimmed();
         if (line.startsWith(QLatin1Char('#')))
             continue;
         if (line.startsWith(discTitleField))
             readDiscTitle(restOf(line, discTitleField), result);
         else if (line.startsWith(yearField))
-            result.year = restOf(line, yearField);
+            result.year = restOf(line, yearField).toString();
         else if (line.startsWith(genreField))
-            result.genre = restOf(line, genreField);
+            result.genre = restOf(line, genreField).toString();
         else if (line.startsWith(trackField))
             readTrackTitle(line, titles);
     }
 
+    result.tracks.reserve(titles.size());
     // Unsigned, for the highest key of all has no successor.
     for (auto title = titles.cbegin(); title != titles.cend(); ++title)
         result.tracks.append({static_cast<int>(static_cast<quint32>(title.key()) + 1), title.value()});
