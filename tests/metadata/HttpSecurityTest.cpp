@@ -78,7 +78,7 @@ TEST(HttpSecurity, ThePlainPortIsNoSecureServer)
 
 TEST(HttpSecurity, AHandshakeThatNeverComesEndsByTheConnectLimit)
 {
-    // Accepts connections by the system alone: nobody ever answers the greeting.
+    // Takes the greeting for the start of a request of plain HTTP, and waits for the rest.
     LoopbackServer mute([](const ServedRequest&) { return silence(); }, nullptr);
     LoopbackServices services;
     const HttpDetour toMute{mute.port(), mute.port(), services.detour().certificateAuthority};

@@ -116,14 +116,12 @@ bool LoopbackConnection::sendBody(const ServedAnswer& answer)
 
 bool LoopbackConnection::send(const ServedAnswer& answer)
 {
+    if (!answer.raw.isEmpty() && !sendBytes(answer.raw))
+        return false;
     if (answer.silent)
         waitUntilClientLeaves();
-    if (answer.silent || answer.dropped)
+    if (answer.silent || answer.dropped || !answer.raw.isEmpty())
         return false;
-    if (!answer.raw.isEmpty()) {
-        sendBytes(answer.raw);
-        return false;
-    }
     const bool goodSoFar = sendBytes(answer.head()) && sendBody(answer);
     const bool lied = answer.claimedLength >= 0;
     return goodSoFar && !lied && answer.framing != ServedAnswer::Framing::UntilClose;

@@ -25,12 +25,12 @@ struct ServedAnswer {
     qint64 claimedLength = -1; ///< stands in the length line in place of the true one
     qsizetype breakAfter = -1; ///< the connection breaks after so many bytes of the body
     qsizetype stallAfter = -1; ///< falls silent after so many bytes of the body
-    bool silent = false;       ///< takes the request and never answers
+    bool silent = false;       ///< takes the request and never answers, or no further than raw
     bool dropped = false;      ///< takes the request and hangs up
     bool endless = false;      ///< sends the body again and again
     int pieceBytes = 0;        ///< sends the body in pieces of so many bytes...
     int pieceMilliseconds = 0; ///< ...with this pause in front of each
-    QByteArray raw;            ///< sent in place of head and body, then hangs up
+    QByteArray raw;            ///< sent in place of head and body, then hangs up unless silent
 
     /// Status line and headers, with the blank line.
     QByteArray head() const;
