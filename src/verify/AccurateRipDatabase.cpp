@@ -3,11 +3,13 @@
 #include "base/ByteOrder.h"
 #include "base/Language.h"
 #include "metadata/Http.h"
+#include "metadata/HttpTransport.h"
 #include "metadata/ServiceHosts.h"
 
 #include <QDebug>
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 
 QHash<int, std::pair<quint32, quint32>> ripCrcs;
@@ -17,7 +19,6 @@ namespace {
 
 constexpr qsizetype chunkHeaderBytes = 13;
 constexpr qsizetype entryBytes = 9;
-constexpr int httpOk = 200;
 constexpr int httpNotFound = 404;
 
 bool hasChecksum(const ArEntry& entry)
@@ -47,16 +48,14 @@ bool isOfDisc(const char* header, const AccurateRipIds& ids)
         && byteorder::readLittle<quint32>(header + 9) == ids.cddbId;
 }
 
-} // namespace
-
-bool accurateRipVerify(const DiscToc& disc, QList<QList<ArEntry>>& tracks, QString& error, bool* networkError)
+QString notReached()
 {
-    bool ignored = false;
-    bool& unreachable = networkError ? *networkError : ignored;
-    tracks.clear();
-    error.clear();
-    unreachable = false;
+    return pickLang("AccurateRipのサーバーに接続できませんでした。インターネット接続を確認してください。",
+                    "Could not connect to the AccurateRip server. Please check your internet connection.");
+}
 
+bool fetchAndParse(const DiscToc& disc, QList<QList<ArEntry>>& tracks, QString& error, bool& unreachable)
+{
     const AccurateRipIds ids = computeAccurateRipIds(disc);
     if (ids.audioTracks == 0) {
         error = pickLang("音声トラックがありません。", "There are no audio tracks.");
@@ -73,11 +72,10 @@ bool accurateRipVerify(const DiscToc& disc, QList<QList<ArEntry>>& tracks, QStri
     }
     if (status == 0) {
         unreachable = true;
-        error = pickLang("AccurateRipのサーバーに接続できませんでした。インターネット接続を確認してください。",
-                         "Could not connect to the AccurateRip server. Please check your internet connection.");
+        error = notReached();
         return false;
     }
-    if (status != httpOk || body.isEmpty()) {
+    if (status != httpStatusOk || body.isEmpty()) {
         unreachable = true;
         error = pickLang("AccurateRipのサーバーからエラーが返りました（HTTP %1）。時間をおいて再度お試しください。",
                          "The AccurateRip server returned an error (HTTP %1). Please try again later.")
@@ -91,6 +89,27 @@ bool accurateRipVerify(const DiscToc& disc, QList<QList<ArEntry>>& tracks, QStri
     if (!found)
         error = notInDatabase();
     return found;
+}
+
+} // namespace
+
+bool accurateRipVerify(const DiscToc& disc, QList<QList<ArEntry>>& tracks, QString& error, bool* networkError)
+{
+    bool ignored = false;
+    bool& unreachable = networkError ? *networkError : ignored;
+    tracks.clear();
+    error.clear();
+    unreachable = false;
+    // A future would hand an exception on to the GUI thread, where it ends the program.
+    try {
+        return fetchAndParse(disc, tracks, error, unreachable);
+    } catch (const std::exception& trouble) {
+        qWarning() << "[AccurateRip] given up:" << trouble.what();
+        tracks.clear();
+        error = notReached();
+        unreachable = true;
+        return false;
+    }
 }
 
 ArTrackVerdict accurateRipMatch(quint32 crcV1, quint32 crcV2, const QList<ArEntry>& entries)

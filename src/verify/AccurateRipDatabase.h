@@ -41,7 +41,8 @@ extern QHash<int, std::pair<quint32, quint32>> ripCrcs;
 extern QHash<int, QList<quint32>> ripFrameWindows;
 
 /// Fetches the disc's database file and walks it; blocks for as long as the
-/// network does. The results are the fields of VerifyResult.
+/// network does. The results are the fields of VerifyResult. Throws nothing: want
+/// of memory is a server that was not reached.
 bool accurateRipVerify(const DiscToc& disc, QList<QList<ArEntry>>& tracks, QString& error,
                        bool* networkError = nullptr);
 

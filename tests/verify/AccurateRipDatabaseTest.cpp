@@ -2,13 +2,15 @@
 
 #include "base/Language.h"
 #include "base/Settings.h"
-#include "metadata/HttpTransport.h"
+#include "support/FakeHttpTransport.h"
 #include "support/LogCapture.h"
 
 #include <QRandomGenerator>
 #include <QSettings>
 
 #include <gtest/gtest.h>
+
+#include <new>
 
 namespace {
 
@@ -33,20 +35,6 @@ QByteArray chunk(const QList<QByteArray>& entries, const AccurateRipIds& of = id
         + little(of.cddbId) + entries.join();
 }
 
-/// Answers every request with the same, and keeps what was asked.
-class RecordingTransport : public HttpTransport {
-public:
-    HttpAnswer get(const HttpRequest& request) override
-    {
-        requests.append(request);
-        return answer;
-    }
-    void stop() override {}
-
-    QList<HttpRequest> requests;
-    HttpAnswer answer;
-};
-
 class AccurateRipVerify : public ::testing::Test {
 protected:
     AccurateRipVerify()
@@ -68,15 +56,16 @@ protected:
 
     void answerWith(int status, const QByteArray& body)
     {
-        transport.answer.stage = HttpStage::Answered;
-        transport.answer.status = status;
-        transport.answer.body = body;
+        answer.stage = HttpStage::Answered;
+        answer.status = status;
+        answer.body = body;
     }
 
     bool verify() { return accurateRipVerify(disc, tracks, error, &networkError); }
 
     DiscToc disc;
-    RecordingTransport transport;
+    HttpAnswer answer; ///< to every request
+    FakeHttpTransport transport{[this](const HttpRequest&) { return answer; }};
     HttpTransportOverride override{transport};
     QList<QList<ArEntry>> tracks;
     QString error;
@@ -167,10 +156,10 @@ TEST_F(AccurateRipVerify, AsksForTheFileOfTheDisc)
 {
     answerWith(200, chunk({entry(5, 1, 2), entry(6, 3, 4)}, computeAccurateRipIds(disc)));
     EXPECT_TRUE(verify());
-    ASSERT_EQ(transport.requests.size(), 1);
-    EXPECT_FALSE(transport.requests[0].secure);
+    ASSERT_EQ(transport.requests().size(), 1);
+    EXPECT_FALSE(transport.requests()[0].secure);
     // Disc id 1 is 00007530: its last three digits, from the end.
-    EXPECT_EQ(transport.requests[0].target, "/accuraterip/0/3/5/dBAR-002-00007530-00013881-0b010a02.bin");
+    EXPECT_EQ(transport.requests()[0].target, "/accuraterip/0/3/5/dBAR-002-00007530-00013881-0b010a02.bin");
     EXPECT_EQ(tracks, (QList<QList<ArEntry>>{{{5, 1, 2}}, {{6, 3, 4}}}));
     EXPECT_TRUE(error.isEmpty());
     EXPECT_FALSE(networkError);
@@ -194,7 +183,7 @@ TEST_F(AccurateRipVerify, ADiscWithoutAudioAsksNothing)
     for (TrackInfo& track : disc.tracks)
         track.isData = true;
     EXPECT_FALSE(verify());
-    EXPECT_TRUE(transport.requests.isEmpty());
+    EXPECT_TRUE(transport.requests().isEmpty());
     EXPECT_EQ(error, QStringLiteral("There are no audio tracks."));
     EXPECT_FALSE(networkError);
 }
@@ -216,6 +205,20 @@ TEST_F(AccurateRipVerify, ADiscThatIsNotThereIsNoNetworkError)
 TEST_F(AccurateRipVerify, NoAnswerIsANetworkError)
 {
     EXPECT_FALSE(verify());
+    EXPECT_TRUE(networkError);
+    EXPECT_EQ(error, QStringLiteral("Could not connect to the AccurateRip server. "
+                                    "Please check your internet connection."));
+}
+
+TEST_F(AccurateRipVerify, WantOfMemoryIsANetworkError)
+{
+    FakeHttpTransport exhausted([](const HttpRequest&) -> HttpAnswer { throw std::bad_alloc(); });
+    const HttpTransportOverride inPlace(exhausted);
+    tracks = {{{5, 1, 2}}};
+    bool found = true;
+    EXPECT_NO_THROW(found = verify());
+    EXPECT_FALSE(found);
+    EXPECT_TRUE(tracks.isEmpty());
     EXPECT_TRUE(networkError);
     EXPECT_EQ(error, QStringLiteral("Could not connect to the AccurateRip server. "
                                     "Please check your internet connection."));
