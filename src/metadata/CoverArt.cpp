@@ -2,12 +2,11 @@
 
 #include "metadata/Http.h"
 #include "metadata/ITunes.h"
+#include "metadata/JsonAnswer.h"
 #include "metadata/ServiceHosts.h"
 
 #include <QDebug>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QUrl>
 
 namespace {
@@ -17,16 +16,9 @@ QString percentEncoded(const QString& text)
     return QString::fromLatin1(QUrl::toPercentEncoding(text));
 }
 
-QJsonArray arrayOf(const QByteArray& body, QLatin1String key)
-{
-    return QJsonDocument::fromJson(body).object()[key].toArray();
-}
-
 QPixmap archiveImage(const QString& mbid)
 {
-    const QString url =
-        QLatin1String(services::coverArtArchive) + QStringLiteral("/release/%1/front-500").arg(mbid);
-    const QByteArray body = CoverArt::get(url);
+    const QByteArray body = CoverArt::get(CoverArt::archiveImageUrl(mbid));
     QPixmap image;
     if (body.isEmpty())
         qWarning().noquote() << "CoverArt[MB]: image not available for MBID" << mbid;
@@ -40,6 +32,22 @@ QPixmap archiveImage(const QString& mbid)
 QByteArray CoverArt::get(const QString& url)
 {
     return verbatimGet(url);
+}
+
+QString CoverArt::archiveImageUrl(const QString& mbid)
+{
+    return QLatin1String(services::coverArtArchive) + QStringLiteral("/release/%1/front-500").arg(mbid);
+}
+
+QPixmap CoverArt::pictureAt(const QString& url)
+{
+    QPixmap picture;
+    if (url.isEmpty())
+        return picture;
+    const QByteArray body = httpGet(url);
+    if (!body.isEmpty())
+        picture.loadFromData(body);
+    return picture;
 }
 
 QPixmap CoverArt::fetch(const QString& artist, const QString& album) const
@@ -81,7 +89,7 @@ QString CoverArt::findMbid(const QString& artist, const QString& album)
         qWarning() << "CoverArt[MB]: request failed";
         return {};
     }
-    const QJsonArray releases = arrayOf(body, QLatin1String("releases"));
+    const QJsonArray releases = jsonArray(body, QLatin1String("releases"));
     if (releases.isEmpty()) {
         qWarning() << "CoverArt[MB]: no releases found";
         return {};
@@ -104,7 +112,7 @@ QString CoverArt::discogsImageUrl(const QString& artist, const QString& album) c
         qWarning() << "CoverArt[Discogs]: request failed";
         return {};
     }
-    const QJsonArray results = arrayOf(body, QLatin1String("results"));
+    const QJsonArray results = jsonArray(body, QLatin1String("results"));
     if (results.isEmpty()) {
         qWarning() << "CoverArt[Discogs]: no results";
         return {};

@@ -30,6 +30,11 @@ public:
     QString discogsImageUrl(const QString& artist, const QString& album) const;
     static QString iTunesImageUrl(const QString& artist, const QString& album);
 
+    /// Where the Cover Art Archive keeps the front picture of a release.
+    static QString archiveImageUrl(const QString& mbid);
+    /// The picture at an address, by httpGet; null for the empty address, too.
+    static QPixmap pictureAt(const QString& url);
+
     /// Asks the Japanese store for the album and for its songs.
     static ITunesResult lookupITunes(const QString& artist, const QString& album);
 

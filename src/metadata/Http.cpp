@@ -11,7 +11,6 @@
 namespace {
 
 constexpr char agentName[] = "TarvelCDRipper/1.0";
-constexpr int statusOk = 200;
 
 QByteArray contactHeader(const char* contact)
 {
@@ -109,7 +108,7 @@ QByteArray httpGet(const QString& url, int* status)
         qDebug() << "[HTTP] status=" << answer.status;
     if (status)
         *status = answer.status;
-    return answer.status == statusOk ? answer.body : QByteArray();
+    return answer.status == httpStatusOk ? answer.body : QByteArray();
 }
 
 QByteArray gnudbGet(const QString& url)
@@ -117,7 +116,7 @@ QByteArray gnudbGet(const QString& url)
     const QUrl address(url);
     const HttpAnswer answer =
         httpTransport().get(makeRequest(address, decodedTarget(address), services::contactAddress));
-    return answer.status == statusOk ? answer.body : QByteArray();
+    return answer.status == httpStatusOk ? answer.body : QByteArray();
 }
 
 QByteArray verbatimGet(const QString& url)

@@ -1,10 +1,11 @@
 #include "metadata/ITunes.h"
 
+#include "metadata/JsonAnswer.h"
+#include "metadata/ReleaseDate.h"
 #include "metadata/ServiceHosts.h"
 
 #include <QDebug>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
 #include <QUrl>
@@ -13,11 +14,9 @@
 
 namespace {
 
-constexpr int yearLength = 4;
-
 QJsonArray resultsOf(const QByteArray& body)
 {
-    return QJsonDocument::fromJson(body).object()[QLatin1String("results")].toArray();
+    return jsonArray(body, QLatin1String("results"));
 }
 
 bool namesMatch(const QString& name, const QString& album)
@@ -65,7 +64,7 @@ ITunesAlbum chooseITunesAlbum(const QByteArray& body, const QString& album)
     chosen.collectionId = wholeNumber(best[QLatin1String("collectionId")]);
     chosen.result.artist = best[QLatin1String("artistName")].toString();
     chosen.result.album = best[QLatin1String("collectionName")].toString();
-    chosen.result.year = best[QLatin1String("releaseDate")].toString().left(yearLength);
+    chosen.result.year = yearOfDate(best[QLatin1String("releaseDate")].toString());
     chosen.result.artworkUrl = largeArtwork(best[QLatin1String("artworkUrl100")].toString());
     qDebug().noquote() << "[iTunes] best album:" << chosen.result.album << "artist:" << chosen.result.artist
                        << "year:" << chosen.result.year << "collectionId:" << chosen.collectionId;

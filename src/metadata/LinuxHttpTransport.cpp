@@ -14,7 +14,6 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr int statusOk = 200;
 constexpr int pollMilliseconds = 100;
 
 struct EasyCloser {
@@ -94,7 +93,7 @@ size_t Exchange::onHeader(char* bytes, size_t size, size_t count, void* self)
     if (exchange.headSize > exchange.limits.headBytes)
         return 0;
     const bool blankLine = length > 0 && (bytes[0] == '\r' || bytes[0] == '\n');
-    if (blankLine && exchange.status() >= statusOk)
+    if (blankLine && exchange.status() >= httpStatusOk)
         exchange.headComplete = true;
     return length;
 }
@@ -116,7 +115,7 @@ const char* Exchange::location() const
 
 bool Exchange::wantsBody() const
 {
-    return status() == statusOk || (request.bodyOfEveryStatus && !location());
+    return status() == httpStatusOk || (request.bodyOfEveryStatus && !location());
 }
 
 size_t Exchange::onBody(char* bytes, size_t size, size_t count, void* self)

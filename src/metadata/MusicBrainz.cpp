@@ -1,6 +1,7 @@
 #include "metadata/MusicBrainz.h"
 
 #include "metadata/Http.h"
+#include "metadata/ReleaseDate.h"
 #include "metadata/ServiceHosts.h"
 
 #include <QCryptographicHash>
@@ -12,7 +13,6 @@
 namespace {
 
 constexpr int offsetFields = 99;
-constexpr int yearLength = 4;
 constexpr int loggedBytes = 300;
 
 QByteArray upperHex(qint64 value, int width)
@@ -99,7 +99,7 @@ MusicBrainzResult parseMusicBrainzDisc(const QByteArray& body)
     const QJsonObject release = releases.first().toObject();
     MusicBrainzResult result;
     result.title = release[QLatin1String("title")].toString();
-    result.year = release[QLatin1String("date")].toString().left(yearLength);
+    result.year = yearOfDate(release[QLatin1String("date")].toString());
     result.mbid = release[QLatin1String("id")].toString();
     const QJsonArray credits = release[QLatin1String("artist-credit")].toArray();
     if (!credits.isEmpty())

@@ -1,5 +1,6 @@
 #include "metadata/TagValues.h"
 
+#include "metadata/ReleaseDate.h"
 #include "metadata/TagWriter.h"
 
 #include <QBuffer>
@@ -13,7 +14,6 @@
 namespace {
 
 constexpr int jpegQuality = 90;
-constexpr int yearLength = 4;
 
 } // namespace
 
@@ -24,7 +24,7 @@ TagLib::String tagText(const QString& text)
 
 QString yearText(const TagData& tags)
 {
-    return tags.year.left(yearLength);
+    return yearOfDate(tags.year);
 }
 
 unsigned int yearNumber(const TagData& tags)

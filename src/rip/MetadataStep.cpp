@@ -2,9 +2,7 @@
 
 #include "metadata/CoverArt.h"
 #include "metadata/GnuDb.h"
-#include "metadata/Http.h"
 #include "metadata/MusicBrainz.h"
-#include "metadata/ServiceHosts.h"
 #include "rip/RipWorker.h"
 
 #include <QDebug>
@@ -54,12 +52,8 @@ void RipWorker::fillFromMusicBrainz()
     fillIfEmpty(album, found.title);
     fillIfEmpty(year, found.year);
     fillTitles(disc.tracks, found.tracks);
-    if (cover.isNull() && !found.mbid.isEmpty()) {
-        const QByteArray body = httpGet(
-            QStringLiteral("%1/release/%2/front-500").arg(QLatin1String(services::coverArtArchive), found.mbid));
-        if (!body.isEmpty())
-            cover.loadFromData(body);
-    }
+    if (cover.isNull() && !found.mbid.isEmpty())
+        cover = CoverArt::pictureAt(CoverArt::archiveImageUrl(found.mbid));
 }
 
 void RipWorker::fillFromGnuDb()
