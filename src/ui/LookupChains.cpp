@@ -1,28 +1,17 @@
 #include "ui/LookupChains.h"
 
-#include "metadata/Http.h"
 #include "metadata/HttpTransport.h"
-#include "metadata/ServiceHosts.h"
 
 #include <QDebug>
 #include <QThreadPool>
 
-namespace {
+#include <exception>
 
-QPixmap pictureAt(const QString& address)
-{
-    QPixmap picture;
-    if (address.isEmpty())
-        return picture;
-    const QByteArray body = httpGet(address);
-    if (!body.isEmpty())
-        picture.loadFromData(body);
-    return picture;
-}
+namespace {
 
 QPixmap storePicture(const ITunesResult& album)
 {
-    return album.album.isEmpty() ? QPixmap() : pictureAt(album.artworkUrl);
+    return album.album.isEmpty() ? QPixmap() : CoverArt::pictureAt(album.artworkUrl);
 }
 
 // Without a release id nothing is looked for at all.
@@ -30,14 +19,11 @@ QPixmap coverOfRelease(const MusicBrainzResult& release)
 {
     if (release.mbid.isEmpty())
         return {};
-    const QPixmap front = pictureAt(
-        QStringLiteral("%1/release/%2/front-500").arg(QLatin1String(services::coverArtArchive), release.mbid));
-    return front.isNull() ? pictureAt(CoverArt::iTunesImageUrl(release.artist, release.title)) : front;
+    const QPixmap front = CoverArt::pictureAt(CoverArt::archiveImageUrl(release.mbid));
+    return front.isNull() ? CoverArt::pictureAt(CoverArt::iTunesImageUrl(release.artist, release.title)) : front;
 }
 
-} // namespace
-
-MetaResult lookUpDisc(const DiscToc& disc)
+MetaResult discChain(const DiscToc& disc)
 {
     const CoverArt covers;
     MetaResult found;
@@ -54,7 +40,7 @@ MetaResult lookUpDisc(const DiscToc& disc)
         found.iTunes = CoverArt::lookupITunes(found.gnuDb.artist, found.gnuDb.album);
         found.cover = storePicture(found.iTunes);
         if (found.cover.isNull())
-            found.cover = pictureAt(covers.discogsImageUrl(found.gnuDb.artist, found.gnuDb.album));
+            found.cover = CoverArt::pictureAt(covers.discogsImageUrl(found.gnuDb.artist, found.gnuDb.album));
         return found;
     }
 
@@ -70,7 +56,7 @@ MetaResult lookUpDisc(const DiscToc& disc)
     return found;
 }
 
-MetaResult lookUpSheet(const DiscToc& disc)
+MetaResult sheetChain(const DiscToc& disc)
 {
     const CoverArt covers;
     MetaResult found;
@@ -86,8 +72,31 @@ MetaResult lookUpSheet(const DiscToc& disc)
     qDebug().noquote() << "[Meta/CUE] iTunes:" << found.iTunes.album << "tracks:" << found.iTunes.tracks.size();
     found.cover = storePicture(found.iTunes);
     if (found.iTunes.album.isEmpty())
-        found.cover = pictureAt(covers.discogsImageUrl(disc.albumArtist, disc.albumTitle));
+        found.cover = CoverArt::pictureAt(covers.discogsImageUrl(disc.albumArtist, disc.albumTitle));
     return found;
+}
+
+// A future would hand an exception on to the GUI thread, where it ends the program.
+MetaResult missOnException(MetaResult (*chain)(const DiscToc&), const DiscToc& disc)
+{
+    try {
+        return chain(disc);
+    } catch (const std::exception& trouble) {
+        qWarning() << "[Meta] lookup given up:" << trouble.what();
+        return {};
+    }
+}
+
+} // namespace
+
+MetaResult lookUpDisc(const DiscToc& disc)
+{
+    return missOnException(discChain, disc);
+}
+
+MetaResult lookUpSheet(const DiscToc& disc)
+{
+    return missOnException(sheetChain, disc);
 }
 
 void endLookups()

@@ -18,10 +18,10 @@ struct MetaResult {
 
 /// MusicBrainz, then GnuDB, then iTunes, each only after a miss of the one
 /// before, with a picture looked for along the way. Blocks on the network; for a
-/// thread of the pool.
+/// thread of the pool. Throws nothing: want of memory is a miss of everything.
 MetaResult lookUpDisc(const DiscToc& disc);
 
-/// MusicBrainz, then iTunes by the sheet's own artist and album.
+/// MusicBrainz, then iTunes by the sheet's own artist and album; likewise.
 MetaResult lookUpSheet(const DiscToc& disc);
 
 /// Ends every lookup and verification under way, and all later ones at once, and
