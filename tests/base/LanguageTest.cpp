@@ -1,52 +1,68 @@
-#include "base/Language.h"
-#include "base/Settings.h"
+#include "support/Language.h"
 
-#include <QLocale>
-#include <QSettings>
+#include <QProcess>
+#include <QProcessEnvironment>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-void loadWith(int stored)
+/// What a start of its own makes of a stored mode where the environment names a
+/// locale: the mode in force, the text of the pair "ja", "en", and the flag.
+QByteArray startedWith(int stored, const char* locale)
 {
-    QSettings().setValue(QLatin1String(settings::language), stored);
-    loadLanguage();
+    QProcess probe;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"LANG", "LANGUAGE", "LC_MESSAGES", "LC_NUMERIC", "LC_CTYPE"})
+        environment.remove(QLatin1String(name));
+    environment.insert(QStringLiteral("LC_ALL"), QLatin1String(locale));
+    probe.setProcessEnvironment(environment);
+    probe.start(QStringLiteral(TARVEL_LANGUAGE_PROBE), {QString::number(stored)});
+    if (!probe.waitForFinished(60000) || probe.exitCode() != 0)
+        return "no answer: " + probe.readAllStandardError();
+    return probe.readAllStandardOutput().trimmed();
 }
-
-const bool systemIsJapanese = QLocale::system().language() == QLocale::Japanese;
 
 } // namespace
 
 TEST(Language, OneIsJapaneseAndTwoIsEnglish)
 {
-    loadWith(1);
+    speak(1);
     EXPECT_TRUE(isJapanese());
     EXPECT_EQ(pickLang("完了", "Finish"), QStringLiteral("完了"));
-    loadWith(2);
+    speak(2);
     EXPECT_FALSE(isJapanese());
     EXPECT_EQ(pickLang("完了", "Finish"), QStringLiteral("Finish"));
 }
 
+TEST(Language, AutomaticFollowsTheSystem)
+{
+    EXPECT_EQ(startedWith(0, "ja_JP.UTF-8"), "0 ja 1");
+    EXPECT_EQ(startedWith(0, "de_DE.UTF-8"), "0 en 0");
+    EXPECT_EQ(startedWith(0, "en_US.UTF-8"), "0 en 0");
+    EXPECT_EQ(startedWith(0, "C"), "0 en 0");
+}
+
+TEST(Language, AChoiceStandsAboveTheSystem)
+{
+    EXPECT_EQ(startedWith(1, "de_DE.UTF-8"), "1 ja 1");
+    EXPECT_EQ(startedWith(2, "ja_JP.UTF-8"), "2 en 0");
+}
+
 TEST(Language, ModeOutOfRangeCountsAsAutomaticAndStaysInTheStore)
 {
-    for (const int mode : {7, -1}) {
-        loadWith(mode);
+    for (const int mode : {7, -1, 3}) {
+        EXPECT_EQ(startedWith(mode, "ja_JP.UTF-8"), "0 ja 1") << mode;
+        EXPECT_EQ(startedWith(mode, "de_DE.UTF-8"), "0 en 0") << mode;
+        speak(mode);
         EXPECT_EQ(languageMode(), 0);
-        EXPECT_EQ(isJapanese(), systemIsJapanese);
         EXPECT_EQ(QSettings().value(QLatin1String(settings::language)).toInt(), mode);
     }
 }
 
-TEST(Language, AutomaticFollowsTheSystem)
-{
-    loadWith(0);
-    EXPECT_EQ(isJapanese(), systemIsJapanese);
-}
-
 TEST(Language, ANewModeTakesEffectAtTheNextStart)
 {
-    loadWith(2);
+    speak(2);
     setLanguageMode(1);
     EXPECT_FALSE(isJapanese());
     EXPECT_EQ(languageMode(), 1);

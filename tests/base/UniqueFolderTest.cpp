@@ -1,12 +1,10 @@
 #include "base/UniqueFolder.h"
 
-#include "base/Language.h"
-#include "base/Settings.h"
+#include "support/Language.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSettings>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -15,11 +13,7 @@ namespace {
 
 class UniqueFolder : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        QSettings().setValue(QLatin1String(settings::language), 2);
-        loadLanguage();
-    }
+    void SetUp() override { speak(2); }
 
     QTemporaryDir place;
 };
