@@ -107,13 +107,14 @@ ConversionCounts ConversionRun::convert(const QFileInfoList& files)
 {
     const MadeFolder made = makeUniqueFolder(outputFolder, QDir(sourceFolder).dirName());
     runFolder = made.path;
+    hasFolder = made.created;
     qsizetype number = 0;
     for (const QFileInfo& file : files) {
         if (!convertOne(file, QString::number(++number), QString::number(files.size())))
             break;
     }
     finishReplayGain();
-    if (counts.converted == 0 && made.created)
+    if (counts.converted == 0 && hasFolder)
         removeFolder(runFolder);
     return counts;
 }
@@ -143,6 +144,11 @@ bool ConversionRun::convertOne(const QFileInfo& file, const QString& number, con
     if (!progress(
             pickLang("変換中 (%1/%2): %3", "Converting (%1/%2): %3").arg(number, total, file.fileName())))
         return false;
+    // By now somebody else may have made a folder of that name; it is not ours to write into.
+    if (!hasFolder) {
+        ++counts.failed;
+        return true;
+    }
 
     QDir().mkpath(targetFolder);
     const QString target = targetFolder + u'/' + file.completeBaseName() + u'.' + extension;

@@ -40,7 +40,8 @@ public:
     /// @param sourceFolder  absolute; its name becomes that of the new folder
     ConversionRun(QString sourceFolder, QString outputFolder, QString formatData, Progress progress);
 
-    /// The new folder is gone again when nothing was converted.
+    /// The new folder is gone again when nothing was converted. Where it cannot
+    /// be made, every file that is not skipped fails.
     ConversionCounts convert(const QFileInfoList& files);
 
 private:
@@ -55,6 +56,7 @@ private:
     Progress progress;
 
     QString runFolder;
+    bool hasFolder = false; ///< runFolder came into being for this run
     QString currentFolder; ///< of the source file before; empty at the start
     QString targetFolder;  ///< what becomes of currentFolder
     ConversionCounts counts;

@@ -2,13 +2,12 @@
 
 #include "convert/ConversionRun.h"
 
-#include "base/Language.h"
 #include "convert/FolderOfAudio.h"
 #include "support/DiscMaker.h"
 #include "support/FileSizeLimit.h"
+#include "support/Language.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -22,6 +21,8 @@ using Counts = std::array<int, 3>;
 
 class ConversionTrouble : public ::testing::Test {
 protected:
+    void SetUp() override { speak(2); }
+
     /// @param before  called with the number of each file, from 1
     Counts run(const std::function<void(int)>& before = {}, const char* format = "FLAC")
     {
@@ -205,6 +206,37 @@ TEST_F(ConversionTrouble, AFolderThatSomebodyElseMakesMeanwhileStays)
     EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/letter.txt"}));
 }
 
+TEST_F(ConversionTrouble, AFolderThatSomebodyElseMakesMeanwhileKeepsFilesOfTheSameNames)
+{
+    place.addWave(QStringLiteral("1.wav"));
+    place.add(QStringLiteral("2.wav"), "broken");
+    place.add(QStringLiteral("3.flac"), "same");
+    QDir().mkpath(place.output());
+    writeFile(place.output(), QStringLiteral("Album"), "a letter");
+    const Counts counts = run([this](int number) {
+        if (number > 1)
+            return;
+        QFile::remove(place.runFolder());
+        QDir().mkpath(place.runFolder());
+        for (const char* name : {"1.flac", "2.flac", "3.flac"})
+            writeFile(place.runFolder(), QLatin1String(name), name);
+    });
+    EXPECT_EQ(counts, (Counts{0, 2, 1}));
+    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/1.flac", "Album/2.flac", "Album/3.flac"}));
+    for (const char* name : {"1.flac", "2.flac", "3.flac"})
+        EXPECT_EQ(contentOf(place.runFolder() + QLatin1Char('/') + QLatin1String(name)), name);
+}
+
+TEST_F(ConversionTrouble, AFileInThePlaceOfTheRunFolderThatGoesAwayIsNotReplaced)
+{
+    for (const char* name : {"1.wav", "2.wav"})
+        place.addWave(QLatin1String(name));
+    QDir().mkpath(place.output());
+    writeFile(place.output(), QStringLiteral("Album"), "a letter");
+    EXPECT_EQ(run([this](int) { QFile::remove(place.runFolder()); }), (Counts{0, 2, 0}));
+    EXPECT_TRUE(place.outputTree().isEmpty());
+}
+
 TEST_F(ConversionTrouble, ALinkInThePlaceOfTheRunFolderStays)
 {
     place.add(QStringLiteral("1.wav"), "broken");
@@ -224,7 +256,10 @@ TEST_F(ConversionTrouble, RemovingTheRunFolderFollowsNoLink)
 {
     place.add(QStringLiteral("1.wav"), "broken");
     const QString folder = precious();
-    EXPECT_EQ(run([&](int) { QFile::link(folder, place.runFolder() + QStringLiteral("/inside")); }), (Counts{0, 1, 0}));
+    bool linked = false;
+    EXPECT_EQ(run([&](int) { linked = QFile::link(folder, place.runFolder() + QStringLiteral("/inside")); }),
+              (Counts{0, 1, 0}));
+    EXPECT_TRUE(linked);
     EXPECT_FALSE(QFileInfo::exists(place.runFolder()));
     EXPECT_EQ(FolderOfAudio::below(folder), QStringList{"letter.txt"});
 
