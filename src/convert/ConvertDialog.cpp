@@ -2,6 +2,7 @@
 
 #include "base/Language.h"
 #include "convert/ConversionRun.h"
+#include "convert/StatusLabel.h"
 
 #include <QComboBox>
 #include <QCoreApplication>
@@ -43,7 +44,9 @@ void alignFields(const QList<QLabel*>& labels)
     // Not by their size hints, which a label would keep and not renew.
     const auto textWidth = [](QLabel* label) {
         label->ensurePolished();
-        return label->fontMetrics().horizontalAdvance(label->text());
+        // The rounding, too, has to be a label's own.
+        constexpr QRect room(0, 0, 4096, 4096);
+        return label->fontMetrics().boundingRect(room, Qt::TextShowMnemonic, label->text()).width();
     };
     int widest = labelWidth;
     for (QLabel* label : labels)
@@ -107,11 +110,7 @@ ConvertDialog::ConvertDialog(QWidget* parent) : QDialog(parent)
     convertButton->setObjectName(QStringLiteral("ripBtn"));
     convertButton->setFixedHeight(36);
     convertButton->setAutoDefault(false);
-    statusLabel = new QLabel;
-    statusLabel->setWordWrap(true);
-    statusLabel->setTextFormat(Qt::PlainText);
-    // A long file name without blanks must not make the dialog as long.
-    statusLabel->setMinimumWidth(1);
+    statusLabel = new StatusLabel;
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(row(pickLang("① 変換元フォルダ:", "① Source folder:"), sourceEdit, sourceBrowse));
