@@ -1,14 +1,12 @@
 #include "convert/ConversionRun.h"
 
-#include "base/Language.h"
-#include "base/Settings.h"
 #include "codecs/EncoderOptions.h"
 #include "convert/FolderOfAudio.h"
 #include "support/DiscMaker.h"
+#include "support/Language.h"
 #include "support/Tool.h"
 
 #include <QDir>
-#include <QSettings>
 
 #include <gtest/gtest.h>
 
@@ -20,12 +18,6 @@ class ConversionRunTest : public ::testing::Test {
 protected:
     void SetUp() override { speak(2); }
     void TearDown() override { encoderOptions = EncoderOptions(); }
-
-    static void speak(int languageMode)
-    {
-        QSettings().setValue(QLatin1String(settings::language), languageMode);
-        loadLanguage();
-    }
 
     ConversionCounts run(const char* format = "FLAC")
     {

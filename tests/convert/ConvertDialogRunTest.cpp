@@ -2,15 +2,14 @@
 
 #include "convert/ConvertDialog.h"
 
-#include "base/Language.h"
-#include "base/Settings.h"
 #include "convert/ConvertDialogView.h"
 #include "convert/FolderOfAudio.h"
+#include "support/Language.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QMainWindow>
 #include <QPointer>
-#include <QSettings>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -21,8 +20,7 @@ class ConvertDialogRun : public ::testing::Test {
 protected:
     ConvertDialogRun()
     {
-        QSettings().setValue(QLatin1String(settings::language), 2);
-        loadLanguage();
+        speak(2);
         window = std::make_unique<QMainWindow>();
         window->show();
         dialog = new ConvertDialog(window.get());
@@ -38,12 +36,16 @@ protected:
     /// Clicks Convert, and acts once when the run first lets events through.
     void convertAnd(const std::function<void()>& act)
     {
-        QTimer::singleShot(0, qApp, [this, act] {
-            if (dialog)
-                runningStatus = view().status();
+        runningStatus.clear();
+        QTimer moment;
+        moment.setSingleShot(true);
+        QObject::connect(&moment, &QTimer::timeout, [this, act] {
+            runningStatus = view().status();
             act();
         });
+        moment.start(0);
         view().click();
+        EXPECT_TRUE(runningStatus.startsWith(QStringLiteral("Converting (1/"))) << "acted in the middle of the run";
     }
 
     int convertedFiles() const { return static_cast<int>(place.outputTree().filter(QStringLiteral(".flac")).size()); }
