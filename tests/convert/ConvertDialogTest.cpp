@@ -94,8 +94,7 @@ TEST_P(ConvertDialogTest, WhatIsMissingIsSaidAndTheFormStaysReady)
 
     QDir().mkpath(place.source() + QStringLiteral("/CD1"));
     place.addWave(QStringLiteral("CD1/1.wav"));
-    EXPECT_EQ(convert(place.source(), place.output() + QStringLiteral("/new/one")),
-              nothingFound());
+    EXPECT_EQ(convert(place.source(), place.output() + QStringLiteral("/new/one")), nothingFound());
     EXPECT_TRUE(QFileInfo(place.output() + QStringLiteral("/new/one")).isDir());
     EXPECT_EQ(view().convert()->text(), text("変換", "Convert"));
     EXPECT_TRUE(view().convert()->isEnabled());
@@ -114,7 +113,8 @@ TEST_P(ConvertDialogTest, AnEmptyOutputFollowsThePickedSource)
 TEST_P(ConvertDialogTest, TheOutputPickerStartsAtTheFolderInItsField)
 {
     view().output()->setText(place.source());
-    EXPECT_EQ(pickPath(view().outputBrowse(), place.top()), (QStringList{text("出力先フォルダを選択", "Select output folder"), place.source()}));
+    EXPECT_EQ(pickPath(view().outputBrowse(), place.top()),
+              (QStringList{text("出力先フォルダを選択", "Select output folder"), place.source()}));
     EXPECT_EQ(view().output()->text(), place.top());
     pickPath(view().outputBrowse(), QString());
     EXPECT_EQ(view().output()->text(), place.top());

@@ -2,9 +2,12 @@
 
 #include "convert/ConvertDialog.h"
 #include "support/DiscMaker.h"
+#include "support/Language.h"
 
 #include <QApplication>
 #include <QComboBox>
+#include <QFileInfo>
+#include <QLabel>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -14,7 +17,7 @@
 
 namespace {
 
-class ConvertButton : public ::testing::Test {
+class ConvertButton : public ::testing::TestWithParam<int> {
 protected:
     void SetUp() override { QSettings().clear(); }
 
@@ -24,11 +27,13 @@ protected:
     }
 };
 
+INSTANTIATE_TEST_SUITE_P(Both, ConvertButton, bothLanguages, nameOfLanguage);
+
 } // namespace
 
-TEST_F(ConvertButton, EachClickShowsANewModalDialogWithoutWaiting)
+TEST_P(ConvertButton, EachClickShowsANewModalDialogWithoutWaiting)
 {
-    WindowDriver app(2);
+    WindowDriver app(GetParam());
     for (int opening = 1; opening <= 2; ++opening) {
         WindowDriver::click(app.find<QPushButton>("convertBtn"));
         ASSERT_EQ(dialogs(app).size(), opening);
@@ -41,9 +46,9 @@ TEST_F(ConvertButton, EachClickShowsANewModalDialogWithoutWaiting)
     }
 }
 
-TEST_F(ConvertButton, TheDialogTakesTheLookOfTheWindow)
+TEST_P(ConvertButton, TheDialogTakesTheLookOfTheWindow)
 {
-    WindowDriver app(2);
+    WindowDriver app(GetParam());
     WindowDriver::click(app.find<QPushButton>("convertBtn"));
     ConvertDialog* shown = dialogs(app).value(0);
     ASSERT_NE(shown, nullptr);
@@ -53,9 +58,9 @@ TEST_F(ConvertButton, TheDialogTakesTheLookOfTheWindow)
     EXPECT_EQ(combo->palette().color(QPalette::Text), QColor(0x4d, 0xb8, 0xff));
 }
 
-TEST_F(ConvertButton, ItIsReachedOnEveryStep)
+TEST_P(ConvertButton, ItIsReachedOnEveryStep)
 {
-    WindowDriver app(2);
+    WindowDriver app(GetParam());
     for (int step = 0; step <= 3; ++step) {
         app.advanceTo(step);
         WindowDriver::click(app.find<QPushButton>("convertBtn"));
@@ -64,22 +69,35 @@ TEST_F(ConvertButton, ItIsReachedOnEveryStep)
     }
 }
 
-TEST_F(ConvertButton, TheWindowMayGoInTheMiddleOfARun)
+TEST_P(ConvertButton, TheWindowMayGoInTheMiddleOfARun)
 {
     QTemporaryDir place;
     const QString source = place.path() + QStringLiteral("/Album");
+    const QString output = place.path() + QStringLiteral("/Out");
     ASSERT_TRUE(QDir().mkpath(source));
     for (const char* name : {"1.wav", "2.wav", "3.wav"})
         writeFile(source, QLatin1String(name), wrapInWave(makeAudio(1, 1)));
-    WindowDriver app(2);
+    WindowDriver app(GetParam());
     WindowDriver::click(app.find<QPushButton>("convertBtn"));
     QDialog* shown = dialogs(app).value(0);
     ASSERT_NE(shown, nullptr);
     const auto fields = shown->findChildren<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly);
     fields[0]->setText(source);
-    fields[1]->setText(place.path() + QStringLiteral("/Out"));
-    QTimer::singleShot(0, qApp, [&app] { app.destroyWindow(); });
+    fields[1]->setText(output);
+    QString running;
+    bool folderWasMade = false;
+    QTimer moment;
+    moment.setSingleShot(true);
+    QObject::connect(&moment, &QTimer::timeout, [&] {
+        running = shown->findChildren<QLabel*>().last()->text();
+        folderWasMade = QFileInfo(output + QStringLiteral("/Album")).isDir();
+        app.destroyWindow();
+    });
+    moment.start(0);
     WindowDriver::click(shown->findChildren<QPushButton*>().last());
-    EXPECT_TRUE(QDir(place.path() + QStringLiteral("/Out")).isEmpty());
+    EXPECT_EQ(running, textIn(GetParam(), "変換中 (1/3): 1.wav", "Converting (1/3): 1.wav"));
+    EXPECT_TRUE(folderWasMade);
+    EXPECT_TRUE(QFileInfo(output).isDir());
+    EXPECT_TRUE(QDir(output).isEmpty());
     EXPECT_EQ(QDir(source).entryList(QDir::Files).size(), 3);
 }

@@ -1,14 +1,14 @@
 #include "ui/SettingsView.h"
 
-#include "base/Language.h"
-#include "base/Settings.h"
 #include "support/DiscMaker.h"
+#include "support/Language.h"
 #include "ui/Restart.h"
 
 #include <QApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QRadioButton>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -26,7 +26,7 @@ public:
     QStringList started;
 };
 
-class SettingsOk : public ::testing::Test {
+class SettingsOk : public ::testing::TestWithParam<int> {
 protected:
     void SetUp() override { QSettings().clear(); }
 
@@ -38,6 +38,8 @@ protected:
             EXPECT_EQ(view.dialog->result(), QDialog::Accepted);
         }));
     }
+
+    static QString text(const char* ja, const char* en) { return textIn(GetParam(), ja, en); }
 
     static QVariant stored(const char* key) { return QSettings().value(QLatin1String(key)); }
     static QStringList driveKeys()
@@ -74,13 +76,29 @@ protected:
         app.shelf().product = "DW";
         app.advanceTo(2);
     }
+
+    /// Rips what is in the drive as WAV files.
+    /// @return the line of the log that says how
+    QString readModeOfARip(WindowDriver& app)
+    {
+        app.outputPath()->setText(folder.path());
+        app.advanceTo(1);
+        app.onPage<QRadioButton>(1, "fmtRadio", 1)->click();
+        app.advanceTo(3);
+        EXPECT_FALSE(app.runRip().isEmpty());
+        return app.logLines().filter(QStringLiteral("Read mode")).value(0);
+    }
+
+    QTemporaryDir folder;
 };
+
+INSTANTIATE_TEST_SUITE_P(Both, SettingsOk, bothLanguages, nameOfLanguage);
 
 } // namespace
 
-TEST_F(SettingsOk, WritesAllFourKeysEvenUnchanged)
+TEST_P(SettingsOk, WritesAllFourKeysEvenUnchanged)
 {
-    WindowDriver app(2);
+    WindowDriver app(GetParam());
     pressOk(app, [](const SettingsView&) {});
     EXPECT_EQ(stored(settings::maxRetries).toInt(), 20);
     EXPECT_EQ(stored(settings::sampleOffset).toInt(), 0);
@@ -95,9 +113,9 @@ TEST_F(SettingsOk, WritesAllFourKeysEvenUnchanged)
     EXPECT_EQ(stored(settings::namingRule).toString(), QStringLiteral("{track}. {title}"));
 }
 
-TEST_F(SettingsOk, NewValuesAreInForceAndStored)
+TEST_P(SettingsOk, NewValuesAreInForceAndStored)
 {
-    WindowDriver app(2);
+    WindowDriver app(GetParam());
     pressOk(app, [](const SettingsView& view) {
         view.retries()->setValue(55);
         view.offset()->setValue(-48);
@@ -109,7 +127,7 @@ TEST_F(SettingsOk, NewValuesAreInForceAndStored)
     EXPECT_EQ(stored(settings::defaultDir).toString(), QStringLiteral("/music/new"));
     EXPECT_EQ(stored(settings::namingRule).toString(), QStringLiteral("{artist} - {title}"));
     EXPECT_EQ(app.outputPath()->text(), QStringLiteral("/music/new"));
-    EXPECT_TRUE(app.onPage<QLabel>(1, "previewLabel")->text().contains(QStringLiteral("Artist - Title.flac")));
+    EXPECT_TRUE(app.onPage<QLabel>(1, "previewLabel")->text().contains(text("アーティスト名 - 曲名.flac", "Artist - Title.flac")));
     EXPECT_TRUE(withSettings(app, [](const SettingsView& view) {
         EXPECT_EQ(view.retries()->value(), 55);
         EXPECT_EQ(view.offset()->value(), -48);
@@ -118,9 +136,9 @@ TEST_F(SettingsOk, NewValuesAreInForceAndStored)
     }));
 }
 
-TEST_F(SettingsOk, AnUntouchedFolderReplacesTheOneOfTheOutputPage)
+TEST_P(SettingsOk, AnUntouchedFolderReplacesTheOneOfTheOutputPage)
 {
-    WindowDriver app(2);
+    WindowDriver app(GetParam());
     app.outputPath()->setText(QStringLiteral("/only/this/run"));
     pressOk(app, [](const SettingsView&) {});
     EXPECT_EQ(app.outputPath()->text(), music());
@@ -132,33 +150,41 @@ TEST_F(SettingsOk, AnUntouchedFolderReplacesTheOneOfTheOutputPage)
     EXPECT_EQ(app.outputPath()->text(), QStringLiteral("/only/this/run"));
 }
 
-TEST_F(SettingsOk, AClearedFolderKeepsTheOldDefault)
+TEST_P(SettingsOk, AClearedFolderKeepsTheOldDefault)
 {
     QSettings().setValue(QLatin1String(settings::defaultDir), QStringLiteral("/old"));
-    WindowDriver app(2);
+    WindowDriver app(GetParam());
     pressOk(app, [](const SettingsView& view) { view.folder()->setText(QStringLiteral("   ")); });
     EXPECT_EQ(stored(settings::defaultDir).toString(), QStringLiteral("/old"));
     EXPECT_EQ(app.outputPath()->text(), QStringLiteral("/old"));
 }
 
-TEST_F(SettingsOk, AnEmptyRuleBecomesTheDefault)
+TEST_P(SettingsOk, AnEmptyRuleBecomesTheDefault)
 {
-    WindowDriver app(2);
+    WindowDriver app(GetParam());
     pressOk(app, [](const SettingsView& view) { view.rule()->setText(QStringLiteral("   ")); });
     EXPECT_EQ(stored(settings::namingRule).toString(), QStringLiteral("{track}. {title}"));
 }
 
-TEST_F(SettingsOk, AStoredValueOutOfRangeEndsAtTheLimit)
+TEST_P(SettingsOk, AStoredValueOutOfRangeIsInForceAndEndsAtTheLimit)
 {
     QSettings().setValue(QLatin1String(settings::maxRetries), 500);
-    WindowDriver app(2);
+    WindowDriver app(GetParam(), {QStringLiteral("/dev/sr0")});
+    readDrive(app);
+    EXPECT_EQ(readModeOfARip(app),
+              QStringLiteral("Read mode   : secure - C2 error pointers (max 500 re-reads / sector)"));
     pressOk(app, [](const SettingsView& view) { EXPECT_EQ(view.retries()->value(), 100); });
     EXPECT_EQ(stored(settings::maxRetries).toInt(), 100);
+
+    WindowDriver next(GetParam(), {QStringLiteral("/dev/sr0")});
+    readDrive(next);
+    EXPECT_EQ(readModeOfARip(next),
+              QStringLiteral("Read mode   : secure - C2 error pointers (max 100 re-reads / sector)"));
 }
 
-TEST_F(SettingsOk, AnOffsetChangedWithADriveKnownIsThatDrivesOwn)
+TEST_P(SettingsOk, AnOffsetChangedWithADriveKnownIsThatDrivesOwn)
 {
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    WindowDriver app(GetParam(), {QStringLiteral("/dev/sr0")});
     readDrive(app);
     QString model;
     pressOk(app, [&model](const SettingsView& view) {
@@ -177,7 +203,7 @@ TEST_F(SettingsOk, AnOffsetChangedWithADriveKnownIsThatDrivesOwn)
 
     // The next reading of the drive finds it again.
     QSettings().setValue(QLatin1String(settings::sampleOffset), 0);
-    WindowDriver next(2, {QStringLiteral("/dev/sr0")});
+    WindowDriver next(GetParam(), {QStringLiteral("/dev/sr0")});
     readDrive(next);
     EXPECT_TRUE(withSettings(next, [&model](const SettingsView& view) {
         EXPECT_EQ(view.offset()->value(), 667);
@@ -185,72 +211,87 @@ TEST_F(SettingsOk, AnOffsetChangedWithADriveKnownIsThatDrivesOwn)
     }));
 }
 
-TEST_F(SettingsOk, AnUnchangedOffsetLeavesTheDriveAlone)
+TEST_P(SettingsOk, AnUnchangedOffsetLeavesTheDriveAlone)
 {
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    WindowDriver app(GetParam(), {QStringLiteral("/dev/sr0")});
     readDrive(app);
-    pressOk(app, [](const SettingsView& view) { view.retries()->setValue(5); });
+    pressOk(app, [](const SettingsView&) {});
     EXPECT_TRUE(driveKeys().isEmpty());
+    for (const char* key : {settings::maxRetries, settings::sampleOffset, settings::defaultDir, settings::namingRule})
+        EXPECT_TRUE(stored(key).isValid()) << key;
+
+    // A drive with an offset of its own keeps it, and it becomes the general one.
+    const QString own = driveOffsetKey(QStringLiteral("AC/ME - DW"));
+    QSettings().setValue(own + QStringLiteral("/offset"), 6);
+    QSettings().setValue(own + QStringLiteral("/source"), QStringLiteral("measured"));
+    WindowDriver next(GetParam(), {QStringLiteral("/dev/sr0")});
+    readDrive(next);
+    pressOk(next, [](const SettingsView& view) { EXPECT_EQ(view.offset()->value(), 6); });
+    EXPECT_EQ(QSettings().value(own + QStringLiteral("/offset")).toInt(), 6);
+    EXPECT_EQ(QSettings().value(own + QStringLiteral("/source")).toString(), QStringLiteral("measured"));
+    EXPECT_EQ(driveKeys().size(), 2);
+    EXPECT_EQ(stored(settings::sampleOffset).toInt(), 6);
 }
 
-TEST_F(SettingsOk, AnOffsetWithoutADriveIsTheGeneralOne)
+TEST_P(SettingsOk, AnOffsetWithoutADriveIsTheGeneralOne)
 {
-    WindowDriver app(2);
+    WindowDriver app(GetParam());
     pressOk(app, [](const SettingsView& view) { view.offset()->setValue(12); });
     EXPECT_EQ(stored(settings::sampleOffset).toInt(), 12);
     EXPECT_TRUE(driveKeys().isEmpty());
 }
 
-TEST_F(SettingsOk, ALanguageChangedAndChangedBackAsksTwice)
+TEST_P(SettingsOk, ALanguageChangedAndChangedBackAsksTwice)
 {
     RecordingStarter starter;
     const ProgramStarterOverride override(starter);
-    WindowDriver app(2);
-    const QStringList question{"Display Language",
-                               "The new display language will be applied after restarting.\nRestart now?"};
-    EXPECT_EQ(changeLanguage(app, 1, QMessageBox::No), question);
-    EXPECT_EQ(stored(settings::language).toInt(), 1);
-    EXPECT_FALSE(isJapanese());
-    EXPECT_EQ(changeLanguage(app, 2, QMessageBox::No), question);
-    EXPECT_EQ(stored(settings::language).toInt(), 2);
+    WindowDriver app(GetParam());
+    const QStringList question{text("表示言語の変更", "Display Language"),
+                               text("表示言語の変更は、アプリの再起動後に反映されます。\n今すぐ再起動しますか？",
+                                    "The new display language will be applied after restarting.\nRestart now?")};
+    const int other = GetParam() == 1 ? 2 : 1;
+    EXPECT_EQ(changeLanguage(app, other, QMessageBox::No), question);
+    EXPECT_EQ(stored(settings::language).toInt(), other);
+    EXPECT_EQ(isJapanese(), GetParam() == 1) << "until the next start";
+    EXPECT_EQ(changeLanguage(app, GetParam(), QMessageBox::No), question);
+    EXPECT_EQ(stored(settings::language).toInt(), GetParam());
     EXPECT_TRUE(starter.started.isEmpty());
     EXPECT_TRUE(app.window().isVisible());
 }
 
-TEST_F(SettingsOk, TheQuestionInJapanese)
+TEST_P(SettingsOk, TheChoiceOfTheSystemsLanguageAsksAsWell)
 {
-    WindowDriver app(1);
-    EXPECT_EQ(changeLanguage(app, 0, QMessageBox::No),
-              (QStringList{"表示言語の変更",
-                           "表示言語の変更は、アプリの再起動後に反映されます。\n今すぐ再起動しますか？"}));
+    WindowDriver app(GetParam());
+    EXPECT_EQ(changeLanguage(app, 0, QMessageBox::No).value(0), text("表示言語の変更", "Display Language"));
     EXPECT_EQ(stored(settings::language).toInt(), 0);
+    EXPECT_TRUE(changeLanguage(app, 0, QMessageBox::No).isEmpty()) << "nothing changed this time";
 }
 
-TEST_F(SettingsOk, YesStartsTheProgramAnewAndEndsThisOne)
+TEST_P(SettingsOk, YesStartsTheProgramAnewAndEndsThisOne)
 {
     RecordingStarter starter;
     const ProgramStarterOverride override(starter);
-    WindowDriver app(2);
-    QTimer::singleShot(0, [&app] { changeLanguage(app, 1, QMessageBox::Yes); });
+    WindowDriver app(GetParam());
+    QTimer::singleShot(0, [&app] { changeLanguage(app, 0, QMessageBox::Yes); });
     QTimer patience;
     QObject::connect(&patience, &QTimer::timeout, [] { QCoreApplication::exit(1); });
     patience.start(10000);
     EXPECT_EQ(QApplication::exec(), 0);
     EXPECT_EQ(starter.started, QStringList{QCoreApplication::applicationFilePath()});
-    EXPECT_EQ(stored(settings::language).toInt(), 1);
+    EXPECT_EQ(stored(settings::language).toInt(), 0);
 }
 
 TEST(ProgramStarter, TheProgramStartedLivesOnItsOwn)
 {
     QTemporaryDir folder;
     const QString script = writeFile(folder.path(), QStringLiteral("a program"),
-                                     "#!/bin/sh\necho \"$# $PWD\" > \"$0.tmp\" && mv \"$0.tmp\" \"$0.ran\"\n");
+                                     "#!/bin/sh\necho \"$# $(pwd -P)\" > \"$0.tmp\" && mv \"$0.tmp\" \"$0.ran\"\n");
     ASSERT_TRUE(QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     ProgramStarter().start(script);
     QFile trace(script + QStringLiteral(".ran"));
     ASSERT_TRUE(QTest::qWaitFor([&trace] { return trace.exists(); }, 10000));
     ASSERT_TRUE(trace.open(QIODevice::ReadOnly));
-    EXPECT_EQ(QString::fromLocal8Bit(trace.readAll()).trimmed(), QStringLiteral("0 ") + QDir::currentPath());
+    EXPECT_EQ(QString::fromLocal8Bit(trace.readAll()).trimmed(), QStringLiteral("0 ") + QDir(QDir::currentPath()).canonicalPath());
 }
 
 TEST(ProgramStarter, AProgramThatIsNotThereHurtsNobody)
