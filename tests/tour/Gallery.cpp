@@ -60,7 +60,11 @@ int main(int argc, char** argv)
                                          .arg(folder, name)
                                          .arg(++number, 2, 10, QLatin1Char('0'))
                                          .arg(QString(shot.caption).replace(QLatin1Char(' '), QLatin1Char('-')));
-                saved += shot.picture.save(file);
+                if (!shot.picture.save(file)) {
+                    out << "Cannot write " << file << Qt::endl;
+                    return 1;
+                }
+                ++saved;
             }
             if (!saveContactSheet(QStringLiteral("%1/sheet-%2.png").arg(folder, name), shots))
                 return 1;

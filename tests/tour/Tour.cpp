@@ -8,6 +8,7 @@
 #include "tour/TourGuide.h"
 #include "tour/WizardWalk.h"
 #include "ui/Fonts.h"
+#include "ui/LookupChains.h"
 #include "ui/MainWindow.h"
 #include "ui/ProgramInfo.h"
 #include "ui/Resources.h"
@@ -79,8 +80,7 @@ int main(int argc, char** argv)
     TourGuide guide(window, options.language, options.shots);
     DialogWalk(guide, options.sources, options.output + QStringLiteral("-converted")).walk();
     WizardWalk(guide, {options.format, options.cue, options.cover, options.output}).walk();
-    // The window's threads are done by now; a worker that lingers must not turn a
-    // complete walk into a crash at exit.
     window.close();
+    endLookups();
     return 0;
 }

@@ -22,7 +22,7 @@ void say(const QString& line)
     QTextStream(stdout) << line << Qt::endl;
 }
 
- void giveUp(const QString& reason)
+void giveUp(const QString& reason)
 {
     say(QStringLiteral("Tour failed: ") + reason);
     std::_Exit(1);
