@@ -5,6 +5,7 @@
 #include "convert/ConvertDialog.h"
 #include "disc/CdDrive.h"
 #include "rip/RipWorker.h"
+#include "ui/AbruptEnd.h"
 #include "ui/DrawThrottle.h"
 #include "ui/LogViewer.h"
 #include "ui/PageArea.h"
@@ -30,8 +31,6 @@
 #include <QTableWidget>
 #include <QThread>
 #include <QVBoxLayout>
-
-#include <cstdlib>
 
 namespace {
 
@@ -86,16 +85,16 @@ MainWindow::~MainWindow()
     }
     QDeadlineTimer patience(stopMilliseconds);
     for (const RunningRip& rip : runningRips) {
-        if (rip.thread->wait(patience)) {
-            if (!rip.ended)
-                delete rip.worker;
-            continue;
-        }
         // An encoder in the middle of a long track, or a drive that hangs, cannot
         // be asked to stop. The process ends under it, before anything that it
         // uses is taken away.
-        QFile::remove(rip.worker->unfinishedFile());
-        std::_Exit(EXIT_SUCCESS);
+        if (!rip.thread->wait(patience)) {
+            QFile::remove(rip.worker->unfinishedFile());
+            abruptEnd().endProcess();
+            rip.thread->wait();
+        }
+        if (!rip.ended)
+            delete rip.worker;
     }
 }
 

@@ -38,7 +38,8 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
     MainWindow();
-    /// Stops the rips that run and waits for them, at most 5 s.
+    /// Stops the rips that run and waits for them, at most 4 s: under one that
+    /// does not stop by then, the process ends.
     ~MainWindow() override;
 
 private Q_SLOTS:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/AbruptEnd.h"
 #include "ui/MainWindow.h"
 
 #include <QDialog>
@@ -20,7 +21,22 @@
 class DriveShelf : public SimulatedDrive {
 public:
     QStringList enumerateDrives() override { return letters; }
+    qint64 nowNanoseconds() override
+    {
+        if (onClock)
+            onClock();
+        return SimulatedDrive::nowNanoseconds();
+    }
+
     QStringList letters;
+    /// Called whenever a read is timed, on the thread that reads.
+    std::function<void()> onClock;
+};
+
+/// A rip that does not stop fails its test program.
+class FailingEnd : public AbruptEnd {
+public:
+    void endProcess() override;
 };
 
 /// Takes a real window through its steps as a user would: by clicks and typed
@@ -89,5 +105,7 @@ public:
 private:
     DriveShelf drives;
     DrivePlatformOverride platform{drives};
+    FailingEnd failingEnd;
+    AbruptEndOverride end{failingEnd};
     std::unique_ptr<MainWindow> frame;
 };

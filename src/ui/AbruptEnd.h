@@ -1,0 +1,26 @@
+#pragma once
+
+/// Ends the process at once, past all destructors: the way out when a rip
+/// cannot be asked to stop.
+class AbruptEnd {
+public:
+    virtual ~AbruptEnd() = default;
+    /// As a success: the user closed the window, and it closes. Does not return,
+    /// other than from a stand-in that has seen to it that the rip stops.
+    virtual void endProcess();
+};
+
+/// Puts another end in place for its lifetime.
+class AbruptEndOverride {
+public:
+    explicit AbruptEndOverride(AbruptEnd& replacement);
+    ~AbruptEndOverride();
+    AbruptEndOverride(const AbruptEndOverride&) = delete;
+    AbruptEndOverride& operator=(const AbruptEndOverride&) = delete;
+
+private:
+    AbruptEnd* previous;
+};
+
+/// The end in use.
+AbruptEnd& abruptEnd();
