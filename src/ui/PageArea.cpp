@@ -8,6 +8,8 @@ PageArea::PageArea(QWidget* page)
 {
     setFrameShape(QFrame::NoFrame);
     setWidget(page);
+    // Its fields are what Tab goes through; a stop at the area itself is seen nowhere.
+    setFocusPolicy(Qt::NoFocus);
     page->installEventFilter(this);
 }
 
