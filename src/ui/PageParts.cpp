@@ -1,6 +1,7 @@
 #include "ui/PageParts.h"
 
 #include "disc/DiscModel.h"
+#include "ui/LinkLabel.h"
 
 #include <QGroupBox>
 #include <QHeaderView>
@@ -22,12 +23,8 @@ QLabel* label(const QString& text, const char* objectName)
 
 QLabel* linkLabel(const QString& text, const QString& address, const QString& linkText)
 {
-    auto* made = new QLabel(
+    return new LinkLabel(
         text.arg(QStringLiteral("<a href=\"%1\" style=\"color: #4db8ff;\">%2</a>").arg(address, linkText)));
-    made->setTextFormat(Qt::RichText);
-    made->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-    made->setOpenExternalLinks(true);
-    return made;
 }
 
 QFrame* line()

@@ -108,10 +108,11 @@ QScrollBar::add-page, QScrollBar::sub-page { background: none; }
 
 // Where the keyboard stands. The rules above leave it unseen on all but lists.
 constexpr char focusRules[] = R"(
-#pathEdit:focus, #formEdit:focus, #settingsSpin:focus, QComboBox:focus, #trackTable:focus,
-#backBtn:focus, #browseBtn:focus, #resetBtn:focus, #settingsBtn:focus, #convertBtn:focus { border-color: #4db8ff; }
+#pathEdit:focus, #formEdit:focus, #settingsSpin:focus, #driveCombo:focus, QComboBox:focus,
+#trackTable:focus, #backBtn:focus, #browseBtn:focus, #resetBtn:focus, #settingsBtn:focus,
+#convertBtn:focus { border-color: #4db8ff; }
 #nextBtn:focus, #ripBtn:focus { border-color: #c0d8f0; }
-QRadioButton:focus, QCheckBox:focus, QTabBar:focus { color: #4db8ff; }
+QRadioButton:focus, QCheckBox:focus { color: #4db8ff; }
 QTextEdit:focus { border: 1px solid #0d2a45; }
 )";
 
@@ -120,6 +121,7 @@ QTabWidget::pane { border: none; background: #0a0a0f; }
 QTabBar::tab { background: #070710; color: #4a7aa0; padding: 8px 24px; border: none;
     border-bottom: 2px solid transparent; }
 QTabBar::tab:selected { color: #4db8ff; border-bottom: 2px solid #4db8ff; background: #0a0a0f; }
+QTabBar::tab:selected:focus { color: #c0d8f0; }
 #aboutIcon { background: transparent; border: none; }
 #aboutTitle { color: #4db8ff; font-size: 14pt; font-weight: bold; }
 #aboutVer { color: #2a5a8a; font-size: 9pt; }

@@ -215,9 +215,8 @@ TEST_F(SettingsDialog, EveryFieldHasANameAndTheTabKeyGoesFromTopToBottom)
     openSettings(app, [](const SettingsView& view) {
         auto* link = view.at<QLabel>("progressLabel", 1);
         auto* browse = view.at<QPushButton>("browseBtn");
-        // The label is entered first, and then the link in it.
-        const QList<QWidget*> order{view.retries(), view.offset(), link,            link,          view.folder(),
-                                    browse,         view.rule(),   view.language(), view.cancel(), view.ok()};
+        const QList<QWidget*> order{view.retries(), view.offset(),   link,          view.folder(), browse,
+                                    view.rule(),    view.language(), view.cancel(), view.ok()};
         view.retries()->setFocus();
         for (QWidget* expected : order) {
             EXPECT_EQ(view.dialog->focusWidget(), expected) << expected->objectName().toStdString();

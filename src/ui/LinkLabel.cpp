@@ -1,0 +1,22 @@
+#include "ui/LinkLabel.h"
+
+#include <QFocusEvent>
+
+LinkLabel::LinkLabel(const QString& richText) : QLabel(richText)
+{
+    setTextFormat(Qt::RichText);
+    setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    setOpenExternalLinks(true);
+}
+
+void LinkLabel::focusInEvent(QFocusEvent* event)
+{
+    QLabel::focusInEvent(event);
+    focusNextPrevChild(event->reason() != Qt::BacktabFocusReason);
+}
+
+void LinkLabel::focusOutEvent(QFocusEvent* event)
+{
+    QLabel::focusOutEvent(event);
+    setSelection(0, 0); // the link would stay marked
+}
