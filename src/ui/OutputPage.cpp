@@ -1,6 +1,7 @@
 #include "ui/MainWindow.h"
 
 #include "base/Language.h"
+#include "ui/ElidedLabel.h"
 #include "ui/PageParts.h"
 
 #include <QButtonGroup>
@@ -79,7 +80,9 @@ QWidget* MainWindow::buildOutputPage()
         updateFolderPreview();
     });
 
-    folderPreview = pageparts::label(QString(), "previewLabel");
+    folderPreview = new ElidedLabel; // a naming rule may be of any length
+    folderPreview->setObjectName(QStringLiteral("previewLabel"));
+    folderPreview->setTextFormat(Qt::PlainText);
     auto* preview = new QVBoxLayout;
     preview->addWidget(folderPreview);
 

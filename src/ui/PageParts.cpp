@@ -18,6 +18,7 @@ QLabel* label(const QString& text, const char* objectName)
 {
     auto* made = new QLabel(text);
     made->setObjectName(QLatin1String(objectName));
+    made->setTextFormat(Qt::PlainText);
     return made;
 }
 

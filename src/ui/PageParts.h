@@ -22,6 +22,7 @@ namespace pageparts {
 
 inline constexpr int coverPixels = 140; ///< edge of the cover box
 
+/// A text that is shown as it stands, whatever a title or a path in it looks like.
 QLabel* label(const QString& text, const char* objectName);
 /// A text whose "%1" is a link that opens in the browser, by mouse or keyboard.
 QLabel* linkLabel(const QString& text, const QString& address, const QString& linkText);

@@ -76,7 +76,6 @@ QSpinBox* spinBox(int least, int most, int value)
 QLabel* note(const QString& text)
 {
     auto* made = pageparts::label(text, "progressLabel");
-    made->setTextFormat(Qt::PlainText);
     made->setWordWrap(true);
     return made;
 }
