@@ -85,6 +85,8 @@ private:
 
     // Output: OutputPage.cpp
     QWidget* buildOutputPage();
+    /// The default folder, or else the music folder.
+    QString folderToStartWith() const;
     void updateFolderPreview();
 
     // Metadata: MetadataPage.cpp

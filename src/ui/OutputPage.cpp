@@ -50,9 +50,7 @@ QString sampleFileName(QString rule, int number, const QString& artist, const QS
 QWidget* MainWindow::buildOutputPage()
 {
     outputPathEdit = pageparts::lineEdit("pathEdit", pickLang("フォルダを選択...", "Select folder..."));
-    outputPathEdit->setText(defaultOutputDir.isEmpty()
-                                ? QStandardPaths::writableLocation(QStandardPaths::MusicLocation)
-                                : defaultOutputDir);
+    outputPathEdit->setText(folderToStartWith());
     auto* browse = pageparts::button(pickLang("参照...", "Browse..."), "browseBtn");
     browse->setFixedWidth(80);
     connect(browse, &QPushButton::clicked, this, &MainWindow::onBrowseOutput);
@@ -96,6 +94,12 @@ QWidget* MainWindow::buildOutputPage()
     layout->addStretch();
     updateFolderPreview();
     return page;
+}
+
+QString MainWindow::folderToStartWith() const
+{
+    return defaultOutputDir.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::MusicLocation)
+                                      : defaultOutputDir;
 }
 
 void MainWindow::updateFolderPreview()

@@ -19,7 +19,6 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
-#include <QStandardPaths>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -124,9 +123,7 @@ QGroupBox* MainWindow::buildReadSettings(SettingsFields& fields)
 QGroupBox* MainWindow::buildOutputSettings(SettingsFields& fields)
 {
     auto* folder = pageparts::lineEdit("pathEdit");
-    folder->setText(defaultOutputDir.isEmpty()
-                        ? QStandardPaths::writableLocation(QStandardPaths::MusicLocation)
-                        : defaultOutputDir);
+    folder->setText(folderToStartWith());
     fields.folder = folder;
     fields.rule = pageparts::lineEdit("pathEdit");
     fields.rule->setText(namingRule);
