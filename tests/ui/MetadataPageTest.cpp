@@ -1,6 +1,7 @@
 #include "ui/WindowDriver.h"
 
 #include "support/DiscMaker.h"
+#include "support/Tool.h"
 
 #include <QComboBox>
 #include <QHeaderView>
@@ -108,10 +109,16 @@ TEST_F(MetadataPage, ADriveThatIsGoneLeavesThePageEmptyAndNextEnabled)
     EXPECT_TRUE(app.next()->isEnabled());
 }
 
-TEST_F(MetadataPage, AnAudioFileIsOneTrackWithoutLookup)
+TEST_F(MetadataPage, AnAudioFileIsOneTrackWithoutLookupOrTags)
 {
+    const QString wave = writeFile(folder.path(), QStringLiteral("made.wav"), wrapInWave(makeAudio(10, 1)));
+    const QString song = folder.filePath(QStringLiteral("My.Song.final.flac"));
+    QStringList arguments{QStringLiteral("--silent"), QStringLiteral("-o"), song};
+    for (const char* tag : {"TITLE=Tagged", "ARTIST=Tagged", "ALBUM=Tagged", "DATE=1999", "TRACKNUMBER=7"})
+        arguments << QStringLiteral("-T") << QLatin1String(tag);
+    ASSERT_TRUE(runTool(QStringLiteral("flac"), arguments << wave).ok());
     WindowDriver app(2);
-    app.audioPath()->setText(QStringLiteral("/music/My.Song.final.wav"));
+    app.pickAudio(song);
     app.advanceTo(2);
     ASSERT_EQ(app.tracks()->rowCount(), 1);
     EXPECT_EQ(app.cell(app.tracks(), 0, 0), QStringLiteral("01"));
@@ -119,7 +126,8 @@ TEST_F(MetadataPage, AnAudioFileIsOneTrackWithoutLookup)
     EXPECT_EQ(app.cell(app.tracks(), 0, 2), QStringLiteral("—"));
     EXPECT_EQ(app.album()->placeholderText(), QStringLiteral("Enter album name"));
     EXPECT_EQ(app.artist()->placeholderText(), QStringLiteral("Enter artist name"));
-    EXPECT_TRUE(app.album()->text().isEmpty());
+    for (QLineEdit* field : {app.album(), app.artist(), app.year()})
+        EXPECT_EQ(field->text(), QString()) << "the tags of the file are not read";
     EXPECT_TRUE(app.next()->isEnabled());
 }
 

@@ -1,6 +1,7 @@
 #include "ui/WindowDriver.h"
 
 #include "support/DiscMaker.h"
+#include "support/Tool.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -41,6 +42,13 @@ protected:
     QStringList filesIn(const QString& name)
     {
         return QDir(folder.filePath(name)).entryList(QDir::Files, QDir::Name);
+    }
+
+    /// The size of the "data" chunk, in bytes.
+    static qint64 soundBytes(const QString& path)
+    {
+        const ToolResult bytes = runTool(QStringLiteral("soxi"), {QStringLiteral("-s"), path});
+        return bytes.output.trimmed().toLongLong() * 4;
     }
 
     QTemporaryDir folder;
@@ -139,11 +147,20 @@ TEST_F(RipPage, EditedTitlesReachTheFilesUnlessTheyLookGenerated)
     prepare(app, makeCue());
     app.tracks()->item(0, 1)->setText(QStringLiteral("Track  44"));
     app.tracks()->item(1, 1)->setText(QStringLiteral("Track 2b"));
-    app.tracks()->item(1, 0)->setText(QStringLiteral("77"));
+    // Neither the number nor the time is anything but a text.
+    for (const int row : {0, 1}) {
+        app.tracks()->item(row, 0)->setText(QStringLiteral("77"));
+        app.tracks()->item(row, 2)->setText(QStringLiteral("9:59"));
+    }
     app.advanceTo(3);
     app.runRip();
+    EXPECT_TRUE(app.logLines().contains(QStringLiteral("  Track 02: ✦ saved  (errors:0)")));
     EXPECT_EQ(filesIn(QStringLiteral("Test Artist - Test Album")),
               (QStringList{"01. Alpha.wav", "02. Track 2b.wav"}));
+    for (const char* name : {"01. Alpha.wav", "02. Track 2b.wav"}) {
+        const QString path = folder.filePath(QStringLiteral("Test Artist - Test Album/") + QLatin1String(name));
+        EXPECT_EQ(soundBytes(path), 30 * 2352) << name;
+    }
 }
 
 TEST_F(RipPage, AnOpenCellEditorCommitsAtTheStart)
