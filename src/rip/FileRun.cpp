@@ -1,6 +1,7 @@
 // The run over one audio file.
 
 #include "base/Language.h"
+#include "base/PhysicalMemory.h"
 #include "codecs/IAudioDecoder.h"
 #include "rip/OutputNaming.h"
 #include "rip/RipWorker.h"
@@ -23,11 +24,19 @@ void reserveHint(QList<int>& samples, const IAudioDecoder& decoder)
         samples.reserve(static_cast<qsizetype>(std::min(frames * decoder.format().channels, sensibleValues)));
 }
 
+// The system promises memory that it does not have, and ends the process that
+// takes it, so audio without an end has to be given up before.
+qsizetype mostValues()
+{
+    return static_cast<qsizetype>(physicalMemoryBytes() / 4 * 3 / sizeof(int));
+}
+
 } // namespace
 
 std::optional<QList<int>> RipWorker::decodeAll(IAudioDecoder& decoder) const
 {
     try {
+        const qsizetype most = mostValues();
         QList<int> samples;
         reserveHint(samples, decoder);
         while (!stopping) {
@@ -35,6 +44,8 @@ std::optional<QList<int>> RipWorker::decodeAll(IAudioDecoder& decoder) const
             if (!block)
                 break;
             samples.append(block->samples);
+            if (samples.size() > most)
+                return std::nullopt;
         }
         return samples;
     } catch (const std::bad_alloc&) {

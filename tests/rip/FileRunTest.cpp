@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "RunRecorder.h"
+#include "base/PhysicalMemory.h"
 #include "codecs/DecoderFiles.h"
 #include "support/FileSizeLimit.h"
 #include "support/Tool.h"
@@ -163,7 +164,7 @@ TEST_F(FileRun, ForbiddenCharactersAloneAreTakenOutOfTheName)
     }
 }
 
-TEST_F(FileRun, ASourceInTheRootFolderHasNoFolderName)
+TEST_F(FileRun, AFolderWithoutANameIsACopyOfTheOutputFolderInIt)
 {
     EXPECT_EQ(RipWorker::uniqueFolder(folder.path(), QString()), folder.path() + QStringLiteral("/ - Copy"));
 }
@@ -223,6 +224,7 @@ TEST_F(FileRun, AnEncoderThatFailsIsAFailedTrackAndAnError)
     EXPECT_EQ(run.results[0].errorSectors, allOnes);
     EXPECT_EQ(run.errors, QStringList{QStringLiteral("Encoding failed: ") + source(QStringLiteral("nine.wav"))});
     EXPECT_EQ(run.finishedCount, 1);
+    EXPECT_EQ(QDir(out(QStringLiteral("Album"))).entryList(QDir::Files), QStringList());
 
     useLanguage(1);
     RunRecorder japanese;
@@ -261,6 +263,36 @@ TEST_F(FileRun, AHeaderThatPromisesFarTooMuchDoesNotTakeTheMemory)
     ASSERT_EQ(run.results.size(), 1);
     EXPECT_TRUE(run.results[0].ok);
     EXPECT_EQ(audioOfWave(out(QStringLiteral("Album/01. Song.wav"))).size(), 3000 * 4);
+}
+
+// A header may claim 2^63 bytes, which are all delivered, as silence.
+TEST_F(FileRun, AudioBeyondTheMemoryOfTheMachineIsAFailedTrack)
+{
+    const auto convertDff = [this](RunRecorder& run, quint64 frames) {
+        QByteArray dff = decoderfiles::dff(decoderfiles::dffProperties(2822400, 1), decoderfiles::bits(64, 1));
+        dff.replace(dff.size() - 64 - 8, 8, big(frames));
+        writeAll(source(QStringLiteral("Long.dff")), dff);
+        convert(run, source(QStringLiteral("Long.dff")), OutputWav);
+    };
+    // Three quarters of it may be samples of four bytes each.
+    pretendPhysicalMemory(4 * 20000 * 4 / 3);
+    RunRecorder fitting;
+    convertDff(fitting, 19999);
+    RunRecorder tooLong;
+    convertDff(tooLong, 20001);
+    RunRecorder endless;
+    convertDff(endless, quint64{1} << 63);
+    pretendPhysicalMemory(0);
+
+    ASSERT_EQ(fitting.results.size(), 1);
+    EXPECT_TRUE(fitting.results[0].ok);
+    for (const RunRecorder* run : {&tooLong, &endless}) {
+        ASSERT_EQ(run->results.size(), 1);
+        EXPECT_FALSE(run->results[0].ok);
+        EXPECT_EQ(run->results[0].errorSectors, allOnes);
+        EXPECT_EQ(run->errors, QStringList{QStringLiteral("Encoding failed: ") + source(QStringLiteral("Long.dff"))});
+        EXPECT_EQ(run->finishedCount, 1);
+    }
 }
 
 TEST_F(FileRun, ARunThatIsAskedToStopWritesNothing)
