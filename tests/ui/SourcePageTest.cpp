@@ -89,6 +89,7 @@ TEST_F(SourcePage, ARefreshFindsADrivePluggedInAndLosesOneTakenAway)
     WindowDriver::click(app.onPage<QPushButton>(0, "browseBtn", 0));
     EXPECT_EQ(combo(app)->count(), 0);
     EXPECT_FALSE(combo(app)->isEnabled());
+    EXPECT_EQ(combo(app)->placeholderText(), QStringLiteral("No CD drive detected"));
 }
 
 TEST_F(SourcePage, ACuePickFillsTheMetadataPage)
@@ -201,6 +202,41 @@ TEST_F(SourcePage, ADriveWithoutAnEntryKeepsTheOffsetInForce)
     app.advanceTo(3);
     app.runRip();
     EXPECT_TRUE(app.logLines().contains(QStringLiteral("Read offset : +6  (Settings value)")));
+}
+
+TEST_F(SourcePage, ADriveWithoutAnEntryKeepsTheOffsetOfTheDriveBeforeIt)
+{
+    QSettings().setValue(QStringLiteral("driveOffsets/ACME - DISC READER 9/offset"), 6);
+    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    app.shelf().audio = makeAudio(200, 1);
+    app.advanceTo(2);
+    WindowDriver::click(app.back());
+    app.shelf().product = "STRANGER        ";
+    app.advanceTo(3);
+    app.runRip();
+    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Drive  : ACME - STRANGER")));
+    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Read offset : +6  (Settings value)")));
+}
+
+TEST_F(SourcePage, TheLetterIsFoundInTheTextOfAnItemWithoutData)
+{
+    WindowDriver app(2, {QStringLiteral("D:")});
+    app.shelf().letter = QStringLiteral("D:");
+    app.shelf().audio = makeAudio(200, 1);
+    combo(app)->setItemData(0, QString());
+    app.advanceTo(2);
+    EXPECT_EQ(app.tracks()->rowCount(), 1);
+}
+
+TEST_F(SourcePage, AnItemWithNeitherDataNorALetterIsNoSource)
+{
+    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    app.shelf().audio = makeAudio(200, 1);
+    combo(app)->setItemData(0, QString());
+    app.advanceTo(2);
+    EXPECT_EQ(app.step(), 2);
+    EXPECT_EQ(app.tracks()->rowCount(), 0);
+    EXPECT_TRUE(app.shelf().commands.isEmpty());
 }
 
 TEST_F(SourcePage, ADriveOfUnknownModelSaysSo)
