@@ -9,10 +9,15 @@ LinkLabel::LinkLabel(const QString& richText) : QLabel(richText)
     setOpenExternalLinks(true);
 }
 
+bool LinkLabel::focusNextPrevChild(bool next)
+{
+    return QWidget::focusNextPrevChild(next);
+}
+
 void LinkLabel::focusInEvent(QFocusEvent* event)
 {
     QLabel::focusInEvent(event);
-    focusNextPrevChild(event->reason() != Qt::BacktabFocusReason);
+    QLabel::focusNextPrevChild(true);
 }
 
 void LinkLabel::focusOutEvent(QFocusEvent* event)

@@ -10,6 +10,8 @@ public:
     explicit LinkLabel(const QString& richText);
 
 protected:
+    /// On to the next widget: there is one link, and it has the focus already.
+    bool focusNextPrevChild(bool next) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 };
