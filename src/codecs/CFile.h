@@ -4,7 +4,8 @@
 #include <filesystem>
 #include <memory>
 
-/// A C stream with one owner, for reading or for writing. Libraries that read from it are told not to close it.
+/// A C stream with one owner, for reading or for writing. Libraries that read from
+/// it are told not to close it.
 struct CFileCloser {
     void operator()(std::FILE* handle) const { std::fclose(handle); }
 };

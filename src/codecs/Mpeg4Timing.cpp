@@ -213,7 +213,8 @@ private:
         const std::uint64_t count = std::min(stated, (box.end - box.body) / entryBytes);
         for (std::uint64_t i = 0; i < count && file.good(); ++i) {
             file.readBig<std::uint32_t>(); // the first chunk of its kind
-            tables.samplesAChunk = std::max<std::uint64_t>(tables.samplesAChunk, file.readBig<std::uint32_t>());
+            const std::uint64_t samples = file.readBig<std::uint32_t>();
+            tables.samplesAChunk = std::max(tables.samplesAChunk, samples);
             file.readBig<std::uint32_t>(); // description
         }
     }

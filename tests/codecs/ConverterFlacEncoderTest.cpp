@@ -133,7 +133,8 @@ TEST_F(ConverterFlacEncoderTest, ARefusedFormatLeavesAFileThatStoodThereAsItWas)
     ASSERT_TRUE(standing.open(QIODevice::WriteOnly));
     standing.write("kept");
     standing.close();
-    for (const AudioFormat& format : {AudioFormat{44100, 9, 16}, {44100, 0, 16}, {0, 2, 16}, {705600, 2, 24}}) {
+    for (const AudioFormat& format :
+         {AudioFormat{44100, 9, 16}, {44100, 0, 16}, {0, 2, 16}, {705600, 2, 24}}) {
         EXPECT_FALSE(makeEncoder(FlacEncoderId)->open(toPath(file("standing.flac")), format));
         EXPECT_EQ(readAll(file("standing.flac")), "kept") << format.channels << " " << format.sampleRate;
     }
