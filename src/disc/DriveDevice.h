@@ -8,6 +8,15 @@
 #include <optional>
 #include <span>
 
+/// What a failed command says of the sectors that it asked for.
+enum class DriveFailure {
+    unknown,
+    unreadable,    ///< the drive's own word: it cannot read them
+    timedOut,      ///< no answer within the time limit, or the command was aborted
+    becomingReady, ///< nothing yet: the drive is still looking at its disc
+    notReady       ///< nothing: the drive has no disc, is busy with something else, or is gone
+};
+
 /// The answer to one command sent to a drive. Anything but a command carried
 /// out without complaint is not ok. How much a drive sends is its own affair
 /// for some commands, so a caller that needs all of it asks for all of it.
@@ -17,6 +26,7 @@ struct DriveReply {
     bool ok = false;
     int errorNumber = 0;             ///< the platform's error, for the debug log; set on a short transfer too
     size_t transferred = everything; ///< bytes that came
+    DriveFailure failure = DriveFailure::unknown; ///< of a reply that is not ok
 
     bool delivered(size_t wanted) const { return ok && (transferred == everything || transferred == wanted); }
 };
