@@ -64,6 +64,7 @@ void CdDrive::release()
     c2On = false;
     bytesRead = 0;
     timingStarted = false;
+    lastFreshLba = noBatch;
 }
 
 void CdDrive::emptyCache()
@@ -76,23 +77,50 @@ void CdDrive::emptyCache()
 
 QByteArray CdDrive::readSector(quint32 lba)
 {
-    if (image)
-        return readImageSector(lba);
-    if (batchStartLba == noBatch || lba < batchStartLba || lba - batchStartLba >= batchCount)
-        return readBatch(lba);
-    const auto place = static_cast<qsizetype>(lba - batchStartLba);
-    retriesOfLastRead = 0;
-    c2OfLastRead = static_cast<quint32>(batchC2Counts.value(place, 0));
-    return batchCache.mid(place * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES);
+    return image ? readImageSector(lba) : readPhysicalSector(lba, Purpose::judged);
 }
 
+QByteArray CdDrive::readSectorUnjudged(quint32 lba)
+{
+    return image ? readImageSector(lba) : readPhysicalSector(lba, Purpose::unjudged);
+}
+
+bool CdDrive::isCached(quint32 lba) const
+{
+    return batchStartLba != noBatch && lba >= batchStartLba && lba - batchStartLba < batchCount;
+}
+
+QByteArray CdDrive::readPhysicalSector(quint32 lba, Purpose purpose)
+{
+    QByteArray sector;
+    if (isCached(lba)) {
+        const auto place = static_cast<qsizetype>(lba - batchStartLba);
+        retriesOfLastRead = 0;
+        c2OfLastRead = static_cast<quint32>(batchC2Counts.value(place, 0));
+        sector = batchCache.mid(place * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES);
+    } else {
+        sector = readBatch(lba, purpose);
+    }
+    if (purpose == Purpose::judged && !sector.isEmpty() && device)
+        device->handedOut(lba);
+    return sector;
+}
+
+// A sample check of a sector without a fault may cost one far read; whatever else
+// is read again is in doubt.
 QByteArray CdDrive::readSectorFresh(quint32 lba)
 {
     if (image)
         return readImageSector(lba);
     emptyCache();
-    readBatch(farFrom(lba, freshDistance));
-    return readBatch(lba);
+    if (device && !device->holes().isHole(lba)) {
+        const bool maybeCheck = c2On && lba != lastFreshLba;
+        device->makeCold(lba, boundedBatch(lba),
+                         maybeCheck ? ColdReads::Effort::Once : ColdReads::Effort::Thorough);
+        readBatch(farFrom(lba, freshDistance), Purpose::unjudged);
+    }
+    lastFreshLba = lba;
+    return readPhysicalSector(lba, Purpose::judged);
 }
 
 void CdDrive::flushDriveCache(quint32 lba)
@@ -100,7 +128,9 @@ void CdDrive::flushDriveCache(quint32 lba)
     if (image)
         return;
     emptyCache();
-    readBatch(farFrom(lba, flushDistance));
+    if (device)
+        device->makeAllCold(lba);
+    readBatch(farFrom(lba, flushDistance), Purpose::unjudged);
     emptyCache();
 }
 

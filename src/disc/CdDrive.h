@@ -1,7 +1,7 @@
 #pragma once
 
+#include "disc/ColdReads.h"
 #include "disc/DiscModel.h"
-#include "disc/DriveDevice.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -45,9 +45,12 @@ public:
 
     DiscToc readToc();
     QByteArray readSector(quint32 lba);
+    /// As readSector, for samples that no other reading is held against: what the
+    /// drive remembers will do.
+    QByteArray readSectorUnjudged(quint32 lba);
     /// For a re-read: moves the head away first, so that the drive's cache is left behind.
     QByteArray readSectorFresh(quint32 lba);
-    /// Makes a physical drive leave its cache by a far read; nothing on an image.
+    /// Makes a physical drive leave its cache by far reads; nothing on an image.
     void flushDriveCache(quint32 lba);
 
     /// Whether READ CD delivers believable C2 pointers at this sector.
@@ -68,22 +71,29 @@ public:
 
 private:
     enum class Lease { none, borrowed, closeOnReturn };
+    /// Whether a reading may be held against another one of the same sector.
+    enum class Purpose { judged, unjudged };
 
     void release();
     QByteArray readImageSector(quint32 lba);
     void loadImagePiece(qint64 position);
-    QByteArray readBatch(quint32 lba);
-    bool attemptBatch(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts);
+    QByteArray readPhysicalSector(quint32 lba, Purpose purpose);
+    bool isCached(quint32 lba) const;
+    QByteArray readBatch(quint32 lba, Purpose purpose);
+    bool climbLadder(quint32 lba, quint32 count);
+    bool readAlone(quint32 lba, quint32 failedBatch);
+    bool attemptBatch(quint32 lba, quint32 count);
+    void seekNear(quint32 lba);
+    bool answersProbe(quint32 lba, quint32 count, QList<int>& c2Counts);
     bool readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts);
     quint32 boundedBatch(quint32 lba) const;
-    void keepBatch(quint32 lba, quint32 count, QByteArray data, QList<int> c2Counts);
     void updateSpeed(qint64 started, quint32 count);
     void emptyCache();
 
     static constexpr quint32 noBatch = 0xFFFFFFFF;
 
     std::atomic<Lease> lease = Lease::none;
-    std::unique_ptr<DriveDevice> device;
+    std::unique_ptr<ColdReads> device;
     DiscToc imageDisc;
     QFile imageFile;
     QByteArray imagePiece; ///< bytes of the image file around the last read
@@ -108,5 +118,6 @@ private:
     quint32 retriesOfLastRead = 0;
     quint32 c2OfLastRead = 0;
     quint32 speed = 0;
-    int errorOfLastCommand = 0;
+    quint32 lastFreshLba = noBatch;
+    DriveReply lastReply;
 };

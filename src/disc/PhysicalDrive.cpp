@@ -19,6 +19,7 @@ namespace {
 constexpr quint32 immediateAttempts = 5;
 constexpr quint32 seekAttempts = 20;
 constexpr quint32 patientAttempts = 10;
+static_assert(immediateAttempts + seekAttempts + patientAttempts == LADDER_ATTEMPTS);
 constexpr int seekPauseMs = 10;
 constexpr int patientPauseMs = 100;
 constexpr quint32 seekDistance = 100;
@@ -53,11 +54,12 @@ bool CdDrive::open(const QString& letter)
         return false;
     close();
     image = false;
-    device = drivePlatform().open(letter);
-    if (!device) {
+    auto opened = drivePlatform().open(letter);
+    if (!opened) {
         qWarning().noquote() << "CdDrive: cannot open" << letter;
         return false;
     }
+    device = std::make_unique<ColdReads>(std::move(opened));
     driveName = letter;
     return true;
 }
@@ -73,7 +75,7 @@ quint32 CdDrive::boundedBatch(quint32 lba) const
         if (lba < bound)
             count = std::min(count, bound - lba);
     }
-    return count;
+    return device ? device->holes().boundedBatch(lba, count) : count;
 }
 
 bool CdDrive::readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts)
@@ -90,9 +92,8 @@ bool CdDrive::readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>
     const size_t length = size_t{count} * RAW_PLUS_C2_BYTES;
     QByteArray block(static_cast<qsizetype>(length + passThroughAlignment), '\0');
     quint8* bytes = alignedStart(block);
-    const DriveReply reply = device->passThrough(command, {bytes, length});
-    errorOfLastCommand = reply.errorNumber;
-    if (!reply.delivered(length))
+    lastReply = device->passThrough(command, {bytes, length});
+    if (!lastReply.delivered(length))
         return false;
 
     data.clear();
@@ -108,17 +109,37 @@ bool CdDrive::readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>
     return true;
 }
 
-bool CdDrive::attemptBatch(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts)
+// A batch that comes in takes the place of the one in the cache.
+bool CdDrive::attemptBatch(quint32 lba, quint32 count)
 {
-    if (c2On)
-        return readRawC2(lba, count, data, c2Counts);
-    data.resize(static_cast<qsizetype>(count) * RAW_SECTOR_BYTES);
-    c2Counts.clear();
-    const std::span bytes{reinterpret_cast<quint8*>(data.data()), static_cast<size_t>(data.size())};
-    return device->readRaw(lba, count, bytes, true).delivered(bytes.size());
+    QByteArray data;
+    QList<int> c2Counts;
+    bool delivered = false;
+    if (c2On) {
+        delivered = readRawC2(lba, count, data, c2Counts);
+    } else {
+        data.resize(static_cast<qsizetype>(count) * RAW_SECTOR_BYTES);
+        const std::span bytes{reinterpret_cast<quint8*>(data.data()), static_cast<size_t>(data.size())};
+        delivered = device->readRaw(lba, count, bytes, true).delivered(bytes.size());
+    }
+    if (!delivered)
+        return false;
+    batchCache = std::move(data);
+    batchStartLba = lba;
+    batchCount = count;
+    batchC2Counts = std::move(c2Counts);
+    c2OfLastRead = static_cast<quint32>(batchC2Counts.value(0, 0));
+    return true;
 }
 
-QByteArray CdDrive::readBatch(quint32 lba)
+void CdDrive::seekNear(quint32 lba)
+{
+    QByteArray thrownAway(READ_BATCH_SECTORS * RAW_SECTOR_BYTES, Qt::Uninitialized);
+    device->readRaw(lba > seekDistance ? lba - seekDistance : lba + seekDistance, READ_BATCH_SECTORS,
+                    {reinterpret_cast<quint8*>(thrownAway.data()), static_cast<size_t>(thrownAway.size())}, false);
+}
+
+QByteArray CdDrive::readBatch(quint32 lba, Purpose purpose)
 {
     retriesOfLastRead = 0;
     c2OfLastRead = 0;
@@ -126,39 +147,60 @@ QByteArray CdDrive::readBatch(quint32 lba)
     const quint32 count = boundedBatch(lba);
     if (count == 0 || !device)
         return {};
+    if (device->holes().isHole(lba)) {
+        retriesOfLastRead = LADDER_ATTEMPTS;
+        return {};
+    }
 
     const qint64 started = drivePlatform().nowNanoseconds();
-    QByteArray data;
-    QList<int> c2Counts;
-    constexpr quint32 attempts = immediateAttempts + seekAttempts + patientAttempts;
-    for (quint32 attempt = 0; attempt < attempts; ++attempt) {
+    if (purpose == Purpose::judged)
+        device->makeCold(lba, count, ColdReads::Effort::Thorough);
+    if (!climbLadder(lba, count) && !readAlone(lba, count)) {
+        retriesOfLastRead = LADDER_ATTEMPTS;
+        return {};
+    }
+    updateSpeed(started, batchCount);
+    return batchCache.left(RAW_SECTOR_BYTES);
+}
+
+bool CdDrive::climbLadder(quint32 lba, quint32 count)
+{
+    const KnownHoles& holes = device->holes();
+    for (quint32 attempt = 0; attempt < LADDER_ATTEMPTS; ++attempt) {
+        if (count == 1 && holes.isExhausted(lba))
+            return false;
         if (attempt >= immediateAttempts + seekAttempts) {
             drivePlatform().sleepMilliseconds(patientPauseMs);
         } else if (attempt >= immediateAttempts) {
-            QByteArray elsewhere(READ_BATCH_SECTORS * RAW_SECTOR_BYTES, Qt::Uninitialized);
-            device->readRaw(lba > seekDistance ? lba - seekDistance : lba + seekDistance, READ_BATCH_SECTORS,
-                            {reinterpret_cast<quint8*>(elsewhere.data()), static_cast<size_t>(elsewhere.size())},
-                            false);
+            seekNear(lba);
             drivePlatform().sleepMilliseconds(seekPauseMs);
         }
-        if (attemptBatch(lba, count, data, c2Counts)) {
+        if (attemptBatch(lba, count)) {
             retriesOfLastRead = attempt;
-            updateSpeed(started, count);
-            keepBatch(lba, count, data, c2Counts);
-            return batchCache.left(RAW_SECTOR_BYTES);
+            return true;
         }
     }
-    retriesOfLastRead = attempts;
-    return {};
+    return false;
 }
 
-void CdDrive::keepBatch(quint32 lba, quint32 count, QByteArray data, QList<int> c2Counts)
+// What is left when the ladder has failed: a batch may have failed for another
+// sector's sake, and a sector that was asked for alone gets a last attempt from a
+// cold position before the drive's word is final.
+bool CdDrive::readAlone(quint32 lba, quint32 failedBatch)
 {
-    batchCache = std::move(data);
-    batchStartLba = lba;
-    batchCount = count;
-    batchC2Counts = std::move(c2Counts);
-    c2OfLastRead = static_cast<quint32>(batchC2Counts.value(0, 0));
+    KnownHoles& holes = device->holes();
+    retriesOfLastRead = LADDER_ATTEMPTS;
+    if (failedBatch > 1) {
+        holes.batchGivenUp(lba, failedBatch);
+        return attemptBatch(lba, 1);
+    }
+    if (!holes.isExhausted(lba))
+        return false;
+    device->goFar(lba, ColdReads::Effort::Once);
+    if (attemptBatch(lba, 1))
+        return true;
+    holes.add(lba);
+    return false;
 }
 
 void CdDrive::updateSpeed(qint64 started, quint32 count)
@@ -175,6 +217,16 @@ void CdDrive::updateSpeed(qint64 started, quint32 count)
         speed = static_cast<quint32>(std::min(fastest, static_cast<double>(bytesRead) / elapsed / 1024));
 }
 
+bool CdDrive::answersProbe(quint32 lba, quint32 count, QList<int>& c2Counts)
+{
+    QByteArray data;
+    for (int attempt = 0; attempt < probeAttempts; ++attempt) {
+        if (readRawC2(lba, count, data, c2Counts))
+            return true;
+    }
+    return false;
+}
+
 bool CdDrive::probeC2(quint32 lba)
 {
     c2Supported = false;
@@ -185,17 +237,20 @@ bool CdDrive::probeC2(quint32 lba)
     if (count == 0)
         return false;
 
-    QByteArray data;
     QList<int> c2Counts;
-    bool answered = false;
-    for (int attempt = 0; attempt < probeAttempts && !answered; ++attempt)
-        answered = readRawC2(lba, count, data, c2Counts);
+    bool answered = answersProbe(lba, count, c2Counts);
+    // A hole in the batch tells nothing of the pointers; a sector beside it may.
+    const bool mayBeAHole = lastReply.failure == DriveFailure::unreadable || lastReply.failure == DriveFailure::timedOut;
+    for (const quint32 alone : {lba, lba + count / 2, lba + count - 1}) {
+        if (!answered && mayBeAHole && count > 1)
+            answered = answersProbe(alone, 1, c2Counts);
+    }
     if (!answered) {
-        qWarning() << "[CdDrive] C2: READ CD with C2 not available (err=" << errorOfLastCommand << ")";
+        qWarning() << "[CdDrive] C2: READ CD with C2 not available (err=" << lastReply.errorNumber << ")";
         return false;
     }
     const qint64 sum = std::accumulate(c2Counts.cbegin(), c2Counts.cend(), qint64{0});
-    const qint64 bits = qint64{count} * RAW_SECTOR_BYTES;
+    const qint64 bits = c2Counts.size() * RAW_SECTOR_BYTES;
     if (2 * sum > bits) {
         qWarning() << "[CdDrive] C2: values look invalid (" << sum << "/" << bits << "bits set)";
         return false;

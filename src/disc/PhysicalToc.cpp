@@ -5,7 +5,9 @@
 
 #include <QDebug>
 
+#include <algorithm>
 #include <array>
+#include <limits>
 
 namespace {
 
@@ -78,6 +80,17 @@ QList<quint32> audioEnds(const QList<TrackInfo>& tracks)
     return ends;
 }
 
+// From the first audio sector to the last; empty where the table makes no sense.
+SectorRange audioArea(const QList<TrackInfo>& tracks)
+{
+    SectorRange area{std::numeric_limits<quint32>::max(), 0};
+    for (const TrackInfo& track : tracks) {
+        if (!track.isData)
+            area = {std::min(area.first, track.startLba), std::max(area.end, track.endLba + 1)};
+    }
+    return area;
+}
+
 } // namespace
 
 DiscToc CdDrive::readToc()
@@ -94,6 +107,7 @@ DiscToc CdDrive::readToc()
             DiscToc disc = discFromToc(table);
             sectorLimit = disc.totalSectors;
             batchBounds = audioEnds(disc.tracks);
+            device->setAudioArea(audioArea(disc.tracks));
             return disc;
         }
         if (!reply.ok) {

@@ -51,7 +51,7 @@ QList<int> RipWorker::neighbourValues(qint64 firstFrame, qsizetype count)
     for (qint64 lba = firstSector; values.size() < skipped + count; ++lba) {
         QByteArray sector;
         if (mayHoldAudio(lba))
-            sector = drive->readSector(static_cast<quint32>(lba));
+            sector = drive->readSectorUnjudged(static_cast<quint32>(lba));
         if (sector.size() != RAW_SECTOR_BYTES)
             sector = QByteArray(RAW_SECTOR_BYTES, '\0');
         appendSampleValues(values, sector);

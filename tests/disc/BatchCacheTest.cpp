@@ -113,8 +113,8 @@ TEST_F(BatchCache, OnlyAChangeOfC2EmptiesTheCache)
     drive.readSector(1);
     EXPECT_TRUE(platform.commands.isEmpty());
     drive.setC2Enabled(true);
-    EXPECT_EQ(drive.readSector(1), truth(1));
-    EXPECT_EQ(platform.commands, (QList<Command>{{Command::RawWithC2, 1, 27}}));
+    EXPECT_EQ(drive.readSector(2), truth(2));
+    EXPECT_EQ(platform.commands, (QList<Command>{{Command::RawWithC2, 2, 27}}));
 }
 
 TEST_F(BatchCache, AClosedDriveReadsNothing)

@@ -172,7 +172,7 @@ TEST_F(LinuxDrivePlatformTest, ADriveThatHangsIsCancelledOnceAndReadAgain)
               QStringList{QStringLiteral("[CdDrive] Sector 300 unresponsive after 3000 ms, cancelling I/O")});
 }
 
-TEST_F(LinuxDrivePlatformTest, ADriveThatHangsForGoodIsGivenUpAfterThirtyFiveCancelledReads)
+TEST_F(LinuxDrivePlatformTest, ADriveThatHangsForGoodIsGivenUpAfterTheLadder)
 {
     ASSERT_TRUE(drive.open(devicePath));
     SgIoFault hang;
@@ -181,10 +181,10 @@ TEST_F(LinuxDrivePlatformTest, ADriveThatHangsForGoodIsGivenUpAfterThirtyFiveCan
     const LogCapture log;
     EXPECT_TRUE(drive.readSector(300).isEmpty());
     EXPECT_EQ(drive.lastRetries(), 35U);
-    EXPECT_EQ(log.warnings(), QStringList(35, QStringLiteral("[CdDrive] Sector 300 unresponsive after 3000 ms, "
+    EXPECT_EQ(log.warnings(), QStringList(36, QStringLiteral("[CdDrive] Sector 300 unresponsive after 3000 ms, "
                                                              "cancelling I/O")));
     const auto guarded = std::ranges::count(system.requests, 3000U, &SgIoStandIn::Request::timeOutMs);
-    EXPECT_EQ(guarded, 35);
+    EXPECT_EQ(guarded, 36) << "the ladder, and the sector alone";
     EXPECT_EQ(system.requests.size() - guarded, 20) << "the seek reads carry the time of any other command";
 }
 
@@ -214,7 +214,7 @@ TEST_F(LinuxDrivePlatformTest, ADriveUnpluggedInTheMiddleFailsEveryBatchFromThen
     EXPECT_EQ(drive.readSector(27), truth(27));
     EXPECT_TRUE(drive.readSector(54).isEmpty());
     EXPECT_EQ(drive.lastRetries(), 35U);
-    EXPECT_EQ(system.requests.size(), 2 + 35 + 20);
+    EXPECT_EQ(system.requests.size(), 2 + 35 + 20 + 1);
     EXPECT_EQ(platform.sleeps, QList<int>(20, 10) + QList<int>(10, 100));
     EXPECT_EQ(drive.readSector(30), truth(30)) << "what is in the cache stays";
 
@@ -236,7 +236,8 @@ TEST_F(LinuxDrivePlatformTest, ShortAnswersToReadCdClimbTheLadder)
         cut.residue = 2;
         cut.times = 3;
         system.faults = {cut.only(0xBE)};
-        EXPECT_EQ(drive.readSector(900), truth(900));
+        const quint32 lba = c2 ? 900 : 950;
+        EXPECT_EQ(drive.readSector(lba), truth(lba));
         EXPECT_EQ(drive.lastRetries(), 3U);
     }
 }

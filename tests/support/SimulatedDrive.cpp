@@ -43,7 +43,7 @@ public:
             begin({guarded ? SimulatedDrive::Command::Raw : SimulatedDrive::Command::SeekRead, lba, count});
         if (!reply.ok)
             return reply;
-        const DriveReply cancelled{false, guarded ? ECANCELED : EIO};
+        const DriveReply cancelled{false, guarded ? ECANCELED : EIO, 0, DriveFailure::timedOut};
         return readSectors(lba, count, data, false, guarded ? guardedLimit : unguardedLimit, cancelled);
     }
 
@@ -66,7 +66,8 @@ private:
     {
         drive.commands.append(command);
         drive.clock += drive.commandNanoseconds;
-        return drive.gone(drive.commandsSent++) ? DriveReply{false, ENODEV} : DriveReply{true, 0};
+        return drive.gone(drive.commandsSent++) ? DriveReply{false, ENODEV, 0, DriveFailure::notReady}
+                                                : DriveReply{true, 0};
     }
 
     DriveReply inquiry(std::span<quint8> data)
@@ -91,7 +92,8 @@ private:
             return reply;
         if (withC2 && !drive.c2Available)
             return {false, EIO};
-        return readSectors(lba, count, data, withC2, passThroughLimit, {false, ETIMEDOUT});
+        return readSectors(lba, count, data, withC2, passThroughLimit,
+                           {false, ETIMEDOUT, 0, DriveFailure::timedOut});
     }
 
     bool refused(quint32 lba, quint32 count)
@@ -116,17 +118,19 @@ private:
         using Reading = SimulatedMechanism::Reading;
         const Reading reading = drive.mechanism.read(lba, count, drive.clock);
         if (reading.end == Reading::Hanging) {
-            drive.clock += limit;
+            drive.clock += std::max(limit, drive.timeFloor);
             return hung;
         }
-        if (reading.end == Reading::Unreadable)
-            return {false, EIO};
+        const bool whole = reading.end == Reading::Whole;
+        if (!whole && reading.end != Reading::Short && !drive.partialTransfers)
+            return {false, EIO, 0, DriveFailure::unreadable};
         quint32 sector = lba;
         for (const WrongPattern& pattern : reading.patterns) {
             deliver(sector, pattern, data.subspan((sector - lba) * sectorBytes, sectorBytes), withC2);
             ++sector;
         }
-        return reading.end == Reading::Whole ? DriveReply{true, 0} : DriveReply{false, EIO};
+        return whole ? DriveReply{true, 0}
+                     : DriveReply{false, EIO, (sector - lba) * sectorBytes, DriveFailure::unreadable};
     }
 
     void deliver(quint32 lba, const WrongPattern& pattern, std::span<quint8> target, bool withC2)

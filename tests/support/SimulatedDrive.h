@@ -50,7 +50,11 @@ public:
     double c2NoiseRate = 0.01; ///< sectors with a false alarm, of Noisy
     double c2MissRate = 0.5;   ///< wrong bytes that are missed, of PartiallyHonest
 
-    SimulatedMechanism mechanism; ///< faults, cache, speed, seed
+    SimulatedMechanism mechanism; ///< faults, buffer, speed, seed
+    /// What a command transfers before a sector that cannot be read reaches the host.
+    bool partialTransfers = false;
+    /// No command is ended before this time, whatever limit it carries.
+    qint64 timeFloor = 0;
     qint64 commandNanoseconds = 1'000'000; ///< virtual time of one command, whatever else it costs
     /// The next reads of sectors fail as often as this.
     int failingReads = 0;

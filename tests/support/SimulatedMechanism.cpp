@@ -19,9 +19,10 @@ SimulatedMechanism::Reading SimulatedMechanism::read(quint32 lba, quint32 count,
     Reading reading;
     for (quint32 sector = lba; sector < lba + count; ++sector) {
         WrongPattern pattern;
-        if (isCached(sector) || answers.contains(sector)) {
+        if (useCached(sector) || answers.contains(sector)) {
             pattern = answers.value(sector).pattern; // none where the disc is sound
         } else {
+            readOnTo(sector, clock);
             reading.end = readFromDisc(sector, clock, pattern);
             if (reading.end != Reading::Whole)
                 return reading;
@@ -31,12 +32,64 @@ SimulatedMechanism::Reading SimulatedMechanism::read(quint32 lba, quint32 count,
     return reading;
 }
 
+bool SimulatedMechanism::isCached(quint32 lba) const
+{
+    return std::any_of(segments.cbegin(), segments.cend(), [lba](const Segment& one) { return one.holds(lba); });
+}
+
+bool SimulatedMechanism::useCached(quint32 lba)
+{
+    const auto found = std::find_if(segments.begin(), segments.end(), [lba](const Segment& s) { return s.holds(lba); });
+    if (found == segments.end())
+        return false;
+    found->lastUse = ++uses;
+    return true;
+}
+
+// What the head passes over on its way into the buffer's reach is read as well.
+// A sector in between that cannot be read ends that; the head then jumps.
+void SimulatedMechanism::readOnTo(quint32 lba, qint64& clock)
+{
+    const bool within = std::any_of(segments.cbegin(), segments.cend(), [&](const Segment& one) {
+        return one.end == head && lba > one.end && lba - one.end <= readAhead;
+    });
+    for (WrongPattern pattern; within && head < lba;) {
+        if (readFromDisc(head, clock, pattern) != Reading::Whole)
+            return;
+    }
+}
+
+SimulatedMechanism::Segment& SimulatedMechanism::segmentFor(quint32 lba)
+{
+    const auto going = std::find_if(segments.begin(), segments.end(), [lba](const Segment& s) { return s.end == lba; });
+    if (going != segments.end())
+        return *going;
+    if (segments.size() < cacheSegments) {
+        segments.append({lba, lba});
+        return segments.last();
+    }
+    const auto oldest = std::min_element(segments.begin(), segments.end(),
+                                         [](const Segment& a, const Segment& b) { return a.lastUse < b.lastUse; });
+    *oldest = {lba, lba};
+    return *oldest;
+}
+
+void SimulatedMechanism::keep(quint32 lba)
+{
+    if (cacheSectors == 0)
+        return;
+    segments.removeIf([lba](const Segment& one) { return one.holds(lba); });
+    const quint32 room = std::max(1U, cacheSectors / static_cast<quint32>(cacheSegments));
+    Segment& segment = segmentFor(lba);
+    segment.end = lba + 1;
+    segment.first = std::max(segment.first, segment.end - std::min(segment.end, room));
+    segment.lastUse = ++uses;
+}
+
 SimulatedMechanism::Reading::End SimulatedMechanism::readFromDisc(quint32 lba, qint64& clock, WrongPattern& pattern)
 {
     moveHead(lba, clock);
     transfer(lba, clock);
-    if (lba != cacheEnd)
-        cacheFirst = cacheEnd = lba;
     Remembered answer;
     const qint64 transferred = clock;
     const Reading::End end = suffer(lba, clock, answer);
@@ -45,8 +98,7 @@ SimulatedMechanism::Reading::End SimulatedMechanism::readFromDisc(quint32 lba, q
         readyTime = clock;
     if (end == Reading::Whole) {
         ++sectorsFromDisc;
-        cacheEnd = lba + 1;
-        cacheFirst = std::max(cacheFirst, cacheEnd - std::min(cacheEnd, cacheSectors));
+        keep(lba);
         pattern = answer.pattern;
     } else {
         streaming = false;

@@ -7,13 +7,16 @@
 #include <QtGlobal>
 
 /// The part of a simulated drive between its connector and the disc: the head,
-/// the cache in front of it, what the damage makes of a reading, and the time
+/// the buffer in front of it, what the damage makes of a reading, and the time
 /// that all this takes on a virtual clock.
 ///
-/// The cache is one run of neighbouring sectors: a read that goes on where the
-/// last one ended extends it and pushes its oldest sectors out, and a read from
-/// anywhere else on the disc drops it. While the host is idle the drive reads
-/// ahead, so that a pause makes the following sectors free.
+/// The buffer has segments, each a ring over one run of neighbouring sectors. A
+/// read that goes on where a run has ended extends it and pushes its oldest
+/// sectors out; one a little further on is reached by reading on; a read from
+/// anywhere else takes the segment that was used least recently. A sector in a
+/// ring comes again as it was read, however often it is asked for. While the
+/// host is idle the drive reads ahead, so that a pause makes the following
+/// sectors free.
 class SimulatedMechanism {
 public:
     struct Reading {
@@ -22,15 +25,17 @@ public:
         QList<WrongPattern> patterns; ///< one for each sector that was delivered
     };
 
-    /// Reads sectors as the head finds them, or from the cache.
+    /// Reads sectors as the head finds them, or from the buffer.
     /// @param clock  nanoseconds; moved on
     Reading read(quint32 lba, quint32 count, qint64& clock);
 
     quint64 seed = 1;
     QList<SectorFault> faults;
 
-    quint32 cacheSectors = 0;
-    quint32 staleWithin = 0; ///< as the field of SectorFault, for all faults of the disc
+    quint32 cacheSectors = 0; ///< of the whole buffer
+    int cacheSegments = 1;
+    quint32 readAhead = 0;    ///< sectors behind a run's end that are reached by reading on
+    quint32 staleWithin = 0;  ///< as the field of SectorFault, for all faults of the disc
 
     double speed = 0;         ///< in multiples of 75 sectors a second; 0: a transfer takes no time
     double speedOnDamage = 4; ///< where any fault lies, if there is a speed at all
@@ -47,19 +52,31 @@ private:
         quint32 staleWithin = 0;
     };
 
-    bool isCached(quint32 lba) const { return lba >= cacheFirst && lba < cacheEnd; }
+    struct Segment {
+        quint32 first = 0;
+        quint32 end = 0;
+        quint64 lastUse = 0;
+
+        bool holds(quint32 lba) const { return lba >= first && lba < end; }
+    };
+
+    bool isCached(quint32 lba) const;
+    bool useCached(quint32 lba);
+    void readOnTo(quint32 lba, qint64& clock);
+    void keep(quint32 lba);
+    Segment& segmentFor(quint32 lba);
     Reading::End readFromDisc(quint32 lba, qint64& clock, WrongPattern& pattern);
     void moveHead(quint32 lba, qint64& clock);
     void transfer(quint32 lba, qint64& clock);
     Reading::End suffer(quint32 lba, qint64& clock, Remembered& answer);
     void forgetWhatIsFarFrom(quint32 lba);
 
-    quint32 cacheFirst = 0;
-    quint32 cacheEnd = 0;
+    QList<Segment> segments;
+    quint64 uses = 0;
     quint32 head = 0;      ///< the sector that comes by next
     bool spinning = false;
     bool streaming = false; ///< the head comes from the sector in front
     qint64 readyTime = 0;  ///< when the head had read the sector in front
-    QHash<quint32, Remembered> answers; ///< of damaged sectors, in the cache or stale
+    QHash<quint32, Remembered> answers; ///< of damaged sectors, in the buffer or stale
     QHash<quint32, quint32> readings;   ///< of damaged sectors, so far
 };

@@ -1,0 +1,117 @@
+#include "disc/ColdReads.h"
+
+#include "base/ByteOrder.h"
+#include "disc/DiscModel.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+constexpr int placesOfThreeSegments = 3;
+constexpr int triesForAPlace = 3;
+constexpr quint8 readCdCode = 0xBE;
+
+} // namespace
+
+ColdReads::ColdReads(std::unique_ptr<DriveDevice> behind)
+    : device(std::move(behind))
+{
+}
+
+DriveReply ColdReads::readRaw(quint32 lba, quint32 count, std::span<quint8> data, bool guarded)
+{
+    if (knownHoles.anyHole(lba, count)) {
+        const bool seek = !guarded;
+        count = seek && !knownHoles.isHole(lba) ? knownHoles.boundedBatch(lba, count) : 0;
+        if (count == 0)
+            return lastWord;
+        data = data.first(size_t{count} * RAW_SECTOR_BYTES);
+    }
+    const DriveReply reply = device->readRaw(lba, count, data, guarded);
+    learn(lba, count, reply, data.size());
+    return reply;
+}
+
+DriveReply ColdReads::passThrough(std::span<const quint8> command, std::span<quint8> data)
+{
+    if (command.size() < 12 || command[0] != readCdCode)
+        return device->passThrough(command, data);
+    const auto lba = byteorder::readBig<quint32>(command.data() + 2);
+    const auto count = static_cast<quint32>(command[6] << 16 | command[7] << 8 | command[8]);
+    if (knownHoles.anyHole(lba, count))
+        return lastWord;
+    const DriveReply reply = device->passThrough(command, data);
+    learn(lba, count, reply, data.size());
+    return reply;
+}
+
+void ColdReads::learn(quint32 lba, quint32 count, const DriveReply& reply, size_t wanted)
+{
+    position = lba;
+    if (reply.delivered(wanted)) {
+        knownHoles.delivered(lba, count);
+        highestRead = std::max(highestRead, lba + count);
+    } else if (reply.failure == DriveFailure::unreadable || reply.failure == DriveFailure::timedOut) {
+        knownHoles.failed(lba, count);
+        lastWord = {false, reply.errorNumber, 0, reply.failure};
+    }
+}
+
+void ColdReads::handedOut(quint32 lba)
+{
+    if (!handed.isEmpty() && handed.constLast().end == lba)
+        ++handed.last().end;
+    else if (handed.isEmpty() || lba + 1 != handed.constLast().end)
+        handed.append({lba, lba + 1});
+}
+
+void ColdReads::makeCold(quint32 lba, quint32 count, Effort effort)
+{
+    const bool again = std::any_of(handed.cbegin(), handed.cend(), [=](const SectorRange& range) {
+        return range.first < lba + count && lba < range.end;
+    });
+    if (again)
+        goFar(lba, effort);
+}
+
+void ColdReads::makeAllCold(quint32 lba)
+{
+    if (!handed.isEmpty())
+        goFar(lba, Effort::Once);
+}
+
+void ColdReads::goFar(quint32 lba, Effort effort)
+{
+    QList<quint32> from{lba, position};
+    bool wentThere = false;
+    for (int place = 0; place < (effort == Effort::Once ? 1 : placesOfThreeSegments); ++place)
+        wentThere |= readFarPlace(from);
+    if (wentThere)
+        handed.clear();
+}
+
+bool ColdReads::readFarPlace(QList<quint32>& from)
+{
+    const SectorRange where = area();
+    if (where.isEmpty())
+        return false;
+    for (int attempt = 0; attempt < triesForAPlace; ++attempt) {
+        const quint32 place = farPlace(where, from);
+        from.append(place);
+        const quint32 count = std::min<quint32>(READ_BATCH_SECTORS, where.end - place);
+        if (unusable.contains(place) || knownHoles.anyTrouble(place, count))
+            continue;
+        std::vector<quint8> thrownAway(size_t{count} * RAW_SECTOR_BYTES);
+        position = place;
+        if (device->readRaw(place, count, thrownAway, true).delivered(thrownAway.size()))
+            return true;
+        unusable.append(place);
+    }
+    return false;
+}
+
+SectorRange ColdReads::area() const
+{
+    return audioArea.isEmpty() ? SectorRange{0, highestRead} : audioArea;
+}

@@ -1,0 +1,33 @@
+#include "disc/FarPlace.h"
+
+#include "disc/DiscModel.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr quint32 placesToChooseFrom = 96;
+
+} // namespace
+
+quint32 farPlace(const SectorRange& area, const QList<quint32>& from)
+{
+    const quint32 sectors = area.end - area.first;
+    const quint64 span = sectors - std::min<quint32>(sectors, READ_BATCH_SECTORS);
+    quint32 chosen = area.first;
+    quint32 chosenDistance = 0;
+    for (quint64 i = 0; i <= placesToChooseFrom; ++i) {
+        const quint32 place = area.first + static_cast<quint32>(span * i / placesToChooseFrom);
+        quint32 distance = std::numeric_limits<quint32>::max();
+        for (const quint32 one : from)
+            distance = std::min(distance, place > one ? place - one : one - place);
+        const bool better = chosenDistance < FAR_DISTANCE ? distance > chosenDistance
+                                                          : distance >= FAR_DISTANCE && distance < chosenDistance;
+        if (better) {
+            chosen = place;
+            chosenDistance = distance;
+        }
+    }
+    return chosen;
+}
