@@ -1,5 +1,6 @@
 #include "disc/CdDrive.h"
 #include "support/DiscMaker.h"
+#include "support/LogCapture.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -146,6 +147,37 @@ TEST_F(CueImage, FailuresLeaveTheDriveMarkedAsAnImageWithItsOldName)
     const QString noImage = writeFile(folder.path(), QStringLiteral("x.cue"), "FILE \"no.bin\" BINARY\nTRACK 01 AUDIO\n");
     EXPECT_FALSE(drive.openCue(noImage));
     EXPECT_TRUE(drive.isImage());
+}
+
+TEST_F(CueImage, ASheetThatYieldsNothingIsNamedInTheLog)
+{
+    for (const QString& path :
+         {sheet("REM nothing here\n"), folder.filePath(QStringLiteral("no such.cue"))}) {
+        const LogCapture log;
+        EXPECT_FALSE(drive.openCue(path));
+        EXPECT_EQ(log.lines(), QStringList{QStringLiteral("CdDrive: cue parse failed: ") + path});
+        EXPECT_EQ(log.warnings(), log.lines());
+    }
+}
+
+TEST_F(CueImage, AFileThatCannotBeOpenedIsNamedInTheLog)
+{
+    const QString cue = sheet("FILE \"no such.bin\" BINARY\nTRACK 01 AUDIO\nINDEX 01 00:00:00\n");
+    const LogCapture log;
+    EXPECT_FALSE(drive.openCue(cue));
+    EXPECT_EQ(log.lines(), QStringList{QStringLiteral("CdDrive: cannot open bin: ")
+                                       + folder.filePath(QStringLiteral("no such.bin"))});
+    EXPECT_EQ(log.warnings(), log.lines());
+}
+
+TEST_F(CueImage, WhatASheetSaysBesideThatIsNoError)
+{
+    bin(makeAudio(4, 1));
+    const LogCapture log;
+    EXPECT_TRUE(
+        drive.openCue(sheet(QByteArray("NONSENSE\nINDEX 01 00:00:00\nCATALOG 1\n") + binLine
+                            + "TRACK xx AUDIO\nINDEX 01 garbage\nFILE \"no.bin\" BINARY\nTRACK 02 AUDIO\n")));
+    EXPECT_TRUE(log.lines().isEmpty());
 }
 
 TEST_F(CueImage, SheetsThatYieldNothing)
