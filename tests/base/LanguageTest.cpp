@@ -1,7 +1,7 @@
 #include "support/Language.h"
+#include "support/ProcessLocale.h"
 
 #include <QProcess>
-#include <QProcessEnvironment>
 
 #include <gtest/gtest.h>
 
@@ -12,11 +12,7 @@ namespace {
 QByteArray startedWith(int stored, const char* locale)
 {
     QProcess probe;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"LANG", "LANGUAGE", "LC_MESSAGES", "LC_NUMERIC", "LC_CTYPE"})
-        environment.remove(QLatin1String(name));
-    environment.insert(QStringLiteral("LC_ALL"), QLatin1String(locale));
-    probe.setProcessEnvironment(environment);
+    probe.setProcessEnvironment(environmentOfLocale(locale));
     probe.start(QStringLiteral(TARVEL_LANGUAGE_PROBE), {QString::number(stored)});
     if (!probe.waitForFinished(60000) || probe.exitCode() != 0)
         return "no answer: " + probe.readAllStandardError();
