@@ -50,10 +50,11 @@ const char* codePageOfLanguage(const QLocale& locale)
 
 const char* localCodePage()
 {
+    // Plain ASCII is what the C library falls back to where the locale of the
+    // environment is not installed, and says nothing of the system's texts.
     const std::string_view codeSet = nl_langinfo(CODESET);
-    if (codeSet == "ANSI_X3.4-1968")
-        return "CP1252";
-    return codeSet == "UTF-8" ? codePageOfLanguage(QLocale::system()) : nl_langinfo(CODESET);
+    return codeSet == "UTF-8" || codeSet == "ANSI_X3.4-1968" ? codePageOfLanguage(QLocale::system())
+                                                             : nl_langinfo(CODESET);
 }
 
 } // namespace
