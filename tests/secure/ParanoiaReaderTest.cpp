@@ -132,3 +132,54 @@ TEST(PhysicalTrackReading, TracksOfADriveAreVerified)
     EXPECT_EQ(reader.readTrack(drive, drive.readToc().tracks[0]), valuesOf(platform.audio));
     EXPECT_TRUE(reader.results.constLast().clean);
 }
+
+namespace {
+
+struct TrackOrigin {
+    bool isAudioFile;
+    const char* file;
+    bool forced;
+    bool direct; ///< read once
+};
+
+constexpr TrackOrigin origins[] = {
+    {false, "", false, false},
+    {false, "", true, false},
+    {true, "", false, true},
+    {true, "", true, false},
+    {false, "/music/disc.bin", false, true},
+    {false, "/music/disc.bin", true, false},
+    {true, "/music/disc.wav", false, true},
+    {true, "/music/disc.wav", true, false},
+};
+
+class ReadingPath : public ::testing::TestWithParam<TrackOrigin> {};
+
+} // namespace
+
+// Between drive and reader stands the batch: a second read of a sector comes
+// out of it, and clears the count of the attempts that the first had taken.
+TEST_P(ReadingPath, OnlyTracksOfAFileAreReadOnceAndThatUnlessForced)
+{
+    SimulatedDrive platform;
+    const DrivePlatformOverride override(platform);
+    platform.audio = makeAudio(27, 4);
+    platform.failingReads = 2;
+    CdDrive drive;
+    ASSERT_TRUE(drive.open(platform.letter));
+    TrackInfo track = drive.readToc().tracks[0];
+    track.sourceIsAudioFile = GetParam().isAudioFile;
+    track.sourceFile = QLatin1String(GetParam().file);
+    ParanoiaReader reader;
+    reader.forceVerify = GetParam().forced;
+    QList<quint32> retries;
+    reader.onSector = [&](const SectorResult&) { retries.append(drive.lastRetries()); };
+    EXPECT_EQ(reader.readTrack(drive, track), valuesOf(platform.audio));
+    ASSERT_EQ(retries.size(), 27);
+    EXPECT_EQ(retries[0], GetParam().direct ? 2U : 0U);
+    EXPECT_EQ(retries.last(26), QList<quint32>(26, 0));
+    EXPECT_EQ(reader.results[0].retries, 0) << "attempts of the drive are no re-reads";
+    EXPECT_TRUE(reader.results[0].clean);
+}
+
+INSTANTIATE_TEST_SUITE_P(Origins, ReadingPath, ::testing::ValuesIn(origins));
