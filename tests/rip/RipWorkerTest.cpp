@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "RunRecorder.h"
+#include "support/SimulatedDrive.h"
 
 #include <QDir>
 #include <QThread>
@@ -58,6 +59,44 @@ TEST(RipWorker, AnImageRunIsGuardedAndGivesTheDriveBack)
     EXPECT_FALSE(run.drive.isBorrowed());
     EXPECT_EQ(run.finishedCount, 1);
     EXPECT_TRUE(run.results[0].ok) << "the output folder is made";
+}
+
+TEST(RipWorker, ADiscRunIsGuardedFromItsFirstWordToTheLastTrack)
+{
+    RecordingGuard guard;
+    const RunGuardOverride override(guard);
+    SimulatedDrive disc;
+    const DrivePlatformOverride platform(disc);
+    disc.audio = makeAudio(60, 1);
+    disc.tracks = {{0}, {30}};
+    QTemporaryDir folder;
+    RunRecorder run;
+    const auto expectGuarded = [&guard] { EXPECT_EQ(guard.calls, "begin "); };
+    QObject::connect(&run.worker, &RipWorker::trackStarted, expectGuarded);
+    QObject::connect(&run.worker, &RipWorker::metadataReady, expectGuarded);
+    QObject::connect(&run.worker, &RipWorker::sectorDone, expectGuarded);
+    QObject::connect(&run.worker, &RipWorker::trackDone, expectGuarded);
+    QObject::connect(&run.worker, &RipWorker::finished, [&guard] { EXPECT_EQ(guard.calls, "begin end "); });
+    run.ripDisc(folder.path());
+    EXPECT_EQ(run.results.size(), 2);
+    EXPECT_EQ(run.finishedCount, 1);
+    EXPECT_EQ(guard.calls, "begin end ");
+}
+
+TEST(RipWorker, AFileRunIsNotGuarded)
+{
+    RecordingGuard guard;
+    const RunGuardOverride override(guard);
+    QTemporaryDir folder;
+    const QString song = writeFile(folder.path(), QStringLiteral("song.wav"), wrapInWave(makeAudio(5, 1)));
+    RunRecorder run;
+    run.worker.configure(nullptr, DiscToc(), folder.filePath(QStringLiteral("out")), QString(), QString(),
+                         QString(), QPixmap(), QString(), 1, 1, 300, OutputWav, song, 20);
+    run.worker.run();
+    ASSERT_EQ(run.results.size(), 1);
+    EXPECT_TRUE(run.results[0].ok);
+    EXPECT_EQ(run.finishedCount, 1);
+    EXPECT_EQ(guard.calls, "");
 }
 
 TEST(RipWorker, WhileItRunsTheDriveCannotBeOpenedByOthers)
