@@ -54,6 +54,7 @@ bool CdDrive::open(const QString& letter)
         return false;
     close();
     image = false;
+    c2OfLastRead = 0;
     auto opened = drivePlatform().open(letter);
     if (!opened) {
         qWarning().noquote() << "CdDrive: cannot open" << letter;

@@ -22,8 +22,9 @@ public:
     std::unique_ptr<DriveDevice> open(const QString& name) override;
 
     void script(quint32 lba, const QList<SectorAnswer>& answers) { scripts[lba].append(answers); }
-    /// The next reads of the sector end empty: each takes a ladder of 35 attempts.
-    void failReads(quint32 lba, int reads) { script(lba, QList<SectorAnswer>(35 * reads, {true})); }
+    /// The next reads of the sector end empty: each takes a ladder of 35 attempts, the first one,
+    /// that of a batch, an attempt at the sector alone as well.
+    void failReads(quint32 lba, int reads) { script(lba, QList<SectorAnswer>(35 * reads + 1, {true})); }
 
     QByteArray truth(quint32 lba, quint32 count = 1) const
     {
