@@ -54,8 +54,7 @@ public:
     {
         printHead();
         for (const DamagedDisc& disc : damagedDiscs()) {
-            const QString name = QLatin1String(disc.name);
-            if (!name.contains(plan.only))
+            if (!disc.name.contains(plan.only))
                 continue;
             row(disc, true);
             if (!disc.c2Only)
@@ -74,7 +73,7 @@ private:
                 const DiscRipOutcome outcome = rip(disc, c2, usb, offset, plan.seed * 1000 + turn++);
                 if (plan.every)
                     printRow(QStringLiteral("%1, offset %2, %3")
-                                 .arg(QLatin1String(disc.name))
+                                 .arg(disc.name)
                                  .arg(offset)
                                  .arg(usb ? QLatin1String("USB") : QLatin1String("internal")),
                              outcome);
@@ -83,7 +82,7 @@ private:
         }
         whole = whole && sum.filesWhole;
         if (!plan.every)
-            printRow(QLatin1String(disc.name), sum);
+            printRow(disc.name, sum);
     }
 
     DiscRipOutcome rip(const DamagedDisc& disc, bool c2, bool usb, int offset, quint64 seed) const

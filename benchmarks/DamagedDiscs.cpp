@@ -1,6 +1,9 @@
 #include "DamagedDiscs.h"
 
+#include "disc/DiscModel.h"
+
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -65,12 +68,6 @@ void staleWithin1500(SimulatedDrive& drive, quint64 seed)
 {
     lightScratches(drive, seed);
     drive.mechanism.staleWithin = 1500;
-}
-
-void largeCache(SimulatedDrive& drive, quint64 seed)
-{
-    lightScratches(drive, seed);
-    drive.mechanism.cacheSectors = 890; // 2 MB
 }
 
 void c2AllSet(SimulatedDrive& drive, quint64 seed)
@@ -138,31 +135,60 @@ void secondSession(SimulatedDrive& drive, quint64)
     drive.leadOutLba = data + 3000;
 }
 
+// A buffer of so many megabytes: one ring, or three segments of which the one used
+// least recently goes. Half of a ring lies ahead of the head.
+void giveBuffer(SimulatedDrive& drive, double megabytes, int segments)
+{
+    drive.mechanism.cacheSectors = static_cast<quint32>(megabytes * 1024 * 1024 / RAW_SECTOR_BYTES);
+    drive.mechanism.cacheSegments = segments;
+    drive.mechanism.readAhead = drive.mechanism.cacheSectors / static_cast<quint32>(segments) / 2;
+}
+
+QList<DamagedDisc> discsInDrivesWithBuffers()
+{
+    QList<DamagedDisc> discs;
+    for (const int segments : {1, 3}) {
+        for (const double megabytes : {0.125, 0.5, 1.0, 2.0, 4.0, 8.0}) {
+            for (const auto& [trouble, damage] : {std::pair{"clean", &clean}, {"light scratches", &lightScratches},
+                                                  {"heavy scratches", &heavyScratches}}) {
+                const QString name = QStringLiteral("%1 MB, %2, %3");
+                discs.append({name.arg(megabytes).arg(segments == 1 ? QLatin1String("one ring")
+                                                                    : QLatin1String("three segments"),
+                                                      QLatin1String(trouble)),
+                              [damage = damage, megabytes, segments](SimulatedDrive& drive, quint64 seed) {
+                                  damage(drive, seed);
+                                  giveBuffer(drive, megabytes, segments);
+                              }});
+            }
+        }
+    }
+    return discs;
+}
+
 } // namespace
 
 const QList<DamagedDisc>& damagedDiscs()
 {
-    static const QList<DamagedDisc> discs{
-        {"clean", clean},
-        {"clean, data in a second session", secondSession},
-        {"light scratches", lightScratches},
-        {"heavy scratches, honest C2", heavyScratches},
-        {"scratches that read wrong the same way", sameWrongBytes},
-        {"scratches where tracks meet", trackEdges},
-        {"dead spot", deadSpot},
-        {"unreadable spot", unreadableSpot},
-        {"cache of 890 sectors", largeCache},
-        {"cache stale within 150 sectors", staleWithin150},
-        {"cache stale within 1500 sectors", staleWithin1500},
-        {"C2 all set", c2AllSet, true},
-        {"C2 never set", c2NeverSet, true},
-        {"C2 noisy", c2Noisy, true},
-        {"C2 misses half of 4 wrong bytes", c2PartiallyHonest, true},
-        {"silent errors, now and then", silentFlaky},
-        {"silent errors, always the same", silentSticky},
-        {"hanging sectors", hanging},
-        {"mixed", mixed},
-    };
+    static const QList<DamagedDisc> discs = QList<DamagedDisc>{
+        {QStringLiteral("clean"), clean},
+        {QStringLiteral("clean, data in a second session"), secondSession},
+        {QStringLiteral("light scratches"), lightScratches},
+        {QStringLiteral("heavy scratches, honest C2"), heavyScratches},
+        {QStringLiteral("scratches that read wrong the same way"), sameWrongBytes},
+        {QStringLiteral("scratches where tracks meet"), trackEdges},
+        {QStringLiteral("dead spot"), deadSpot},
+        {QStringLiteral("unreadable spot"), unreadableSpot},
+        {QStringLiteral("cache stale within 150 sectors"), staleWithin150},
+        {QStringLiteral("cache stale within 1500 sectors"), staleWithin1500},
+        {QStringLiteral("C2 all set"), c2AllSet, true},
+        {QStringLiteral("C2 never set"), c2NeverSet, true},
+        {QStringLiteral("C2 noisy"), c2Noisy, true},
+        {QStringLiteral("C2 misses half of 4 wrong bytes"), c2PartiallyHonest, true},
+        {QStringLiteral("silent errors, now and then"), silentFlaky},
+        {QStringLiteral("silent errors, always the same"), silentSticky},
+        {QStringLiteral("hanging sectors"), hanging},
+        {QStringLiteral("mixed"), mixed},
+    } + discsInDrivesWithBuffers();
     return discs;
 }
 

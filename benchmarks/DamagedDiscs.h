@@ -3,13 +3,16 @@
 #include "support/SimulatedDrive.h"
 
 #include <QList>
+#include <QString>
 #include <QtGlobal>
+
+#include <functional>
 
 /// One kind of trouble: a disc, a drive, or both.
 struct DamagedDisc {
-    const char* name;
+    QString name;
     /// Brings the trouble over a drive with a sound disc of some thousand sectors.
-    void (*damage)(SimulatedDrive& drive, quint64 seed);
+    std::function<void(SimulatedDrive& drive, quint64 seed)> damage;
     bool c2Only = false; ///< is about C2 pointers, so nothing new without them
 };
 

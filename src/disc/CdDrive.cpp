@@ -2,10 +2,13 @@
 
 #include "disc/DrivePlatform.h"
 
+#include <utility>
+
 namespace {
 
 constexpr quint32 freshDistance = 200;  // sectors the head travels before a re-read
 constexpr quint32 flushDistance = 2000; // far enough to leave a drive's cache
+constexpr int forgetfulDrive = 3;       // differing answers after one far read that show it
 
 quint32 farFrom(quint32 lba, quint32 distance)
 {
@@ -65,6 +68,7 @@ void CdDrive::release()
     bytesRead = 0;
     timingStarted = false;
     lastFreshLba = noBatch;
+    forgetfulAnswers = 0;
 }
 
 void CdDrive::emptyCache()
@@ -90,14 +94,18 @@ bool CdDrive::isCached(quint32 lba) const
     return batchStartLba != noBatch && lba >= batchStartLba && lba - batchStartLba < batchCount;
 }
 
+QByteArray CdDrive::cachedSector(quint32 lba) const
+{
+    return batchCache.mid(static_cast<qsizetype>(lba - batchStartLba) * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES);
+}
+
 QByteArray CdDrive::readPhysicalSector(quint32 lba, Purpose purpose)
 {
     QByteArray sector;
     if (isCached(lba)) {
-        const auto place = static_cast<qsizetype>(lba - batchStartLba);
         retriesOfLastRead = 0;
-        c2OfLastRead = static_cast<quint32>(batchC2Counts.value(place, 0));
-        sector = batchCache.mid(place * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES);
+        c2OfLastRead = static_cast<quint32>(batchC2Counts.value(static_cast<qsizetype>(lba - batchStartLba), 0));
+        sector = cachedSector(lba);
     } else {
         sector = readBatch(lba, purpose);
     }
@@ -106,21 +114,40 @@ QByteArray CdDrive::readPhysicalSector(quint32 lba, Purpose purpose)
     return sector;
 }
 
-// A sample check of a sector without a fault may cost one far read; whatever else
-// is read again is in doubt.
+// One far read is enough for most drives, and an answer that differs from the one
+// before it shows that it was. Three are made where an equal answer could have come
+// from a buffer of several segments, but for a sample check with C2, which may cost
+// a disc without a fault one alone.
 QByteArray CdDrive::readSectorFresh(quint32 lba)
 {
     if (image)
         return readImageSector(lba);
+    const bool maybeCheck = c2On && lba != std::exchange(lastFreshLba, lba);
+    const bool again = isCached(lba) && device && device->wasHandedOut(lba, 1);
+    const QByteArray before = again ? cachedSector(lba) : QByteArray();
+    const bool tryOnce = maybeCheck || forgetfulAnswers >= forgetfulDrive || !before.isEmpty();
+    QByteArray sector = readFromAfar(lba, tryOnce ? ColdReads::Effort::Once : ColdReads::Effort::Thorough);
+    if (tryOnce && !before.isEmpty() && !sector.isEmpty() && forgetfulAnswers < forgetfulDrive) {
+        if (sector != before) {
+            ++forgetfulAnswers;
+        } else if (!maybeCheck) {
+            device->handedOut(lba);
+            sector = readFromAfar(lba, ColdReads::Effort::Thorough);
+        }
+    }
+    if (!sector.isEmpty())
+        device->handedOut(lba);
+    return sector;
+}
+
+QByteArray CdDrive::readFromAfar(quint32 lba, ColdReads::Effort effort)
+{
     emptyCache();
     if (device && !device->holes().isHole(lba)) {
-        const bool maybeCheck = c2On && lba != lastFreshLba;
-        device->makeCold(lba, boundedBatch(lba),
-                         maybeCheck ? ColdReads::Effort::Once : ColdReads::Effort::Thorough);
+        device->makeCold(lba, boundedBatch(lba), effort);
         readBatch(farFrom(lba, freshDistance), Purpose::unjudged);
     }
-    lastFreshLba = lba;
-    return readPhysicalSector(lba, Purpose::judged);
+    return readBatch(lba, Purpose::judged);
 }
 
 void CdDrive::flushDriveCache(quint32 lba)

@@ -78,7 +78,9 @@ private:
     QByteArray readImageSector(quint32 lba);
     void loadImagePiece(qint64 position);
     QByteArray readPhysicalSector(quint32 lba, Purpose purpose);
+    QByteArray readFromAfar(quint32 lba, ColdReads::Effort effort);
     bool isCached(quint32 lba) const;
+    QByteArray cachedSector(quint32 lba) const;
     QByteArray readBatch(quint32 lba, Purpose purpose);
     bool climbLadder(quint32 lba, quint32 count);
     bool readAlone(quint32 lba, quint32 failedBatch);
@@ -119,5 +121,6 @@ private:
     quint32 c2OfLastRead = 0;
     quint32 speed = 0;
     quint32 lastFreshLba = noBatch;
+    int forgetfulAnswers = 0; ///< re-reads after one far read that differed from the read before them
     DriveReply lastReply;
 };

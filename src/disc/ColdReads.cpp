@@ -66,12 +66,16 @@ void ColdReads::handedOut(quint32 lba)
         handed.append({lba, lba + 1});
 }
 
-void ColdReads::makeCold(quint32 lba, quint32 count, Effort effort)
+bool ColdReads::wasHandedOut(quint32 lba, quint32 count) const
 {
-    const bool again = std::any_of(handed.cbegin(), handed.cend(), [=](const SectorRange& range) {
+    return std::any_of(handed.cbegin(), handed.cend(), [=](const SectorRange& range) {
         return range.first < lba + count && lba < range.end;
     });
-    if (again)
+}
+
+void ColdReads::makeCold(quint32 lba, quint32 count, Effort effort)
+{
+    if (wasHandedOut(lba, count))
         goFar(lba, effort);
 }
 

@@ -42,8 +42,9 @@ public:
     /// The last reading of this sector has been given to somebody who may hold
     /// another one against it.
     void handedOut(quint32 lba);
-    /// Goes far away if a reading of one of these sectors was handed out since the
-    /// drive last was there.
+    /// Whether that holds for one of these sectors since the drive last was far away.
+    bool wasHandedOut(quint32 lba, quint32 count) const;
+    /// Goes far away if it does.
     void makeCold(quint32 lba, quint32 count, Effort effort);
     /// As makeCold for every sector, on the way to this one.
     void makeAllCold(quint32 lba);
