@@ -69,6 +69,7 @@ void CdDrive::release()
     timingStarted = false;
     lastFreshLba = noBatch;
     forgetfulAnswers = 0;
+    remembersAfterOne = false;
 }
 
 void CdDrive::emptyCache()
@@ -125,7 +126,7 @@ QByteArray CdDrive::readSectorFresh(quint32 lba)
     const bool maybeCheck = c2On && lba != std::exchange(lastFreshLba, lba);
     const bool again = isCached(lba) && device && device->wasHandedOut(lba, 1);
     const QByteArray before = again ? cachedSector(lba) : QByteArray();
-    const bool tryOnce = maybeCheck || forgetfulAnswers >= forgetfulDrive || !before.isEmpty();
+    const bool tryOnce = maybeCheck || forgetfulAnswers >= forgetfulDrive || (!before.isEmpty() && !remembersAfterOne);
     QByteArray sector = readFromAfar(lba, tryOnce ? ColdReads::Effort::Once : ColdReads::Effort::Thorough);
     if (tryOnce && !before.isEmpty() && !sector.isEmpty() && forgetfulAnswers < forgetfulDrive) {
         if (sector != before) {
@@ -133,6 +134,7 @@ QByteArray CdDrive::readSectorFresh(quint32 lba)
         } else if (!maybeCheck) {
             device->handedOut(lba);
             sector = readFromAfar(lba, ColdReads::Effort::Thorough);
+            remembersAfterOne = !sector.isEmpty() && sector != before;
         }
     }
     if (!sector.isEmpty())

@@ -122,5 +122,6 @@ private:
     quint32 speed = 0;
     quint32 lastFreshLba = noBatch;
     int forgetfulAnswers = 0; ///< re-reads after one far read that differed from the read before them
+    bool remembersAfterOne = false; ///< a further answer that differed only after three has shown it
     DriveReply lastReply;
 };

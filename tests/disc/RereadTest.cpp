@@ -157,6 +157,19 @@ TEST_F(FarReads, AreOneOnceTheDriveHasShownThatItForgets)
     EXPECT_EQ(simulated.commands.size(), 1 + 2 + 3 + 2) << "another drive may lie behind the same letter";
 }
 
+TEST_F(FarReads, AreThreeAtOnceWhereTheDriveHasShownThatItRemembers)
+{
+    simulated.mechanism.cacheSectors = 900;
+    simulated.mechanism.cacheSegments = 3;
+    simulated.mechanism.readAhead = 150;
+    simulated.mechanism.faults = {SectorFault::flaky(5000, 5000, 1)};
+    drive.readSector(5000);
+    const QByteArray first = drive.readSectorFresh(5000);
+    simulated.commands.clear();
+    EXPECT_NE(drive.readSectorFresh(5000), first);
+    EXPECT_EQ(simulated.commands.size(), 3 + 2);
+}
+
 TEST_F(FarReads, AreOneForASampleCheckWithC2)
 {
     ASSERT_TRUE(drive.probeC2(150));
