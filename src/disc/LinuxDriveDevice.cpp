@@ -2,6 +2,7 @@
 
 #include "base/ByteOrder.h"
 #include "disc/DriveWatchdog.h"
+#include "disc/LinuxCommandAnswer.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,87 +21,6 @@ namespace {
 constexpr int commandTimeOutMs = 5000;
 constexpr int interruptedTries = 16;
 
-// The kernel's host and driver status, which no header offers to programs.
-constexpr int hostNoConnection = 1;
-constexpr int hostTimeOut = 3;
-constexpr int driverStatusMask = 0x0F; // the upper half is advice
-constexpr int driverTimeOut = 6;
-constexpr int driverSense = 8; // only says that sense data came
-
-constexpr int statusGood = 0x00;
-constexpr int statusCheckCondition = 0x02;
-constexpr int statusBusy = 0x08;
-constexpr int statusReserved = 0x18;
-constexpr int statusQueueFull = 0x28;
-
-using SenseBuffer = std::array<quint8, 32>;
-
-struct Sense {
-    int key = 0;
-    int additional = 0;
-};
-
-enum SenseKey { noSense = 0, recoveredError = 1, notReady = 2, illegalRequest = 5, unitAttention = 6 };
-constexpr int noMedium = 0x3A;
-
-std::optional<Sense> decodeSense(const SenseBuffer& bytes, size_t length)
-{
-    length = std::min(length, bytes.size());
-    const int format = bytes[0] & 0x7F;
-    const bool fixed = format == 0x70 || format == 0x71;
-    const bool descriptors = format == 0x72 || format == 0x73;
-    if (fixed && length >= 3)
-        return Sense{bytes[2] & 0x0F, length > 12 ? bytes[12] : 0};
-    if (descriptors && length >= 2)
-        return Sense{bytes[1] & 0x0F, length > 2 ? bytes[2] : 0};
-    return std::nullopt;
-}
-
-int errorOfSense(const Sense& sense)
-{
-    switch (sense.key) {
-    case notReady: return sense.additional == noMedium ? ENOMEDIUM : EBUSY;
-    case illegalRequest: return EINVAL;
-    case unitAttention: return EAGAIN;
-    default: return EIO;
-    }
-}
-
-int errorOfHost(int status)
-{
-    switch (status) {
-    case hostNoConnection: return ENODEV;
-    case hostTimeOut: return ETIMEDOUT;
-    default: return EIO;
-    }
-}
-
-// 0 for a command that was carried out without complaint. What lies furthest
-// from the disc is asked first: when the transport failed, the rest means nothing.
-int errorOfAnswer(const sg_io_hdr& header, const SenseBuffer& senseBytes)
-{
-    if (header.host_status != 0)
-        return errorOfHost(header.host_status);
-    const int driver = header.driver_status & driverStatusMask;
-    if (driver != 0 && driver != driverSense)
-        return driver == driverTimeOut ? ETIMEDOUT : EIO;
-
-    const auto sense = decodeSense(senseBytes, header.sb_len_wr);
-    const int status = header.status != statusGood ? header.status : header.masked_status << 1;
-    switch (status) {
-    case statusGood:
-        return sense && sense->key != noSense && sense->key != recoveredError ? errorOfSense(*sense) : 0;
-    case statusCheckCondition:
-        return sense ? errorOfSense(*sense) : EIO;
-    case statusBusy:
-    case statusReserved:
-    case statusQueueFull:
-        return EBUSY;
-    default:
-        return EIO;
-    }
-}
-
 int request(int file, sg_io_hdr& header)
 {
     for (int attempt = 0; attempt < interruptedTries; ++attempt) {
@@ -110,6 +30,11 @@ int request(int file, sg_io_hdr& header)
             break;
     }
     return errno;
+}
+
+DriveReply refused(const CommandRefusal& refusal)
+{
+    return {false, refusal.errorNumber, 0, refusal.failure};
 }
 
 std::array<quint8, 12> readCd(quint32 lba, quint32 count)
@@ -166,11 +91,9 @@ DriveReply LinuxDriveDevice::send(std::span<const quint8> command, std::span<qui
     header.timeout = static_cast<unsigned>(timeOutMs);
 
     if (const int error = request(file.get(), header))
-        return {false, error, 0};
-    // Some host drivers report a time-out as any other aborted command; the time
-    // it took gives it away.
-    if (const int error = errorOfAnswer(header, sense))
-        return {false, header.duration >= header.timeout ? ETIMEDOUT : error, 0};
+        return refused(refusalOfRequest(error));
+    if (const auto refusal = refusalOfAnswer(header, sense))
+        return refused(*refusal);
     // A negative residue means that the drive had more to say than there was
     // room for; what came is then not what was asked for.
     if (header.resid < 0 || static_cast<size_t>(header.resid) > data.size())

@@ -33,14 +33,14 @@ private:
 /// A command is ok when the request was taken, the SCSI, host and driver status
 /// are clean, and no sense data tells of an error. A check condition is a
 /// failure even with the sense key "recovered error": the read is repeated
-/// rather than believed. Sense data that comes with a good status and tells of
-/// nothing ("no sense", "recovered error") is no failure.
+/// rather than believed.
 ///
 /// Error numbers: that of the request itself; ETIMEDOUT for a command that ran
-/// out of time, as the kernel says or as the time it took tells, and ECANCELED
-/// when it was a guarded read; ENODEV for a drive that is gone; EBUSY, ENOMEDIUM,
-/// EINVAL and EAGAIN as the status and the sense key have it; EIO for all else
-/// and for a short transfer.
+/// out of time, as the kernel says or as the time that an aborted one took tells,
+/// and ECANCELED when it was a guarded read; ENODEV for a drive that is gone;
+/// EBUSY, ENOMEDIUM, EINVAL and EAGAIN as the status and the sense key have it;
+/// EIO for all else, an error that the drive itself reports late among them, and
+/// for a short transfer.
 class LinuxDriveDevice : public DriveDevice {
 public:
     /// @param blockFolder  what the kernel tells of the block device; it may be

@@ -42,10 +42,13 @@ protected:
     std::vector<quint8> data;
 };
 
+using enum DriveFailure;
+
 struct Refusal {
     const char* name;
     SgIoFault fault;
     int error;
+    DriveFailure failure;
 };
 
 SgIoFault withRequestError(int error)
@@ -85,12 +88,13 @@ SgIoFault hostErrorWithSense()
     return fault;
 }
 
-QByteArray descriptorSense(int key, int code)
+QByteArray descriptorSense(int key, int code, int qualifier = 0)
 {
     QByteArray sense(8, '\0');
     sense[0] = 0x72;
     sense[1] = static_cast<char>(key);
     sense[2] = static_cast<char>(code);
+    sense[3] = static_cast<char>(qualifier);
     return sense;
 }
 
@@ -209,35 +213,48 @@ TEST_F(LinuxDriveDeviceTest, ABlockLongerThanTheKernelTakesIsNotSent)
 TEST_F(LinuxDriveDeviceTest, NoRefusalPassesAsGoodData)
 {
     const QList<Refusal> refusals{
-        {"no medium", SgIoFault::checkCondition(2, 0x3A, 0), ENOMEDIUM},
-        {"becoming ready", SgIoFault::checkCondition(2, 0x04, 1), EBUSY},
-        {"no seek complete", SgIoFault::checkCondition(3, 0x02, 0), EIO},
-        {"unrecovered read", SgIoFault::checkCondition(3, 0x11, 5), EIO},
-        {"hardware", SgIoFault::checkCondition(4, 0x44, 0), EIO},
-        {"out of range", SgIoFault::checkCondition(5, 0x21, 0), EINVAL},
-        {"medium changed", SgIoFault::checkCondition(6, 0x28, 0), EAGAIN},
-        {"recovered error under a check condition", SgIoFault::checkCondition(1, 0x17, 1), EIO},
-        {"check condition without sense", withDriver(0, 0x02), EIO},
-        {"descriptor sense", withDriver(8, 0x02, descriptorSense(2, 0x3A)), ENOMEDIUM},
-        {"busy", withDriver(0, 0x08), EBUSY},
-        {"reservation conflict", withDriver(0, 0x18), EBUSY},
-        {"queue full", withDriver(0, 0x28), EBUSY},
-        {"unknown status", withDriver(0, 0x04), EIO},
-        {"host: no connection", withHost(1), ENODEV},
-        {"host: time-out, guarded", withHost(3), ECANCELED},
-        {"host: error", withHost(7), EIO},
-        {"host: error behind a recovered one", hostErrorWithSense(), EIO},
-        {"driver: busy", withDriver(1), EIO},
-        {"driver: time-out, guarded", withDriver(6), ECANCELED},
-        {"driver: hard error with advice", withDriver(0x17), EIO},
-        {"good status with the sense of a medium error", withDriver(8, 0, fixedSense(3, 0x11, 5)), EIO},
-        {"good status with a deferred error", withDriver(8, 0, deferredSense(4)), EIO},
-        {"request: not permitted", withRequestError(EPERM), EPERM},
-        {"request: busy", withRequestError(EBUSY), EBUSY},
-        {"request: unplugged", withRequestError(ENODEV), ENODEV},
-        {"request: no such device", withRequestError(ENXIO), ENXIO},
-        {"negative residue", withResidue(-1), EIO},
-        {"residue above the length", withResidue(2353), EIO},
+        {"no medium", SgIoFault::checkCondition(2, 0x3A, 0), ENOMEDIUM, notReady},
+        {"becoming ready", SgIoFault::checkCondition(2, 0x04, 1), EBUSY, becomingReady},
+        {"becoming ready, in the format of descriptors", withDriver(8, 0x02, descriptorSense(2, 0x04, 1)), EBUSY,
+         becomingReady},
+        {"not ready, cause unknown", SgIoFault::checkCondition(2, 0x04, 0), EBUSY, notReady},
+        {"not ready, needs a hand", SgIoFault::checkCondition(2, 0x04, 3), EBUSY, notReady},
+        {"not ready, another cause", SgIoFault::checkCondition(2, 0x30, 1), EBUSY, notReady},
+        {"no seek complete", SgIoFault::checkCondition(3, 0x02, 0), EIO, unreadable},
+        {"unrecovered read", SgIoFault::checkCondition(3, 0x11, 5), EIO, unreadable},
+        {"hardware", SgIoFault::checkCondition(4, 0x44, 0), EIO, unreadable},
+        {"blank check", SgIoFault::checkCondition(8, 0x64, 1), EIO, unreadable},
+        {"illegal mode for this track", SgIoFault::checkCondition(5, 0x64, 0), EINVAL, unreadable},
+        {"invalid field", SgIoFault::checkCondition(5, 0x24, 0), EINVAL, unknown},
+        {"aborted command", SgIoFault::checkCondition(0x0B, 0, 0), EIO, timedOut},
+        {"out of range", SgIoFault::checkCondition(5, 0x21, 0), EINVAL, unknown},
+        {"medium changed", SgIoFault::checkCondition(6, 0x28, 0), EAGAIN, notReady},
+        {"recovered error under a check condition", SgIoFault::checkCondition(1, 0x17, 1), EIO, unknown},
+        {"check condition without sense", withDriver(0, 0x02), EIO, unknown},
+        {"descriptor sense", withDriver(8, 0x02, descriptorSense(2, 0x3A)), ENOMEDIUM, notReady},
+        {"busy", withDriver(0, 0x08), EBUSY, notReady},
+        {"reservation conflict", withDriver(0, 0x18), EBUSY, notReady},
+        {"queue full", withDriver(0, 0x28), EBUSY, notReady},
+        {"unknown status", withDriver(0, 0x04), EIO, unknown},
+        {"host: no connection", withHost(1), ENODEV, notReady},
+        {"host: time-out, guarded", withHost(3), ECANCELED, timedOut},
+        {"host: aborted", withHost(5), EIO, timedOut},
+        {"host: reset", withHost(8), EIO, timedOut},
+        {"host: error", withHost(7), EIO, unknown},
+        {"host: error behind a recovered one", hostErrorWithSense(), EIO, unknown},
+        {"driver: busy", withDriver(1), EIO, unknown},
+        {"driver: time-out, guarded", withDriver(6), ECANCELED, timedOut},
+        {"driver: hard error with advice", withDriver(0x17), EIO, unknown},
+        {"good status with the sense of a medium error", withDriver(8, 0, fixedSense(3, 0x11, 5)), EIO, unreadable},
+        {"good status with a deferred error", withDriver(8, 0, deferredSense(4)), EIO, unknown},
+        {"request: not permitted", withRequestError(EPERM), EPERM, unknown},
+        {"request: busy", withRequestError(EBUSY), EBUSY, notReady},
+        {"request: no disc", withRequestError(ENOMEDIUM), ENOMEDIUM, notReady},
+        {"request: too long, guarded", withRequestError(ETIMEDOUT), ECANCELED, timedOut},
+        {"request: unplugged", withRequestError(ENODEV), ENODEV, notReady},
+        {"request: no such device", withRequestError(ENXIO), ENXIO, notReady},
+        {"negative residue", withResidue(-1), EIO, unknown},
+        {"residue above the length", withResidue(2353), EIO, unknown},
     };
     const LogCapture log; // the time-outs' lines have a test of their own
     for (const Refusal& refusal : refusals) {
@@ -247,6 +264,7 @@ TEST_F(LinuxDriveDeviceTest, NoRefusalPassesAsGoodData)
         EXPECT_FALSE(reply.ok);
         EXPECT_FALSE(reply.delivered(RAW_SECTOR_BYTES));
         EXPECT_EQ(reply.errorNumber, refusal.error);
+        EXPECT_EQ(reply.failure, refusal.failure);
         EXPECT_TRUE(readOne().delivered(RAW_SECTOR_BYTES)) << "the fault struck once";
     }
 }
@@ -315,6 +333,36 @@ TEST_F(LinuxDriveDeviceTest, AnAbortedCommandThatTookTheWholeTimeRanOutOfIt)
     EXPECT_EQ(log.warnings().size(), 1);
     system.faults = {aborted};
     EXPECT_EQ(readOne(false).errorNumber, EIO) << "an unguarded read has 5 s";
+}
+
+TEST_F(LinuxDriveDeviceTest, AnErrorThatTheDriveItselfReportsIsNoTimeOutHoweverLateItComes)
+{
+    const LogCapture log;
+    for (const auto& [key, code] : {std::pair{3, 0x11}, {4, 0x44}, {2, 0x04}, {8, 0x64}}) {
+        SgIoFault late = SgIoFault::checkCondition(key, code, 0);
+        for (const unsigned duration : {2999, 3000, 6500}) {
+            late.duration = duration;
+            system.faults = {late};
+            const DriveReply reply = readOne();
+            EXPECT_EQ(reply.errorNumber, key == 2 ? EBUSY : EIO) << key;
+            EXPECT_EQ(reply.failure, key == 2 ? notReady : unreadable) << key;
+        }
+    }
+    EXPECT_TRUE(log.warnings().isEmpty());
+}
+
+TEST_F(LinuxDriveDeviceTest, AHostThatAbortedACommandAfterTheWholeTimeRanOutOfIt)
+{
+    SgIoFault aborted = withHost(5);
+    aborted.duration = 3000;
+    system.faults = {aborted};
+    const LogCapture log;
+    EXPECT_EQ(readOne().errorNumber, ECANCELED);
+    SgIoFault broken = withHost(7);
+    broken.duration = 3000;
+    system.faults = {broken};
+    EXPECT_EQ(readOne().errorNumber, EIO) << "a transport error is none";
+    EXPECT_EQ(log.warnings().size(), 1);
 }
 
 TEST_F(LinuxDriveDeviceTest, OtherCommandsThatRunOutOfTimeAreNotLogged)
