@@ -65,8 +65,8 @@ FileDescriptor::~FileDescriptor()
         ::close(number);
 }
 
-LinuxDriveDevice::LinuxDriveDevice(FileDescriptor opened, QString folder)
-    : file(std::move(opened))
+LinuxDriveDevice::LinuxDriveDevice(DriveNodes opened, QString folder)
+    : nodes(std::move(opened))
     , blockFolder(std::move(folder))
 {
 }
@@ -90,7 +90,7 @@ DriveReply LinuxDriveDevice::send(std::span<const quint8> command, std::span<qui
     header.dxferp = data.empty() ? nullptr : data.data();
     header.timeout = static_cast<unsigned>(timeOutMs);
 
-    if (const int error = request(file.get(), header))
+    if (const int error = request(nodes.ofCommands().get(), header))
         return refused(refusalOfRequest(error));
     if (const auto refusal = refusalOfAnswer(header, sense))
         return refused(*refusal);

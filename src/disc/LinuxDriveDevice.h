@@ -27,8 +27,25 @@ private:
     int number = closed;
 };
 
+/// The open nodes of one drive. Commands go through the generic node where that
+/// is open. The block node stays open beside it, so that the drive is in use for
+/// whoever would eject its disc.
+struct DriveNodes {
+    FileDescriptor block;
+    FileDescriptor generic;
+
+    const FileDescriptor& ofCommands() const { return generic.isOpen() ? generic : block; }
+};
+
+/// What the kernel makes of a shorter time limit on a block node.
+inline constexpr int leastBlockTimeOutMs = 7000;
+
 /// An optical drive behind the kernel's SG_IO request, which takes command
 /// blocks as they are; no other request is made.
+///
+/// A guarded read ends after 3 s and any other command after 5 s, when they go
+/// through the generic node; through the block node each ends after 7 s. Then
+/// the kernel aborts it, which may take some seconds more.
 ///
 /// A command is ok when the request was taken, the SCSI, host and driver status
 /// are clean, and no sense data tells of an error. A check condition is a
@@ -45,7 +62,7 @@ class LinuxDriveDevice : public DriveDevice {
 public:
     /// @param blockFolder  what the kernel tells of the block device; it may be
     ///                     missing, and then the drive has no texts and no USB
-    LinuxDriveDevice(FileDescriptor file, QString blockFolder);
+    LinuxDriveDevice(DriveNodes nodes, QString blockFolder);
 
     DriveReply checkVerify() override;
     DriveReply readToc(std::span<quint8, 804> table) override;
@@ -56,6 +73,6 @@ public:
 private:
     DriveReply send(std::span<const quint8> command, std::span<quint8> data, int timeOutMs);
 
-    FileDescriptor file;
+    DriveNodes nodes;
     QString blockFolder;
 };

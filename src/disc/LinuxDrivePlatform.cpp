@@ -1,10 +1,14 @@
 #include "disc/LinuxDrivePlatform.h"
 
+#include "disc/DriveWatchdog.h"
 #include "disc/LinuxDriveDevice.h"
 
+#include <QDebug>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
+#include <cerrno>
 #include <chrono>
 #include <thread>
 
@@ -12,12 +16,41 @@
 
 namespace {
 
-// Without O_NONBLOCK the kernel waits for a disc and closes the tray.
-FileDescriptor openDrive(const QByteArray& path)
+FileDescriptor openNode(const QString& path, int access)
 {
-    FileDescriptor file(::open(path.constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
-    if (!file.isOpen())
-        file = FileDescriptor(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    // Without O_NONBLOCK the kernel waits for a disc and closes the tray.
+    return FileDescriptor(::open(QFile::encodeName(path).constData(), access | O_NONBLOCK | O_CLOEXEC));
+}
+
+FileDescriptor openBlockNode(const QString& path)
+{
+    FileDescriptor file = openNode(path, O_RDWR);
+    return file.isOpen() ? std::move(file) : openNode(path, O_RDONLY);
+}
+
+// Empty for a drive without one.
+QString genericNodeOf(const QString& blockFolder)
+{
+    const QStringList names = QDir(blockFolder + QStringLiteral("/device/scsi_generic"))
+                                  .entryList({QStringLiteral("sg*")}, QDir::Dirs | QDir::NoDotAndDotDot);
+    return names.isEmpty() ? QString() : QStringLiteral("/dev/") + names.first();
+}
+
+// A refused generic node costs time alone, so it is no failure.
+FileDescriptor openGenericNode(const QString& letter, const QString& path)
+{
+    FileDescriptor file;
+    QString choice = QStringLiteral("no generic node, commands go through the block node");
+    if (!path.isEmpty()) {
+        file = openNode(path, O_RDWR);
+        const int error = errno;
+        choice = QStringLiteral("commands go through ") + path;
+        if (!file.isOpen())
+            choice = QStringLiteral("cannot open %1 (error %2), commands go through the block node").arg(path).arg(error);
+    }
+    qDebug().noquote().nospace() << "[CdDrive] " << letter << ": " << choice
+                                 << "; the kernel cancels a read that hangs after "
+                                 << (file.isOpen() ? driveTimeOutMs : leastBlockTimeOutMs) << " ms";
     return file;
 }
 
@@ -52,11 +85,12 @@ QStringList LinuxDrivePlatform::enumerateDrives()
 
 std::unique_ptr<DriveDevice> LinuxDrivePlatform::open(const QString& letter)
 {
-    FileDescriptor file = openDrive(QFile::encodeName(letter));
-    if (!file.isOpen())
+    DriveNodes nodes{openBlockNode(letter), {}};
+    if (!nodes.block.isOpen())
         return nullptr;
     const QString blockFolder = sysRoot + QStringLiteral("/class/block/") + QFileInfo(letter).fileName();
-    return std::make_unique<LinuxDriveDevice>(std::move(file), blockFolder);
+    nodes.generic = openGenericNode(letter, genericNodeOf(blockFolder));
+    return std::make_unique<LinuxDriveDevice>(std::move(nodes), blockFolder);
 }
 
 qint64 LinuxDrivePlatform::nowNanoseconds()

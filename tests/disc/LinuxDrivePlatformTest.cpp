@@ -31,11 +31,14 @@ constexpr int openMode = O_NONBLOCK | O_CLOEXEC;
 // A 64-bit system sets this by itself, or not.
 constexpr int ignoredFlags = O_LARGEFILE;
 
-QList<int> without(QList<int> flags, int ignored)
+using Node = SgIoStandIn::Node;
+using Openings = QList<SgIoStandIn::Opening>;
+
+Openings without(Openings openings, int ignored)
 {
-    for (int& one : flags)
-        one &= ~ignored;
-    return flags;
+    for (SgIoStandIn::Opening& one : openings)
+        one.flags &= ~ignored;
+    return openings;
 }
 
 } // namespace
@@ -51,7 +54,7 @@ TEST_F(LinuxDrivePlatformTest, ADriveIsOpenedForReadingAndWritingWithoutWaiting)
 {
     EXPECT_TRUE(drive.open(devicePath));
     EXPECT_EQ(drive.name(), devicePath);
-    EXPECT_EQ(without(system.opens, ignoredFlags), QList<int>{O_RDWR | openMode});
+    EXPECT_EQ(without(system.opens, ignoredFlags), (Openings{{Node::block, O_RDWR | openMode}}));
     EXPECT_EQ(system.openFiles(), 1);
 }
 
@@ -62,7 +65,8 @@ TEST_F(LinuxDrivePlatformTest, ADriveThatMayNotBeWrittenIsOpenedForReading)
         system.openForWritingError = error;
         const LogCapture log;
         EXPECT_TRUE(drive.open(devicePath));
-        EXPECT_EQ(without(system.opens, ignoredFlags), (QList<int>{O_RDWR | openMode, O_RDONLY | openMode}));
+        EXPECT_EQ(without(system.opens, ignoredFlags),
+                  (Openings{{Node::block, O_RDWR | openMode}, {Node::block, O_RDONLY | openMode}}));
         EXPECT_TRUE(log.warnings().isEmpty());
         EXPECT_EQ(drive.readSector(0), truth(0));
     }

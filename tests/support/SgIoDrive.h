@@ -44,15 +44,34 @@ protected:
 
     QString sysRoot() const { return folder.filePath(QStringLiteral("sys")); }
 
+    QString sysEntry() const { return sysRoot() + QStringLiteral("/class/block/stood-in-sr0"); }
+
     /// Puts the kernel's entry of the drive into the tree, below a path of devices.
-    void makeSysEntry(const QString& devices, const QByteArray& vendor, const QByteArray& model) const
+    void makeSysEntry(const QString& devices = QStringLiteral("devices/pci0000:00/host0"),
+                      const QByteArray& vendor = "V\n", const QByteArray& model = "P\n") const
     {
         const QString block = sysRoot() + u'/' + devices + QStringLiteral("/block/stood-in-sr0");
         ASSERT_TRUE(QDir().mkpath(block + QStringLiteral("/device")));
+        ASSERT_TRUE(QDir().mkpath(block + QStringLiteral("/queue")));
         ASSERT_TRUE(QDir().mkpath(sysRoot() + QStringLiteral("/class/block")));
         writeFile(block + QStringLiteral("/device"), QStringLiteral("vendor"), vendor);
         writeFile(block + QStringLiteral("/device"), QStringLiteral("model"), model);
-        ASSERT_TRUE(QFile::link(block, sysRoot() + QStringLiteral("/class/block/stood-in-sr0")));
+        ASSERT_TRUE(QFile::link(block, sysEntry()));
+    }
+
+    /// Gives the drive of the entry a generic node.
+    void makeGenericNode()
+    {
+        ASSERT_TRUE(QDir().mkpath(sysEntry() + QStringLiteral("/device/scsi_generic/sg-stood-in")));
+        system.genericPath = "/dev/sg-stood-in";
+    }
+
+    /// Lets the kernel take so much in one request, and say so.
+    void limitTransfers(size_t kibibytes)
+    {
+        writeFile(sysEntry() + QStringLiteral("/queue"), QStringLiteral("max_hw_sectors_kb"),
+                  QByteArray::number(kibibytes) + '\n');
+        system.transferLimit = kibibytes * 1024;
     }
 
     QTemporaryDir folder;
