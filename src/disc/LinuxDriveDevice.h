@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <array>
 #include <utility>
 
 /// An open file of the operating system, closed at the end of its owner.
@@ -47,6 +48,10 @@ inline constexpr int leastBlockTimeOutMs = 7000;
 /// through the generic node; through the block node each ends after 7 s. Then
 /// the kernel aborts it, which may take some seconds more.
 ///
+/// A read of more than the kernel takes in one request goes out as several, each
+/// of whole sectors and with the whole time limit. The first that does not bring
+/// all of its sectors ends the read with its reply.
+///
 /// A command is ok when the request was taken, the SCSI, host and driver status
 /// are clean, and no sense data tells of an error. A check condition is a
 /// failure even with the sense key "recovered error": the read is repeated
@@ -61,7 +66,8 @@ inline constexpr int leastBlockTimeOutMs = 7000;
 class LinuxDriveDevice : public DriveDevice {
 public:
     /// @param blockFolder  what the kernel tells of the block device; it may be
-    ///                     missing, and then the drive has no texts and no USB
+    ///                     missing, and then the drive has no texts, no USB and
+    ///                     no limit on a transfer
     LinuxDriveDevice(DriveNodes nodes, QString blockFolder);
 
     DriveReply checkVerify() override;
@@ -71,8 +77,12 @@ public:
     std::optional<DriveDescriptor> descriptor() override;
 
 private:
+    using ReadCdBlock = std::array<quint8, 12>;
+
     DriveReply send(std::span<const quint8> command, std::span<quint8> data, int timeOutMs);
+    DriveReply sendReadCd(ReadCdBlock command, std::span<quint8> data, int timeOutMs);
 
     DriveNodes nodes;
     QString blockFolder;
+    size_t largestTransfer; ///< bytes of one request; 0: no limit is known
 };

@@ -46,7 +46,9 @@ FileDescriptor openGenericNode(const QString& letter, const QString& path)
         const int error = errno;
         choice = QStringLiteral("commands go through ") + path;
         if (!file.isOpen())
-            choice = QStringLiteral("cannot open %1 (error %2), commands go through the block node").arg(path).arg(error);
+            choice = QStringLiteral("cannot open %1 (error %2), commands go through the block node")
+                         .arg(path)
+                         .arg(error);
     }
     qDebug().noquote().nospace() << "[CdDrive] " << letter << ": " << choice
                                  << "; the kernel cancels a read that hangs after "
