@@ -44,6 +44,8 @@ public:
     static DiscToc parseCue(const QString& path);
 
     DiscToc readToc();
+    /// Why the last table of contents of a physical drive did not come.
+    DriveFailure tocFailure() const { return failureOfLastToc; }
     QByteArray readSector(quint32 lba);
     /// As readSector, for samples that no other reading is held against: what the
     /// drive remembers will do.
@@ -124,4 +126,5 @@ private:
     int forgetfulAnswers = 0; ///< re-reads after one far read that differed from the read before them
     bool remembersAfterOne = false; ///< a further answer that differed only after three has shown it
     DriveReply lastReply;
+    DriveFailure failureOfLastToc = DriveFailure::unknown;
 };

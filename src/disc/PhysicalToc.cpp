@@ -8,11 +8,15 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <optional>
 
 namespace {
 
 constexpr int tocAttempts = 5;
 constexpr int tocPauseMs = 300;
+constexpr int readyPauseMs = 250;
+constexpr qint64 nanosecondsOfMs = 1'000'000;
+constexpr qint64 readyPatience = 10'000 * nanosecondsOfMs;
 constexpr quint32 sessionGapSectors = 11400; // lead-out and lead-in between two sessions
 
 using TocTable = std::array<quint8, 804>;
@@ -90,6 +94,31 @@ SectorRange audioArea(const QList<TrackInfo>& tracks)
     }
     return area;
 }
+/// Patience with a drive that is still looking at its disc. It has an end, once
+/// for all checks.
+class ReadinessWait {
+public:
+    DriveReply untilReady(DriveDevice& device)
+    {
+        DriveReply reply = device.checkVerify();
+        while (reply.failure == DriveFailure::becomingReady && mayPause()) {
+            drivePlatform().sleepMilliseconds(readyPauseMs);
+            reply = device.checkVerify();
+        }
+        return reply;
+    }
+
+private:
+    bool mayPause()
+    {
+        const qint64 now = drivePlatform().nowNanoseconds();
+        if (!started)
+            started = now;
+        return now + readyPauseMs * nanosecondsOfMs - *started <= readyPatience;
+    }
+
+    std::optional<qint64> started;
+};
 
 } // namespace
 
@@ -99,10 +128,12 @@ DiscToc CdDrive::readToc()
         return imageDisc;
     if (!device)
         return {};
+    ReadinessWait wait;
     for (int attempt = 1; attempt <= tocAttempts; ++attempt) {
         TocTable table{};
-        device->checkVerify();
+        const DriveReply ready = wait.untilReady(*device);
         const DriveReply reply = device->readToc(table);
+        failureOfLastToc = ready.ok ? reply.failure : ready.failure;
         if (reply.ok && plausibleToc(table)) {
             DiscToc disc = discFromToc(table);
             sectorLimit = disc.totalSectors;

@@ -11,6 +11,7 @@ class DriveShim : public DrivePlatform {
 public:
     explicit DriveShim(DrivePlatform& below) : inner(below) {}
 
+    std::function<void(DriveReply&)> onVerify;
     std::function<void(std::span<quint8, 804>, DriveReply&)> onToc;
     std::function<void(quint32 lba, std::span<quint8>, bool guarded, DriveReply&)> onRaw;
     std::function<void(std::span<const quint8>, std::span<quint8>, DriveReply&)> onPassThrough;
@@ -30,7 +31,13 @@ private:
     public:
         Device(DriveShim& owner, std::unique_ptr<DriveDevice> below) : shim(owner), device(std::move(below)) {}
 
-        DriveReply checkVerify() override { return device->checkVerify(); }
+        DriveReply checkVerify() override
+        {
+            DriveReply reply = device->checkVerify();
+            if (shim.onVerify)
+                shim.onVerify(reply);
+            return reply;
+        }
         DriveReply readToc(std::span<quint8, 804> table) override
         {
             DriveReply reply = device->readToc(table);
