@@ -19,6 +19,7 @@
 #include <QComboBox>
 #include <QDeadlineTimer>
 #include <QFile>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -42,6 +43,32 @@ QWidget* bar(const char* objectName, int height)
     made->setObjectName(QLatin1String(objectName));
     made->setFixedHeight(height);
     return made;
+}
+
+/// Shows for its lifetime that the window waits for something.
+class WaitCursor {
+public:
+    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+QString whyThereIsNoDisc(DriveFailure failure)
+{
+    switch (failure) {
+    case DriveFailure::becomingReady:
+        return pickLang("ドライブの準備がまだできていません。少し待ってから Back、Next の順に押してください。",
+                        "The drive is still getting ready. Wait a moment, then press Back and Next.");
+    case DriveFailure::notReady:
+        return pickLang("ディスクが入っていないか、ドライブの準備ができていません。"
+                        "ディスクを入れて Back、Next の順に押してください。",
+                        "There is no disc in the drive, or it is not ready. "
+                        "Insert a disc, then press Back and Next.");
+    default:
+        return pickLang("ディスクの目次 (TOC) を読み取れませんでした。音楽 CD かどうか確認してください。",
+                        "The drive could not read the disc's table of contents. Is it an audio CD?");
+    }
 }
 
 } // namespace
@@ -218,6 +245,7 @@ QString MainWindow::chosenDriveLetter() const
 // in when it was picked.
 void MainWindow::enterMetadata()
 {
+    showDriveNotice(QString());
     const QString letter = chosenDriveLetter();
     if (!audioPathEdit->text().isEmpty())
         fillForAudioFile();
@@ -229,12 +257,20 @@ void MainWindow::enterMetadata()
 
 void MainWindow::enterDrive(const QString& letter)
 {
-    if (!drive->open(letter))
+    if (drive->isBorrowed()) // by a rip, whose disc the page shows
         return;
+    const WaitCursor cursor;
+    if (!drive->open(letter)) {
+        showDriveNotice(pickLang("ドライブを開けませんでした。使用中でないか、権限があるかを確認してください。",
+                                 "The drive could not be opened. Is it in use, or is the permission missing?"));
+        return;
+    }
     applyDriveOffset();
     const DiscToc read = drive->readToc();
-    if (read.tracks.isEmpty())
+    if (read.tracks.isEmpty()) {
+        showDriveNotice(whyThereIsNoDisc(drive->tocFailure()));
         return;
+    }
     disc = read;
     fillTrackTable();
     startLookup(LookupChain::disc);
@@ -269,6 +305,7 @@ void MainWindow::reset()
         field->setPlaceholderText(QString());
     }
     trackTable->setRowCount(0);
+    showDriveNotice(QString());
     coverPixmap = QPixmap();
     artLabel->setText(QStringLiteral("♪"));
     discNumberSpin->setValue(1);

@@ -95,6 +95,8 @@ private:
     void pickCover();
     void fillTrackTable();
     void fillForAudioFile();
+    /// Says why there is no track list; an empty text takes the line away.
+    void showDriveNotice(const QString& text);
     void mergeTitles();
     enum class LookupChain { disc, sheet };
     void startLookup(LookupChain chain);
@@ -154,6 +156,7 @@ private:
     QSpinBox* discNumberSpin = nullptr;
     QSpinBox* discTotalSpin = nullptr;
     QTableWidget* trackTable = nullptr;
+    QLabel* driveNotice = nullptr; ///< hidden while there is nothing to say
 
     SectorMap* sectorMap = nullptr;
     QProgressBar* ripProgress = nullptr;

@@ -89,12 +89,21 @@ QWidget* MainWindow::buildMetadataPage()
     trackTable->setFixedHeight(180);
     trackTable->setAccessibleName(pickLang("トラックリスト", "Track list"));
 
+    // In one row with the title of the list that it stands in for, and as high, so
+    // that the page needs no more room when it is shown.
+    driveNotice = pageparts::label(QString(), "driveNotice");
+    driveNotice->setStyleSheet(QStringLiteral("color: #ffaa00; font-size: 8pt;"));
+    driveNotice->hide();
+    auto* listTitle = new QHBoxLayout;
+    listTitle->addWidget(pageparts::label(pickLang("トラックリスト", "Track List"), "sectionLabel"));
+    listTitle->addWidget(driveNotice, 1);
+
     auto* page = new QWidget;
     auto* layout = pageparts::pageLayout(page, 16);
     layout->addWidget(pageparts::heading(
         pickLang("アルバム情報を確認・編集してください", "Check and edit the album information")));
     layout->addLayout(columns);
-    layout->addWidget(pageparts::label(pickLang("トラックリスト", "Track List"), "sectionLabel"));
+    layout->addLayout(listTitle);
     layout->addWidget(trackTable);
     layout->addStretch();
     return page;
@@ -164,6 +173,12 @@ void MainWindow::fillForAudioFile()
     pageparts::addTrackRow(trackTable, pageparts::twoDigits(track.number), track.title, QStringLiteral("—"));
     albumEdit->setPlaceholderText(pickLang("アルバム名を入力", "Enter album name"));
     artistEdit->setPlaceholderText(pickLang("アーティスト名を入力", "Enter artist name"));
+}
+
+void MainWindow::showDriveNotice(const QString& text)
+{
+    driveNotice->setText(text);
+    driveNotice->setVisible(!text.isEmpty());
 }
 
 void MainWindow::mergeTitles()

@@ -11,6 +11,7 @@ class DriveShim : public DrivePlatform {
 public:
     explicit DriveShim(DrivePlatform& below) : inner(below) {}
 
+    std::function<void()> onOpen;
     std::function<void(DriveReply&)> onVerify;
     std::function<void(std::span<quint8, 804>, DriveReply&)> onToc;
     std::function<void(quint32 lba, std::span<quint8>, bool guarded, DriveReply&)> onRaw;
@@ -20,6 +21,8 @@ public:
     QStringList enumerateDrives() override { return inner.enumerateDrives(); }
     std::unique_ptr<DriveDevice> open(const QString& letter) override
     {
+        if (onOpen)
+            onOpen();
         auto device = inner.open(letter);
         return device ? std::make_unique<Device>(*this, std::move(device)) : nullptr;
     }

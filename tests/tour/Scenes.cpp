@@ -1,6 +1,7 @@
 #include "tour/Scenes.h"
 
 #include "support/DiscMaker.h"
+#include "support/LoadingDrive.h"
 #include "support/LoopbackServices.h"
 #include "support/ServiceAnswers.h"
 #include "support/DialogWatcher.h"
@@ -171,6 +172,25 @@ void sourceAndOutput(Stage& stage, QList<Shot>& shots)
     stage.shoot(shots, QStringLiteral("Output with a long path"));
 }
 
+void withoutDisc(Stage& stage, QList<Shot>& shots)
+{
+    const std::pair<DriveFailure, const char*> states[] = {
+        {DriveFailure::becomingReady, "Metadata of a drive that gets ready"},
+        {DriveFailure::notReady, "Metadata of a drive without a disc"},
+        {DriveFailure::unreadable, "Metadata of a disc that cannot be read"}};
+    for (const auto& [failure, caption] : states) {
+        LoadingDrive loading(stage.open().shelf());
+        const DrivePlatformOverride platform(loading);
+        loading.failure = failure;
+        loading.load(60);
+        stage.enterMetadata();
+        stage.shoot(shots, QLatin1String(caption));
+    }
+    stage.open({QStringLiteral("/dev/sr7")});
+    stage.enterMetadata();
+    stage.shoot(shots, QStringLiteral("Metadata of a drive that cannot be opened"));
+}
+
 void metadata(Stage& stage, QList<Shot>& shots)
 {
     stage.open();
@@ -294,7 +314,8 @@ void converting(Stage& stage, QList<Shot>& shots)
 QList<Shot> playScenes(int language, const QSize& size)
 {
     QList<Shot> shots;
-    for (const auto scene : {sourceAndOutput, metadata, ripping, audioFile, verdicts, settings, converting}) {
+    for (const auto scene :
+         {sourceAndOutput, withoutDisc, metadata, ripping, audioFile, verdicts, settings, converting}) {
         Stage stage(language, size);
         scene(stage, shots);
     }
