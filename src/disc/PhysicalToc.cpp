@@ -94,6 +94,7 @@ SectorRange audioArea(const QList<TrackInfo>& tracks)
     }
     return area;
 }
+
 /// Patience with a drive that is still looking at its disc. It has an end, once
 /// for all checks.
 class ReadinessWait {
