@@ -69,6 +69,7 @@ void CdDrive::release()
     timingStarted = false;
     lastFreshLba = noBatch;
     forgetfulAnswers = 0;
+    equalAfterOne = false;
     remembersAfterOne = false;
 }
 
@@ -115,30 +116,31 @@ QByteArray CdDrive::readPhysicalSector(quint32 lba, Purpose purpose)
     return sector;
 }
 
-// One far read is enough for most drives, and an answer that differs from the one
-// before it shows that it was. Three are made where an equal answer could have come
-// from a buffer of several segments, but for a sample check with C2, which may cost
-// a disc without a fault one alone.
+// One far read is enough for most drives, and answers that differ from those before
+// them show that it was. Until then three are made where an equal answer would be
+// one vote more out of a buffer of several segments; but one for the first re-read,
+// which may be the sample check of a disc without a fault.
 QByteArray CdDrive::readSectorFresh(quint32 lba)
 {
     if (image)
         return readImageSector(lba);
-    const bool maybeCheck = c2On && lba != std::exchange(lastFreshLba, lba);
-    const bool again = isCached(lba) && device && device->wasHandedOut(lba, 1);
-    const QByteArray before = again ? cachedSector(lba) : QByteArray();
-    const bool tryOnce = maybeCheck || forgetfulAnswers >= forgetfulDrive || (!before.isEmpty() && !remembersAfterOne);
-    QByteArray sector = readFromAfar(lba, tryOnce ? ColdReads::Effort::Once : ColdReads::Effort::Thorough);
-    if (tryOnce && !before.isEmpty() && !sector.isEmpty() && forgetfulAnswers < forgetfulDrive) {
-        if (sector != before) {
+    const bool again = lba == std::exchange(lastFreshLba, lba);
+    const bool handed = isCached(lba) && device && device->wasHandedOut(lba, 1);
+    const QByteArray before = handed ? cachedSector(lba) : QByteArray();
+    const bool once = !remembersAfterOne ? !again || forgetfulAnswers >= forgetfulDrive : c2On && !again;
+
+    const QByteArray sector = readFromAfar(lba, once ? ColdReads::Effort::Once : ColdReads::Effort::Thorough);
+    if (sector.isEmpty())
+        return sector;
+    device->handedOut(lba);
+    if (!before.isEmpty()) {
+        const bool differs = sector != before;
+        if (differs && once)
             ++forgetfulAnswers;
-        } else if (!maybeCheck) {
-            device->handedOut(lba);
-            sector = readFromAfar(lba, ColdReads::Effort::Thorough);
-            remembersAfterOne = !sector.isEmpty() && sector != before;
-        }
+        else if (differs && again && equalAfterOne)
+            remembersAfterOne = true;
+        equalAfterOne = once && !differs;
     }
-    if (!sector.isEmpty())
-        device->handedOut(lba);
     return sector;
 }
 
