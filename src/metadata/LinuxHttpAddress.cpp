@@ -46,5 +46,6 @@ QByteArray followedAddress(const QByteArray& from, const QByteArray& location)
     const Url url(curl_url());
     if (!setPart(url, CURLUPART_URL, from) || !setPart(url, CURLUPART_URL, location, CURLU_URLENCODE))
         return {};
-    return part(url, CURLUPART_URL);
+    const QByteArray scheme = part(url, CURLUPART_SCHEME);
+    return scheme == "http" || scheme == "https" ? part(url, CURLUPART_URL) : QByteArray();
 }
