@@ -153,6 +153,18 @@ TEST(HttpRedirect, TheBodyOfARedirectIsNotWaitedFor)
     EXPECT_LT(timer.elapsed(), HttpLimits().silenceMilliseconds / 2);
 }
 
+TEST(HttpRedirect, CapitalsAndEscapesInALocationLeadToTheSamePlace)
+{
+    for (const char* location : {"HTTP://B.TEST/End%2f?X=%2B", "http://%62.test/End%2f?X=%2B"}) {
+        LoopbackServices services;
+        services.on("a.test", "/start", redirect(location));
+        httpGet(QStringLiteral("http://a.test/start"));
+        ASSERT_EQ(services.requests().size(), 2) << location;
+        EXPECT_EQ(services.requests()[1].host.toLower(), "b.test") << location;
+        EXPECT_EQ(services.requests()[1].target, "/End%2f?X=%2B") << location;
+    }
+}
+
 TEST(HttpRedirect, AnUnencodedLocationIsEncoded)
 {
     LoopbackServices services;

@@ -135,9 +135,19 @@ TEST(HttpTarget, APortInTheAddressIsIgnored)
 TEST(HttpTarget, CapitalsInTheHostDoNotHideIt)
 {
     LoopbackServices services;
-    httpGet(QStringLiteral("HTTP://A.Test/Path"));
-    CoverArt::get(QStringLiteral("HTTP://A.Test/Path"));
-    EXPECT_EQ(services.targets("a.test"), (QList<QByteArray>{"/Path", "/Path"}));
+    httpGet(QStringLiteral("HTTP://A.Test/Path%2f"));
+    CoverArt::get(QStringLiteral("HTTP://A.Test/Path%2f"));
+    EXPECT_EQ(services.targets("a.test"), (QList<QByteArray>{"/Path/", "/Path%2f"}));
+}
+
+TEST(HttpTarget, EscapesInTheHostAreItsLetters)
+{
+    LoopbackServices services;
+    const QString address = QStringLiteral("http://%61.test/x?q=1");
+    httpGet(address);
+    gnudbGet(address);
+    CoverArt::get(address);
+    EXPECT_EQ(services.targets("a.test"), QList<QByteArray>(3, "/x?q=1"));
 }
 
 TEST(HttpTarget, AHostInOtherLettersGoesOutInItsAsciiForm)
