@@ -151,6 +151,51 @@ TEST(GnuDbLookup, AListThatIsNotClosedEndsWithTheLastLine)
     EXPECT_EQ(gnudbLookup(threeTracks()).album, QStringLiteral("Album aa015903"));
 }
 
+TEST(GnuDbLookup, WhatStandsBehindTheClosingPointIsNoCandidate)
+{
+    for (const char* point : {".\r\n", ".\n", " . \n"}) {
+        LoopbackServices services;
+        play(services, 210, {record("aa000001", 2), record("aa000002", 3)});
+        services.on(hosts::gnuDb, queryStart,
+                    page(QByteArray("210 Found\r\nrock aa000001 x\r\n") + point + "rock aa000002 x\r\n"));
+        const LogCapture log;
+        EXPECT_EQ(gnudbLookup(threeTracks()).album, QStringLiteral("Album aa000001"));
+        EXPECT_TRUE(log.debugLines().contains(QStringLiteral("[GnuDB] candidates: 1")));
+    }
+}
+
+TEST(GnuDbLookup, BlanksAroundALineCountForNothing)
+{
+    const ServedRecord found = record("aa000001", 3);
+    for (const char* answer :
+         {"200 rock aa000001\r\n", " \t 200 rock aa000001 x\n", "210 Found\n  rock aa000001\r\n.\r\n"}) {
+        LoopbackServices services;
+        play(services, 210, {found});
+        services.on(hosts::gnuDb, queryStart, page(answer));
+        services.on(hosts::gnuDb, readTarget("rock", "aa000001"),
+                    page(gnudb::recordAnswer(found).replace("TTITLE", "\t TTITLE")));
+        const LogCapture log;
+        EXPECT_EQ(gnudbLookup(threeTracks()).tracks.size(), 3) << answer;
+        EXPECT_EQ(services.targets(hosts::gnuDb).value(1), readTarget("rock", "aa000001")) << answer;
+        EXPECT_EQ(services.requests().size(), 2) << answer;
+    }
+}
+
+TEST(GnuDbLookup, TheStatusLineIsNoPartOfARecord)
+{
+    for (const int code : {200, 210}) {
+        LoopbackServices services;
+        const ServedRecord found = record("aa000001", 2);
+        play(services, code, {found});
+        if (code == 200)
+            services.on(hosts::gnuDb, queryStart, page(gnudb::exactMatch(found)));
+        services.on(
+            hosts::gnuDb, readTarget("rock", "aa000001"),
+            page("TTITLE2=of the status line\r\n" + gnudb::recordAnswer(found).replace("210 rock", "#")));
+        EXPECT_EQ(gnudbLookup(threeTracks()).tracks.size(), 2) << code;
+    }
+}
+
 TEST(GnuDbLookup, TheFirstCandidateWithTheRightCountWins)
 {
     for (const int code : {210, 211}) {
