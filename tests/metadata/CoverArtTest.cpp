@@ -96,6 +96,41 @@ TEST(CoverArtFetch, ATokenTurnsDiscogsOnBetweenTheOthers)
     EXPECT_EQ(cover.fetch(artist, album).size(), QSize(60, 60));
 }
 
+TEST(CoverArtFetch, DiscogsIsReachedAfterAnArchiveThatHasNoPicture)
+{
+    ServedAnswer drops;
+    drops.dropped = true;
+    for (const ServedAnswer& archive : {errorPage(404), errorPage(500), image({}), drops}) {
+        LoopbackServices services;
+        playMusicBrainz(services);
+        playITunes(services);
+        services.on(hosts::coverArtArchive, "/", archive);
+        services.on(hosts::discogs, "/",
+                    json(discogs::searchAnswer(QStringLiteral("https://images.test/d.png"), {})));
+        services.on(hosts::images, "/d.png", image(picture(33, 33)));
+        CoverArt cover;
+        cover.discogsToken = QStringLiteral("token");
+        EXPECT_EQ(cover.fetch(artist, album).size(), QSize(33, 33));
+        EXPECT_EQ(services.targets(hosts::coverArtArchive).size(), 1);
+        EXPECT_EQ(services.targets(hosts::discogs).size(), 1);
+    }
+}
+
+TEST(CoverArtPicture, IsTakenFromA200Alone)
+{
+    LoopbackServices services;
+    const QString address = QStringLiteral("https://images.test/p.png");
+    ServedAnswer answer = image(picture(33, 22));
+    for (const int status : {200, 404, 403, 500, 203}) {
+        answer.status = status;
+        services.on(hosts::images, "/p.png", answer);
+        EXPECT_EQ(CoverArt::pictureAt(address).size(), status == 200 ? QSize(33, 22) : QSize(0, 0)) << status;
+    }
+    EXPECT_EQ(services.requests().size(), 5);
+    EXPECT_TRUE(CoverArt::pictureAt(QString()).isNull());
+    EXPECT_EQ(services.requests().size(), 5);
+}
+
 TEST(CoverArtFetch, NoSourceIsAWarning)
 {
     LoopbackServices services;

@@ -67,7 +67,10 @@ TEST_F(LookupCover, OfAReleaseWithoutFrontPictureIsTheStores)
     services.on(hosts::images, "/art/600x600bb.jpg", image(picture(20, 40)));
     ServedAnswer hangsUp;
     hangsUp.dropped = true;
-    for (const ServedAnswer& archive : {errorPage(404), errorPage(500), image("no picture"), page(QByteArray()), hangsUp}) {
+    ServedAnswer withPicture = image(picture(40, 20)); // an error that shows a picture is an error
+    withPicture.status = 404;
+    for (const ServedAnswer& archive :
+         {errorPage(404), errorPage(500), image("no picture"), page(QByteArray()), hangsUp, withPicture}) {
         services.on(hosts::coverArtArchive, front(), archive);
         WindowDriver app(2, drive());
         linesOfDisc(app);
