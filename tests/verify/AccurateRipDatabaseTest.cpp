@@ -92,6 +92,19 @@ TEST(ParseDbar, ChunksOfOtherPressingsAreSteppedOver)
     EXPECT_EQ(parseDbar(body, ids), (QList<QList<ArEntry>>{{{9, 2, 2}}, {{9, 3, 3}}}));
 }
 
+TEST(ParseDbar, AChunkIsOfTheDiscWhenItsCountAndItsThreeIdsAre)
+{
+    QList<AccurateRipIds> others(3, ids);
+    others[0].discId1 += 1;
+    others[1].discId2 += 1;
+    others[2].cddbId += 1;
+    for (const AccurateRipIds& other : std::as_const(others))
+        EXPECT_EQ(parseDbar(chunk({entry(1, 1, 1), entry(1, 1, 1)}, other), ids), QList<QList<ArEntry>>(2));
+    EXPECT_EQ(parseDbar(chunk({entry(1, 1, 1)}), ids), QList<QList<ArEntry>>(2));
+    EXPECT_EQ(parseDbar(chunk({entry(1, 1, 1), entry(1, 1, 1), entry(1, 1, 1)}), ids),
+              QList<QList<ArEntry>>(2));
+}
+
 TEST(ParseDbar, AChunkCutOffKeepsWhatWasRead)
 {
     QByteArray body = chunk({entry(5, 0xA1, 0xB1), entry(6, 0xA2, 0xB2)});
@@ -176,6 +189,32 @@ TEST_F(AccurateRipVerify, TheLogNamesTheAddressAndTheAnswer)
                                               "dBAR-002-00007530-00013881-0b010a02.bin"),
                                QStringLiteral("[AccurateRip] HTTP status: %1 bytes: %2").arg(status).arg(body.size())}));
     }
+}
+
+TEST_F(AccurateRipVerify, NothingOfAnEarlierVerificationIsLeft)
+{
+    const auto spoil = [this] {
+        tracks = {{{5, 1, 2}}, {{6, 3, 4}}, {{7, 5, 6}}};
+        error = QStringLiteral("an earlier error");
+        networkError = true;
+    };
+    spoil();
+    answerWith(200, chunk({entry(5, 1, 2), entry(6, 3, 4)}, computeAccurateRipIds(disc)));
+    EXPECT_TRUE(verify());
+    EXPECT_TRUE(error.isEmpty());
+    EXPECT_FALSE(networkError);
+    for (const int status : {404, 0, 503}) {
+        spoil();
+        answerWith(status, {});
+        EXPECT_FALSE(verify());
+        EXPECT_TRUE(tracks.isEmpty()) << status;
+        EXPECT_EQ(networkError, status != 404) << status;
+    }
+    spoil();
+    disc.tracks.clear();
+    EXPECT_FALSE(verify());
+    EXPECT_TRUE(tracks.isEmpty());
+    EXPECT_FALSE(networkError);
 }
 
 TEST_F(AccurateRipVerify, ADiscWithoutAudioAsksNothing)

@@ -84,6 +84,23 @@ TEST(AccurateRipIds, TwoAudioTracksHaveTheWorkedText)
               QStringLiteral("dBAR-002-00007530-00013881-0b010a02"));
 }
 
+// Tracks at 12 and 135 seconds: digits 3 and 9. Length 268 - 12 = 256.
+TEST(AccurateRipIds, TheLengthCountsFromTheFirstTrack)
+{
+    const AccurateRipIds ids = computeAccurateRipIds(discOf({{750, false}, {10000, false}}, 20000));
+    EXPECT_EQ(ids.cddbId, 0x0c010002u);
+}
+
+// Ten seconds of which each has the digit sum 28, from 1999 on: 280 in all, and
+// 280 modulo 255 is 25. Length 4500 - 1999 = 2501.
+TEST(AccurateRipIds, TheDigitSumIsTakenModulo255)
+{
+    QList<std::pair<quint32, bool>> tracks;
+    for (const quint32 second : {1999u, 2899u, 2989u, 2998u, 3799u, 3889u, 3898u, 3979u, 3988u, 3997u})
+        tracks.append({second * 75 - 150, false});
+    EXPECT_EQ(computeAccurateRipIds(discOf(tracks, 4500 * 75 - 150)).cddbId, 0x19u << 24 | 2501u << 8 | 10u);
+}
+
 TEST(AccurateRipIds, AFirstSectorOfZeroCountsAsOneInTheProductAlone)
 {
     const AccurateRipIds ids = computeAccurateRipIds(discOf({{0, false}}, 0));
