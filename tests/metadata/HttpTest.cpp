@@ -158,6 +158,17 @@ TEST(HttpTarget, AHostInOtherLettersGoesOutInItsAsciiForm)
     EXPECT_EQ(services.targets("xn--bcher-kva.test"), (QList<QByteArray>{"/x", "/x"}));
 }
 
+// Under a name that Qt shows in its own letters, the host is found in the text.
+TEST(HttpTarget, AHostInOtherLettersDoesNotHideThePathBehindIt)
+{
+    LoopbackServices services;
+    const LogCapture log;
+    httpGet(QStringLiteral("http://b\u00fccher.museum/%41"));
+    CoverArt::get(QStringLiteral("http://b\u00fccher.museum/%41"));
+    EXPECT_EQ(services.targets("xn--bcher-kva.museum"), (QList<QByteArray>{"/A", "/%41"}));
+    EXPECT_EQ(log.debugLines().value(0).toStdString(), "[HTTP] host= b\u00fccher.museum path= /A");
+}
+
 TEST(HttpHeaders, TwoUserAgentLinesAreSentAndNothingIsAccepted)
 {
     LoopbackServices services;

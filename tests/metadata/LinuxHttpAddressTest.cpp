@@ -52,6 +52,7 @@ TEST(FollowedAddress, EscapesStayAndWhatIsNotEscapedBecomesSo)
 {
     EXPECT_EQ(followedAddress(from, "/a%20b%2Fc?d=%2Be"), "http://a.test/a%20b%2Fc?d=%2Be");
     EXPECT_EQ(followedAddress(from, "/a b"), "http://a.test/a%20b");
+    EXPECT_EQ(followedAddress(from, "http://b.test/a b"), "http://b.test/a%20b");
     EXPECT_EQ(followedAddress(from, "/\xE6\x97\xA5").toUpper(), "HTTP://A.TEST/%E6%97%A5");
     EXPECT_EQ(followedAddress(from, "http://%62.test/end"), "http://b.test/end");
 }
