@@ -64,6 +64,36 @@ TEST_F(Wizard, TheIndicatorMarksTheStepAndThoseDone)
     }
 }
 
+// The colours of the style sheet: accent and a line below for the step, another
+// blue for those done, and quiet for those to come.
+TEST_F(Wizard, TheIndicatorShowsTheStepAndThoseDone)
+{
+    WindowDriver app;
+    const auto colours = [&app] {
+        QCoreApplication::processEvents();
+        QStringList found;
+        for (int i = 0; i < 5; ++i) {
+            const auto* label = app.find<QLabel>("stepLabel", i);
+            found << label->palette().color(label->foregroundRole()).name();
+            EXPECT_EQ(label->font().bold(), found.last() == QStringLiteral("#4db8ff")) << i;
+        }
+        return found;
+    };
+    const QString active = QStringLiteral("#4db8ff");
+    const QString done = QStringLiteral("#1a5a9a");
+    const QString quiet = QStringLiteral("#2a5a8a");
+    EXPECT_EQ(colours(), (QStringList{active, quiet, quiet, quiet, quiet}));
+    app.advanceTo(2);
+    EXPECT_EQ(colours(), (QStringList{done, done, active, quiet, quiet}));
+    EXPECT_EQ(app.find<QLabel>("stepLabel", 2)->grab().toImage().pixelColor(5, 47).name(), active);
+    EXPECT_NE(app.find<QLabel>("stepLabel", 1)->grab().toImage().pixelColor(5, 47).name(), active);
+    WindowDriver::click(app.back());
+    EXPECT_EQ(colours(), (QStringList{done, active, quiet, quiet, quiet}));
+    WindowDriver::click(app.back());
+    WindowDriver::click(app.reset());
+    EXPECT_EQ(colours(), (QStringList{active, quiet, quiet, quiet, quiet}));
+}
+
 TEST_F(Wizard, NothingChosenEndsAtTheRipStepWithAnError)
 {
     WindowDriver app;
