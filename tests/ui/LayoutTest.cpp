@@ -284,6 +284,39 @@ TEST_F(Layout, OfTheSettingsTab)
     }));
 }
 
+// Labels in the first column, and what they name in the second.
+TEST_F(Layout, OfTheSettingsGrids)
+{
+    WindowDriver app;
+    EXPECT_TRUE(withSettings(app, [](const SettingsView& view) {
+        const auto groups = view.dialog->findChildren<QGroupBox*>(QStringLiteral("sourceGroup"));
+        const auto gridAt = [&groups](int group) {
+            return qobject_cast<QGridLayout*>(groups[group]->layout());
+        };
+        const auto widgetAt = [&gridAt](int group, int row, int column) {
+            QLayoutItem* item = gridAt(group)->itemAtPosition(row, column);
+            return item ? item->widget() : nullptr;
+        };
+        const auto expectRow = [&](int group, int row, int label, QWidget* field) {
+            QLayoutItem* second = gridAt(group)->itemAtPosition(row, 1);
+            ASSERT_NE(second, nullptr) << group << ' ' << row;
+            EXPECT_EQ(widgetAt(group, row, 0), view.at<QLabel>("formLabel", label)) << group << ' ' << row;
+            EXPECT_EQ(stretchOf(field), 1);
+            EXPECT_EQ(second->layout(), layoutAround(field)) << group << ' ' << row;
+        };
+        expectRow(0, 0, 0, view.retries());
+        expectRow(0, 1, 1, view.offset());
+        EXPECT_EQ(widgetAt(0, 2, 0), view.at<QLabel>("formLabel", 2));
+        EXPECT_EQ(widgetAt(0, 2, 1), view.at<QLabel>("progressLabel", 0));
+        EXPECT_EQ(widgetAt(0, 3, 1), view.at<QLabel>("progressLabel", 1));
+        expectRow(1, 0, 3, view.folder());
+        EXPECT_EQ(layoutAround(view.at<QPushButton>("browseBtn")), layoutAround(view.folder()));
+        expectRow(1, 1, 4, view.rule());
+        EXPECT_EQ(widgetAt(1, 2, 1), view.at<QLabel>("progressLabel", 2));
+        expectRow(2, 0, 5, view.language());
+    }));
+}
+
 TEST_F(Layout, OfTheAboutTab)
 {
     WindowDriver app;
