@@ -91,6 +91,9 @@ TEST_F(OutputPage, ThePreviewFollowsTheNamingRule)
     WindowDriver app;
     const QString name = QStringLiteral("Artist-Album-Year Title Title {disc}.flac");
     EXPECT_EQ(preview(app).count(name), 2);
+    WindowDriver japanese(1);
+    EXPECT_EQ(preview(japanese).count(QStringLiteral("アーティスト名-アルバム名-年 曲名 曲名 {disc}.flac")),
+              2);
 }
 
 TEST_F(OutputPage, ABlankRuleIsTheDefaultAndStaysInTheStore)

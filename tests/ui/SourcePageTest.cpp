@@ -218,6 +218,16 @@ TEST_F(SourcePage, ADriveWithoutAnEntryKeepsTheOffsetOfTheDriveBeforeIt)
     EXPECT_TRUE(app.logLines().contains(QStringLiteral("Read offset : +6  (Settings value)")));
 }
 
+TEST_F(SourcePage, AnOffsetOfADriveWithoutItsSourceIsASavedOne)
+{
+    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
+    app.shelf().audio = makeAudio(200, 1);
+    QSettings().setValue(QStringLiteral("driveOffsets/ACME - DISC READER 9/offset"), 1);
+    app.advanceTo(3);
+    app.runRip();
+    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Read offset : +1  (saved)")));
+}
+
 TEST_F(SourcePage, TheLetterIsFoundInTheTextOfAnItemWithoutData)
 {
     WindowDriver app(2, {QStringLiteral("D:")});
