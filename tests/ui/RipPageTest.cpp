@@ -91,6 +91,7 @@ TEST_F(RipPage, AWholeRipOfAnImageInEnglish)
     QStringList log = app.logLines();
     ASSERT_GT(log.size(), 2);
     const QDateTime stamp = QDateTime::fromString(log.takeAt(2).trimmed(), QStringLiteral("yyyy-MM-dd  hh:mm:ss"));
+    EXPECT_TRUE(stamp.isValid());
     EXPECT_LT(qAbs(stamp.secsTo(QDateTime::currentDateTime())), 120);
     EXPECT_EQ(log,
               (QStringList{rule,
