@@ -203,6 +203,7 @@ TEST_F(LookupRoad, ACoverThatTheLookupDoesNotFindIsTakenBack)
     WindowDriver::click(app.back());
     waitForLookup(app);
     EXPECT_FALSE(hasCover(app));
+    EXPECT_EQ(app.onPage<QLabel>(2, "artLabel")->text(), QStringLiteral("♪"));
 }
 
 TEST_F(LookupRoad, TheEndOfTheProgramLeavesNoLookupBehind)

@@ -2,6 +2,8 @@
 
 #include "ui/VerifyStage.h"
 
+#include "support/Language.h"
+
 namespace {
 
 class VerifyPage : public VerifyStage {};
@@ -48,15 +50,19 @@ TEST_F(VerifyPage, OneMismatchIsAPartialVerdict)
 
 TEST_F(VerifyPage, NoMatchAtAllPointsToTheOffset)
 {
-    WindowDriver app(2, drive());
-    rip(app);
-    serve({{12, 0x12345678, 1}, {3, 0, 7}});
-    verify(app);
-    EXPECT_EQ(verdict(app), QStringLiteral("—  Not found / Mismatch"));
-    EXPECT_TRUE(detail(app).contains(QStringLiteral("\"Sample offset\"")));
-    EXPECT_EQ(column(app, 0), QStringLiteral("◈  Mismatch"));
-    EXPECT_EQ(column(app, 1), QStringLiteral("—  Not found"));
-    EXPECT_EQ(app.verdicts()->item(1, 2)->foreground().color(), QColor(0x8a, 0x8f, 0x98));
+    for (const int language : {1, 2}) {
+        WindowDriver app(language, drive());
+        rip(app);
+        serve({{12, 0x12345678, 1}, {3, 0, 7}});
+        verify(app);
+        EXPECT_EQ(verdict(app), textIn(language, "—  未登録/不一致", "—  Not found / Mismatch"));
+        EXPECT_TRUE(detail(app).contains(QStringLiteral("Sample offset")));
+        EXPECT_EQ(column(app, 0), textIn(language, "◈  不一致", "◈  Mismatch"));
+        EXPECT_EQ(column(app, 1), textIn(language, "—  未登録", "—  Not found"));
+        EXPECT_EQ(app.verdicts()->item(1, 2)->foreground().color(), QColor(0x8a, 0x8f, 0x98));
+        EXPECT_TRUE(
+            app.logLines().contains(QStringLiteral("  Track 02  [%1]  not in database").arg(crcText(2))));
+    }
 }
 
 TEST_F(VerifyPage, ADiscThatIsNotInTheDatabase)
