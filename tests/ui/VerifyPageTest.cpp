@@ -10,6 +10,21 @@ class VerifyPage : public VerifyStage {};
 
 } // namespace
 
+TEST_F(VerifyPage, WhileTheDatabaseIsAskedThePageSaysSo)
+{
+    services.on(hosts::accurateRip, "/", silence());
+    for (const int language : {1, 2}) {
+        WindowDriver app(language, drive());
+        rip(app);
+        WindowDriver::click(app.next());
+        EXPECT_EQ(verdict(app), textIn(language, "照合中...", "Verifying..."));
+        EXPECT_EQ(detail(app), textIn(language, "AccurateRip データベースに問い合わせています",
+                                      "Querying the AccurateRip database"));
+        EXPECT_EQ(bar(app)->value(), 15);
+        EXPECT_EQ(column(app, 1), QStringLiteral("—"));
+    }
+}
+
 TEST_F(VerifyPage, EveryTrackMatchesByEitherVersion)
 {
     for (const int language : {1, 2}) {
