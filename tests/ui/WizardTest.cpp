@@ -203,6 +203,9 @@ TEST_F(Wizard, VerifyPageTextsInBothLanguages)
     EXPECT_EQ(table->editTriggers(), QAbstractItemView::NoEditTriggers);
     WindowDriver japanese(1);
     EXPECT_EQ(japanese.onPage<QLabel>(4, "stepHeading")->text(), QStringLiteral("AccurateRip ベリファイ"));
+    EXPECT_EQ(japanese.onPage<QLabel>(4, "subLabel")->text(),
+              QStringLiteral("リッピング結果を AccurateRip データベースと照合します。\n"
+                             "他のユーザーと同一のデータが取れているか確認します。"));
     EXPECT_EQ(japanese.onPage<QLabel>(4, "verifyResult")->text(), QStringLiteral("照合待機中..."));
 }
 
