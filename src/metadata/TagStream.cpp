@@ -8,20 +8,14 @@ void TagStream::insert(const TagLib::ByteVector& data, Offset start, Size replac
     constexpr std::size_t piece = 1024 * 1024;
 
     const auto oldLength = static_cast<std::size_t>(length());
-    const std::size_t tailStart = start + replace;
-    if (data.size() <= replace || tailStart >= oldLength) {
+    const std::size_t tailStart = std::min<std::size_t>(start + replace, oldLength);
+    const std::size_t newLength = start + data.size() + (oldLength - tailStart);
+    if (newLength <= oldLength) {
         FileStream::insert(data, start, replace);
         return;
     }
-    const std::size_t growth = data.size() - replace;
-    // Takes all the room that is needed, or finds out that it is not there,
-    // before a byte of the file changes.
-    seek(static_cast<long>(oldLength));
-    writeBlock(TagLib::ByteVector(static_cast<unsigned int>(growth), 0));
-    if (static_cast<std::size_t>(length()) != oldLength + growth) {
-        truncate(static_cast<long>(oldLength));
-        throw std::runtime_error("no room for the tags");
-    }
+    growTo(newLength);
+    const std::size_t growth = newLength - oldLength;
     for (std::size_t end = oldLength; end > tailStart;) {
         const std::size_t place = end - std::min(piece, end - tailStart);
         seek(static_cast<long>(place));
@@ -32,4 +26,16 @@ void TagStream::insert(const TagLib::ByteVector& data, Offset start, Size replac
     }
     seek(static_cast<long>(start));
     writeBlock(data);
+}
+
+void TagStream::growTo(std::size_t newLength)
+{
+    const auto oldLength = length();
+    seek(oldLength);
+    writeBlock(
+        TagLib::ByteVector(static_cast<unsigned int>(newLength - static_cast<std::size_t>(oldLength)), 0));
+    if (static_cast<std::size_t>(length()) == newLength)
+        return;
+    truncate(oldLength);
+    throw std::runtime_error("no room for the tags");
 }

@@ -22,4 +22,9 @@ public:
 
     /// Throws std::runtime_error with the file as it was when there is no room.
     void insert(const TagLib::ByteVector& data, Offset start = 0, Size replace = 0) override;
+
+private:
+    /// Takes all the room that is needed, or finds out that it is not there,
+    /// before a byte of the file changes.
+    void growTo(std::size_t newLength);
 };

@@ -5,8 +5,10 @@
 #include <QFile>
 #include <QImage>
 #include <QRandomGenerator>
+#include <QtEndian>
 
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -94,18 +96,73 @@ TEST_F(TagStreamTest, WithoutRoomTheFileStaysAsItWas)
     EXPECT_EQ(readAll(path), before);
 }
 
-TEST_F(TaggedFileTest, TagsOfAFlacOrMp3WithoutRoomLeaveTheAudioWhole)
+// What is appended, or takes the place of the file's end, has nothing to move.
+TEST_F(TagStreamTest, WithoutRoomAtTheEndTheFileStaysAsItWas)
 {
-    for (const char* name : {"full.flac", "full.mp3"}) {
-        const QString path = makeAudio(name);
-        const QByteArray before = readAll(path);
-        TagData tags = fullTags();
-        tags.cover = noisyCover();
-        {
-            const FileSizeLimit full(static_cast<rlim_t>(before.size()) + 64);
-            EXPECT_FALSE(writeTags(path, tags)) << name;
+    constexpr int fileBytes = 10'000;
+    const QByteArray before = randomBytes(fileBytes, 1);
+    for (const auto& [start, replace] :
+         {std::pair{fileBytes, 0}, {fileBytes - 20, 20}, {fileBytes - 20, 500}}) {
+        for (const int dataBytes : {600, 100'000}) {
+            const int growth = start + dataBytes - fileBytes;
+            for (const int room : {0, 1, growth - 1, growth}) {
+                const QString path = write(before);
+                {
+                    TagStream stream(QFile::encodeName(path).constData());
+                    const FileSizeLimit full(static_cast<rlim_t>(fileBytes + room));
+                    const auto insert = [&, from = start, over = replace] {
+                        stream.insert(vectorOf(randomBytes(dataBytes, 2)),
+                                      static_cast<TagStream::Offset>(from),
+                                      static_cast<TagStream::Size>(over));
+                    };
+                    if (room < growth)
+                        EXPECT_THROW(insert(), std::runtime_error)
+                            << start << ' ' << dataBytes << ' ' << room;
+                    else
+                        EXPECT_NO_THROW(insert());
+                }
+                EXPECT_TRUE(readAll(path)
+                            == (room < growth ? before : before.left(start) + randomBytes(dataBytes, 2)))
+                    << start << ' ' << dataBytes << ' ' << room;
+            }
         }
-        EXPECT_EQ(lastTagError, QStringLiteral("Failed to save tags: ") + path);
-        EXPECT_EQ(readAll(path), before) << name;
     }
+}
+
+// A WAV takes its tags at the end, an M4A as well where its index stands last.
+TEST_F(TaggedFileTest, TagsWithoutRoomLeaveTheFileAsItWas)
+{
+    for (const char* name : {"full.flac", "full.mp3", "full.wav", "full.m4a"}) {
+        for (const rlim_t room : {rlim_t{0}, rlim_t{64}, rlim_t{5000}}) {
+            const QString path = makeAudio(name);
+            const QByteArray before = readAll(path);
+            TagData tags = fullTags();
+            tags.cover = noisyCover();
+            {
+                const FileSizeLimit full(static_cast<rlim_t>(before.size()) + room);
+                EXPECT_FALSE(writeTags(path, tags)) << name << ' ' << room;
+            }
+            EXPECT_EQ(lastTagError, QStringLiteral("Failed to save tags: ") + path);
+            EXPECT_TRUE(readAll(path) == before) << name << ' ' << room;
+        }
+    }
+}
+
+TEST_F(TaggedFileTest, WhereOnlyTheFirstOfTwoTagsFitsTheAudioAndThatTagAreWhole)
+{
+    const QString path = makeAudio("half.wav");
+    const QByteArray digest = audioDigest(path);
+    const qint64 untagged = readAll(path).size();
+    const QString whole = makeAudio("whole.wav");
+    ASSERT_TRUE(writeTags(whole, fullTags()));
+    const qint64 tagged = readAll(whole).size();
+    {
+        const FileSizeLimit full(static_cast<rlim_t>(tagged - 10));
+        EXPECT_FALSE(writeTags(path, fullTags()));
+    }
+    const QByteArray half = readAll(path);
+    EXPECT_GT(half.size(), untagged);
+    EXPECT_EQ(qFromLittleEndian<quint32>(half.constData() + 4), static_cast<quint32>(half.size()) - 8);
+    EXPECT_EQ(audioDigest(path), digest);
+    EXPECT_EQ(probedTags(path)["artist"], QStringLiteral("The Artist"));
 }
