@@ -21,16 +21,20 @@ void setCountedFrame(TagLib::ID3v2::Tag* tag, const char* frameId, int number, i
     setId3TextFrame(tag, frameId, text);
 }
 
-void setCoverFrame(TagLib::ID3v2::Tag* tag, const QPixmap& cover)
+bool setCoverFrame(TagLib::ID3v2::Tag* tag, const QPixmap& cover)
 {
+    const TagLib::ByteVector jpeg = coverToJpeg(cover);
+    if (jpeg.isEmpty())
+        return false;
     tag->removeFrames("APIC");
     auto frame = std::make_unique<TagLib::ID3v2::AttachedPictureFrame>();
     frame->setTextEncoding(TagLib::String::UTF8);
     frame->setType(TagLib::ID3v2::AttachedPictureFrame::FrontCover);
     frame->setMimeType(coverMimeType);
     frame->setDescription(coverDescription);
-    frame->setPicture(coverToJpeg(cover));
+    frame->setPicture(jpeg);
     tag->addFrame(frame.release());
+    return true;
 }
 
 } // namespace
@@ -45,7 +49,7 @@ void setId3TextFrame(TagLib::ID3v2::Tag* tag, const char* frameId, const QString
     tag->addFrame(frame.release());
 }
 
-void fillId3v2Tag(TagLib::ID3v2::Tag* tag, const TagData& tags)
+bool fillId3v2Tag(TagLib::ID3v2::Tag* tag, const TagData& tags)
 {
     setId3TextFrame(tag, "TIT2", tags.title);
     setId3TextFrame(tag, "TPE1", tags.artist);
@@ -54,6 +58,5 @@ void fillId3v2Tag(TagLib::ID3v2::Tag* tag, const TagData& tags)
     setId3TextFrame(tag, "TPUB", tags.label);
     setCountedFrame(tag, "TRCK", tags.trackNumber, tags.trackTotal);
     setCountedFrame(tag, "TPOS", tags.discNumber, tags.discTotal);
-    if (!tags.cover.isNull())
-        setCoverFrame(tag, tags.cover);
+    return tags.cover.isNull() || setCoverFrame(tag, tags.cover);
 }

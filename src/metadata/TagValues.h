@@ -25,7 +25,8 @@ unsigned int yearNumber(const TagData& tags);
 /// Title, artist, album and year: what every kind of tag has a setter for.
 void setCommonValues(TagLib::Tag& target, const TagData& tags);
 
-/// The cover as a JPEG of quality 90, in its own size.
+/// The cover as a JPEG of quality 90, in its own size. Empty when it has more
+/// points in a row or column than the format has room for.
 TagLib::ByteVector coverToJpeg(const QPixmap& cover);
 
 inline constexpr char coverMimeType[] = "image/jpeg";

@@ -1,14 +1,15 @@
 #include "metadata/TagWriter.h"
 
+#include "metadata/FlacCover.h"
 #include "metadata/Id3Tags.h"
 #include "metadata/TagStream.h"
 #include "metadata/TagValues.h"
 
+#include <QDebug>
 #include <QFile>
 #include <QFileInfo>
 
 #include <taglib/flacfile.h>
-#include <taglib/flacpicture.h>
 #include <taglib/id3v1tag.h>
 #include <taglib/id3v2framefactory.h>
 #include <taglib/id3v2tag.h>
@@ -69,7 +70,7 @@ private:
 // gaps of the ID3v2 tag from the ID3v1 tag last, so that a title just emptied
 // comes back and a year that is no number is dropped, even in a file that had
 // neither tag. Here the gaps are filled ahead of our values.
-bool writeTagsMp3(const QString& path, const TagData& tags)
+bool writeTagsMp3(const QString& path, const TagData& tags, bool& coverTaken)
 {
     using TagLib::MPEG::File;
 
@@ -79,7 +80,7 @@ bool writeTagsMp3(const QString& path, const TagData& tags)
     TagLib::ID3v2::Tag* tag = file->ID3v2Tag(true);
     TagLib::ID3v1::Tag* oldTag = file->ID3v1Tag(true);
     TagLib::Tag::duplicate(oldTag, tag, false);
-    fillId3v2Tag(tag, tags);
+    coverTaken = fillId3v2Tag(tag, tags);
     TagLib::Tag::duplicate(tag, oldTag, true);
     return file->save(File::AllTags, File::StripOthers, TagLib::ID3v2::v4, File::DoNotDuplicate)
         || failToSave(path);
@@ -91,17 +92,7 @@ void addCount(TagLib::Ogg::XiphComment& comment, const char* key, int count)
         comment.addField(key, TagLib::String::number(count), true);
 }
 
-void addCover(TagLib::FLAC::File& file, const QPixmap& cover)
-{
-    auto picture = std::make_unique<TagLib::FLAC::Picture>();
-    picture->setType(TagLib::FLAC::Picture::FrontCover);
-    picture->setMimeType(coverMimeType);
-    picture->setDescription(coverDescription);
-    picture->setData(coverToJpeg(cover));
-    file.addPicture(picture.release());
-}
-
-bool writeTagsFlac(const QString& path, const TagData& tags)
+bool writeTagsFlac(const QString& path, const TagData& tags, bool& coverTaken)
 {
     TaggedFile<TagLib::FLAC::File> file(path);
     if (!file->isValid())
@@ -118,12 +109,14 @@ bool writeTagsFlac(const QString& path, const TagData& tags)
     addCount(*comment, "DISCNUMBER", tags.discNumber);
     if (tags.discNumber > 0)
         addCount(*comment, "DISCTOTAL", tags.discTotal);
-    if (!tags.cover.isNull())
-        addCover(*file, tags.cover);
+    if (!tags.cover.isNull()) {
+        const TagLib::ByteVector jpeg = coverToJpeg(tags.cover);
+        coverTaken = !jpeg.isEmpty() && addFrontCover(*file, jpeg);
+    }
     return file->save() || failToSave(path);
 }
 
-bool writeTagsM4a(const QString& path, const TagData& tags)
+bool writeTagsM4a(const QString& path, const TagData& tags, bool& coverTaken)
 {
     TaggedFile<TagLib::MP4::File> file(path);
     TagLib::MP4::Tag* tag = file->isValid() ? file->tag() : nullptr;
@@ -135,20 +128,22 @@ bool writeTagsM4a(const QString& path, const TagData& tags)
         tag->setItem("trkn", TagLib::MP4::Item(tags.trackNumber, tags.trackTotal));
     if (tags.discNumber > 0)
         tag->setItem("disk", TagLib::MP4::Item(tags.discNumber, tags.discTotal));
-    if (!tags.cover.isNull()) {
+    const TagLib::ByteVector jpeg = tags.cover.isNull() ? TagLib::ByteVector() : coverToJpeg(tags.cover);
+    coverTaken = tags.cover.isNull() || !jpeg.isEmpty();
+    if (!jpeg.isEmpty()) {
         TagLib::MP4::CoverArtList covers;
-        covers.append(TagLib::MP4::CoverArt(TagLib::MP4::CoverArt::JPEG, coverToJpeg(tags.cover)));
+        covers.append(TagLib::MP4::CoverArt(TagLib::MP4::CoverArt::JPEG, jpeg));
         tag->setItem("covr", covers);
     }
     return file->save() || failToSave(path);
 }
 
-bool writeTagsWav(const QString& path, const TagData& tags)
+bool writeTagsWav(const QString& path, const TagData& tags, bool& coverTaken)
 {
     TaggedFile<TagLib::RIFF::WAV::File> file(path);
     if (!file->isValid())
         return fail(QStringLiteral("Cannot open WAV file: ") + path);
-    fillId3v2Tag(file->ID3v2Tag(), tags);
+    coverTaken = fillId3v2Tag(file->ID3v2Tag(), tags);
     if (TagLib::RIFF::Info::Tag* info = file->InfoTag()) {
         setCommonValues(*info, tags);
         info->setTrack(static_cast<unsigned int>(tags.trackNumber));
@@ -156,25 +151,32 @@ bool writeTagsWav(const QString& path, const TagData& tags)
     return file->save() || failToSave(path);
 }
 
-bool writeTagsBySuffix(const QString& path, const TagData& tags)
+bool writeTagsBySuffix(const QString& path, const TagData& tags, bool& coverTaken)
 {
     const QString suffix = QFileInfo(path).suffix().toLower();
     if (suffix == QLatin1String("mp3"))
-        return writeTagsMp3(path, tags);
+        return writeTagsMp3(path, tags, coverTaken);
     if (suffix == QLatin1String("wav"))
-        return writeTagsWav(path, tags);
+        return writeTagsWav(path, tags, coverTaken);
     if (suffix == QLatin1String("m4a"))
-        return writeTagsM4a(path, tags);
-    return writeTagsFlac(path, tags);
+        return writeTagsM4a(path, tags, coverTaken);
+    return writeTagsFlac(path, tags, coverTaken);
 }
 
 } // namespace
 
-bool writeTags(const QString& path, const TagData& tags)
+bool writeTags(const QString& path, const TagData& tags, bool* coverLeftOut)
 {
+    bool coverTaken = true;
+    bool written = false;
     try {
-        return writeTagsBySuffix(path, tags);
+        written = writeTagsBySuffix(path, tags, coverTaken);
     } catch (...) {
-        return failToSave(path);
+        failToSave(path);
     }
+    if (!coverTaken)
+        qWarning().noquote() << "[Tags] cover too large, left out of" << path;
+    if (coverLeftOut)
+        *coverLeftOut = !coverTaken;
+    return written;
 }

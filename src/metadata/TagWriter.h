@@ -23,4 +23,6 @@ extern QString lastTagError;
 /// Writes the tags by the file's suffix: mp3, wav and m4a; anything else is
 /// taken for FLAC. False when the file could not be opened or saved; the words
 /// then stand in lastTagError. Nothing throws.
-bool writeTags(const QString& path, const TagData& tags);
+/// @param coverLeftOut  if not null, set to whether a cover was given that the
+///                      format cannot hold; all else is written then
+bool writeTags(const QString& path, const TagData& tags, bool* coverLeftOut = nullptr);

@@ -1,6 +1,11 @@
 #include "metadata/TaggedFile.h"
 
+#include "support/LogCapture.h"
 #include "support/Tool.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QRandomGenerator>
 
 #include <algorithm>
 
@@ -68,6 +73,38 @@ TEST_F(TagWriterFlacTest, ANullCoverLeavesTheEarlierPicture)
     tags.cover = QPixmap();
     ASSERT_TRUE(writeTags(path, tags));
     EXPECT_EQ(pictures().count("METADATA block #"), 1);
+}
+
+// The length of a block has 24 bits.
+TEST_F(TagWriterFlacTest, ACoverAboveSixteenMegabytesIsLeftOutOfAWholeFile)
+{
+    constexpr int edge = 5000;
+    QImage noise(edge, edge, QImage::Format_RGB32);
+    QRandomGenerator random(5);
+    for (int y = 0; y < edge; ++y)
+        random.fillRange(reinterpret_cast<quint32*>(noise.scanLine(y)), edge);
+    QBuffer jpeg;
+    ASSERT_TRUE(noise.save(&jpeg, "JPEG", 90));
+    ASSERT_GT(jpeg.size(), 0xFFFFFF);
+
+    TagData tags = fullTags();
+    tags.cover = QPixmap::fromImage(noise);
+    bool leftOut = false;
+    {
+        const LogCapture log;
+        ASSERT_TRUE(writeTags(path, tags, &leftOut));
+        EXPECT_EQ(log.warnings(), QStringList{"[Tags] cover too large, left out of " + path});
+    }
+    EXPECT_TRUE(leftOut);
+    const ToolResult test = runTool("flac", {"-t", "-s", path});
+    EXPECT_TRUE(test.ok()) << test.errors.toStdString();
+    EXPECT_EQ(pictures().count("METADATA block #"), 0);
+    EXPECT_EQ(comments().filter("ARTIST="), QStringList{"ARTIST=The Artist"});
+
+    const QString other = makeAudio("track.mp3");
+    ASSERT_TRUE(writeTags(other, tags, &leftOut));
+    EXPECT_FALSE(leftOut);
+    EXPECT_EQ(probedPictures(other), QStringList{"mjpeg 5000x5000"}) << "an ID3v2 tag has the room";
 }
 
 TEST_F(TagWriterFlacTest, TotalsOfZeroAreNotWritten)

@@ -126,6 +126,32 @@ TEST_F(TagWriterTest, SuccessLeavesTheLastWords)
     EXPECT_EQ(lastTagError, "earlier words");
 }
 
+// 65,500 points are the most that the format has room for.
+TEST_F(TagWriterTest, ACoverThatIsNoJpegIsLeftOutAndEarlierPicturesStay)
+{
+    TagData tags = fullTags();
+    tags.cover = QPixmap(65'600, 1);
+    tags.cover.fill(Qt::green);
+    ASSERT_FALSE(tags.cover.isNull());
+    for (const char* name : {"a.mp3", "a.flac", "a.m4a", "a.wav"}) {
+        const QString path = makeAudio(name);
+        bool leftOut = false;
+        EXPECT_TRUE(writeTags(path, tags, &leftOut)) << name;
+        EXPECT_TRUE(leftOut) << name;
+        const QByteArray bytes = readAll(path);
+        EXPECT_FALSE(bytes.contains("APIC") || bytes.contains("covr") || bytes.contains("image/jpeg"))
+            << name;
+        EXPECT_EQ(probedTags(path)["artist"], "The Artist") << name;
+
+        ASSERT_TRUE(writeTags(path, fullTags(), &leftOut));
+        EXPECT_FALSE(leftOut) << name;
+        EXPECT_TRUE(writeTags(path, tags)) << name;
+        EXPECT_EQ(probedPictures(path), QStringList{"mjpeg 40x30"}) << name;
+        EXPECT_TRUE(writeTags(path, TagData(), &leftOut));
+        EXPECT_FALSE(leftOut) << "no cover was given: " << name;
+    }
+}
+
 TEST_F(TagWriterTest, NamesBeyondAsciiAreOpened)
 {
     const QString path = makeAudio("曲 Größe.wav");
