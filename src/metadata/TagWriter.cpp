@@ -24,7 +24,7 @@
 #include <memory>
 #include <type_traits>
 
-QString lastTagError;
+thread_local QString lastTagError;
 
 namespace {
 

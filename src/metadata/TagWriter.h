@@ -17,8 +17,8 @@ struct TagData {
     QPixmap cover;       ///< embedded as JPEG; null leaves earlier pictures
 };
 
-/// Words of the last failure of writeTags; never cleared.
-extern QString lastTagError;
+/// Words of the last failure of writeTags on this thread; never cleared.
+extern thread_local QString lastTagError;
 
 /// Writes the tags by the file's suffix: mp3, wav and m4a; anything else is
 /// taken for FLAC. False when the file could not be opened or saved; the words

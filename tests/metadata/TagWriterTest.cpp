@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <thread>
 
 struct FormatCase {
     const char* suffix;
@@ -124,6 +125,31 @@ TEST_F(TagWriterTest, SuccessLeavesTheLastWords)
     lastTagError = QStringLiteral("earlier words");
     EXPECT_TRUE(writeTags(makeAudio("track.flac"), fullTags()));
     EXPECT_EQ(lastTagError, "earlier words");
+}
+
+TEST_F(TagWriterTest, EachThreadHasTheWordsOfItsOwnFailure)
+{
+    const auto failAt = [this](const char* name) {
+        EXPECT_FALSE(writeTags(file(name), fullTags()));
+        return QStringLiteral("Cannot open FLAC file: ") + file(name);
+    };
+    const QString words = failAt("here.flac");
+    std::thread other([&] { EXPECT_EQ(failAt("there.flac"), lastTagError); });
+    other.join();
+    EXPECT_EQ(lastTagError, words);
+}
+
+TEST_F(TagWriterTest, FailuresOnTwoThreadsAtOnceDoNotDisturbEachOther)
+{
+    const auto failOften = [this](const char* name) {
+        for (int i = 0; i < 200; ++i) {
+            EXPECT_FALSE(writeTags(file(name), TagData()));
+            EXPECT_EQ(lastTagError, QStringLiteral("Cannot open FLAC file: ") + file(name));
+        }
+    };
+    std::thread other(failOften, "there.flac");
+    failOften("here.flac");
+    other.join();
 }
 
 // 65,500 points are the most that the format has room for.
