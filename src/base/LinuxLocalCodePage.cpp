@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cerrno>
+#include <clocale>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -24,6 +25,15 @@ bool opened(iconv_t handle)
     return reinterpret_cast<std::intptr_t>(handle) != -1;
 }
 
+// Qt reads "sr_RS@latin" as the country's usual script.
+bool isCyrillic(const QLocale& locale)
+{
+    const std::string_view name = std::setlocale(LC_MESSAGES, nullptr);
+    if (name.ends_with("@latin"))
+        return false;
+    return name.ends_with("@cyrillic") || locale.script() == QLocale::CyrillicScript;
+}
+
 const char* codePageOfLanguage(const QLocale& locale)
 {
     switch (locale.language()) {
@@ -33,18 +43,11 @@ const char* codePageOfLanguage(const QLocale& locale)
         return "CP949";
     case QLocale::Chinese:
         return locale.script() == QLocale::TraditionalHanScript || locale.territory() == QLocale::Taiwan
-                || locale.territory() == QLocale::HongKong || locale.territory() == QLocale::Macao
-            ? "CP950"
-            : "CP936";
-    case QLocale::Russian:
-    case QLocale::Ukrainian:
-    case QLocale::Belarusian:
-    case QLocale::Bulgarian:
-    case QLocale::Serbian:
-    case QLocale::Macedonian:
-        return "CP1251";
+                       || locale.territory() == QLocale::HongKong || locale.territory() == QLocale::Macao
+                   ? "CP950"
+                   : "CP936";
     default:
-        return "CP1252";
+        return isCyrillic(locale) ? "CP1251" : "CP1252";
     }
 }
 
