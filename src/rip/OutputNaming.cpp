@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr qsizetype maxNameBytes = 255;
-
 QString twoDigits(int number)
 {
     return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
@@ -33,18 +31,25 @@ QString cleanNamePart(const QString& text)
     return name.trimmed();
 }
 
-QString fittingPath(const QString& basePath, const QString& extension)
+QString fittingName(QString name, qsizetype bytes)
 {
-    const qsizetype nameStart = basePath.lastIndexOf(u'/') + 1;
-    QString name = basePath.mid(nameStart);
     name.remove(QChar(u'\0'));
-    const qsizetype room = maxNameBytes - QFile::encodeName(extension).size();
+    // A unit takes a byte at least. Where a character ends is told by the one
+    // behind it, which has two units at most; a long rest is not looked at.
+    name.truncate(bytes + 2);
     QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, name);
     characters.toEnd();
     qsizetype length = name.size();
-    while (length > 0 && QFile::encodeName(name.left(length)).size() > room)
+    while (length > 0 && QFile::encodeName(name.left(length)).size() > bytes)
         length = characters.toPreviousBoundary();
-    return basePath.left(nameStart) + name.left(length) + extension;
+    return name.left(length);
+}
+
+QString fittingPath(const QString& basePath, const QString& extension)
+{
+    const qsizetype nameStart = basePath.lastIndexOf(u'/') + 1;
+    const qsizetype room = mostNameBytes - QFile::encodeName(extension).size();
+    return basePath.left(nameStart) + fittingName(basePath.mid(nameStart), room) + extension;
 }
 
 QString RipWorker::outputBasePath(int trackNumber, const QString& title) const

@@ -1,5 +1,7 @@
 #include "ui/AlbumFolder.h"
 
+#include "rip/OutputNaming.h"
+
 #include <QRegularExpression>
 
 namespace {
@@ -7,12 +9,6 @@ namespace {
 QString orUnknown(const QString& field)
 {
     return field.isEmpty() ? QStringLiteral("Unknown") : field;
-}
-
-QString withoutForbidden(QString name)
-{
-    static const QRegularExpression forbidden(QStringLiteral(R"([\\/:*?"<>|])"));
-    return name.remove(forbidden);
 }
 
 } // namespace
@@ -32,7 +28,8 @@ QString cleanedAlbum(const QString& field)
 
 QString albumFolderName(const QString& artist, const QString& album)
 {
-    return QStringLiteral("%1 - %2").arg(withoutForbidden(artist), withoutForbidden(album));
+    return fittingName(
+        QStringLiteral("%1 - %2").arg(withoutForbiddenCharacters(artist), withoutForbiddenCharacters(album)));
 }
 
 bool looksGenerated(const QString& title)

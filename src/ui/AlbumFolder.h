@@ -9,7 +9,8 @@
 QString cleanedArtist(const QString& field);
 /// "Unknown" for an empty field; without its parenthesised parts.
 QString cleanedAlbum(const QString& field);
-/// "Artist - Album", without the characters that no folder name may have.
+/// "Artist - Album", without the characters that no folder name may have, cut at
+/// a whole character to what the file system takes.
 QString albumFolderName(const QString& artist, const QString& album);
 /// Whether a title is one that the track table made up ("Track 7").
 bool looksGenerated(const QString& title);

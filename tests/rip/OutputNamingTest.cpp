@@ -103,6 +103,31 @@ TEST(FittingPath, ACharacterOfSeveralCodePointsIsNotCut)
     EXPECT_GT(name.size(), 0);
 }
 
+// The last whole character within the room may end right in front of one that
+// takes two units, or of a mark that belongs to it.
+TEST(FittingName, TheLastCharacterIsWholeWhateverStandsBehindIt)
+{
+    const QString filled(254, u'a');
+    EXPECT_EQ(fittingName(filled + QStringLiteral("bc")), filled + u'b');
+    EXPECT_EQ(fittingName(filled + QStringLiteral("b🎸")), filled + u'b');
+    EXPECT_EQ(fittingName(filled + QStringLiteral("b\u0301")), filled) << "an accent of the b";
+    EXPECT_EQ(fittingName(filled + QStringLiteral("b🏽")), filled) << "a colour of the b";
+    EXPECT_EQ(fittingName(QString(247, u'a') + QStringLiteral("👍👍🏽")),
+              QString(247, u'a') + QStringLiteral("👍"));
+    EXPECT_EQ(fittingName(QString(251, u'a') + QStringLiteral("👍🏽")), QString(251, u'a'))
+        << "a colour of the hand";
+    EXPECT_EQ(fittingName(QString(255, u'a')), QString(255, u'a'));
+    EXPECT_EQ(fittingName(QString::fromUtf8("a\0b", 3)), QStringLiteral("ab"));
+    EXPECT_EQ(fittingName(QString()), QString());
+}
+
+TEST(FittingPath, ANameOfMillionsOfCharactersIsNoWorkOfHours)
+{
+    const QString path =
+        fittingPath(QStringLiteral("/out/") + QString(4'000'000, QChar(u'漢')), QStringLiteral(".flac"));
+    EXPECT_EQ(path, QStringLiteral("/out/") + QString((255 - 5) / 3, QChar(u'漢')) + QStringLiteral(".flac"));
+}
+
 TEST(UniqueFolder, NamesGoOnWhereTheyAreTaken)
 {
     QSettings().setValue(QLatin1String(settings::language), 2);

@@ -1,5 +1,8 @@
 #include "ui/AlbumFolder.h"
 
+#include <QDir>
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 TEST(CleanedArtist, KeepsWhatStandsBeforeTheHyphen)
@@ -39,6 +42,29 @@ TEST(AlbumFolderName, LosesWhatNoFolderMayHave)
     EXPECT_EQ(albumFolderName(QStringLiteral("A\\B/C:D"), QStringLiteral("*E?\"F<G>|")),
               QStringLiteral("ABCD - EFG"));
     EXPECT_EQ(albumFolderName(QStringLiteral("%2"), QStringLiteral("%1")), QStringLiteral("%2 - %1"));
+}
+
+// A character of three bytes 85 times is 255 bytes.
+TEST(AlbumFolderName, IsCutAtAWholeCharacterToWhatAFileSystemTakes)
+{
+    const QString kanji = QString(86, QChar(u'漢'));
+    const QString name = albumFolderName(kanji, QStringLiteral("Album"));
+    EXPECT_EQ(name, QString(85, QChar(u'漢')));
+    const QTemporaryDir folder;
+    EXPECT_TRUE(QDir(folder.path()).mkdir(name));
+    EXPECT_EQ(albumFolderName(QString(83, QChar(u'漢')), kanji),
+              QString(83, QChar(u'漢')) + QStringLiteral(" - 漢"));
+    EXPECT_EQ(albumFolderName(QString(126, u'a'), QString(126, u'b')),
+              QString(126, u'a') + QStringLiteral(" - ") + QString(126, u'b'))
+        << "255 bytes are not cut";
+    EXPECT_EQ(albumFolderName(QString(126, u'a'), QString(127, u'b')),
+              QString(126, u'a') + QStringLiteral(" - ") + QString(126, u'b'));
+}
+
+TEST(AlbumFolderName, AMillionCharactersAreNoWorkOfHours)
+{
+    EXPECT_EQ(albumFolderName(QString(4'000'000, QChar(u'漢')), QString(4'000'000, u'/')),
+              QString(85, QChar(u'漢')));
 }
 
 TEST(LooksGenerated, OnlyTheWordBlanksAndDigits)
