@@ -1,5 +1,7 @@
 #include "rip/RipWorker.h"
 
+#include "base/FreeSpace.h"
+#include "base/Language.h"
 #include "base/Settings.h"
 #include "codecs/EncoderOptions.h"
 #include "codecs/IAudioEncoder.h"
@@ -12,7 +14,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStorageInfo>
 
 #include <algorithm>
 #include <limits>
@@ -44,9 +45,10 @@ const FormatOfRip& formatOfRip(OutputFormat format)
 // they are only begun where they surely fit.
 bool roomForTags(const QString& path, const QPixmap& cover)
 {
-    constexpr qint64 texts = 256 * 1024;
-    const qint64 picture = qint64{cover.width()} * cover.height() * 2;
-    return QStorageInfo(QFileInfo(path).absolutePath()).bytesAvailable() > texts + picture;
+    constexpr quint64 texts = 256 * 1024;
+    const quint64 picture = quint64(cover.width()) * quint64(cover.height()) * 2;
+    const std::optional<quint64> room = freeSpaceBytes(QFileInfo(path).absolutePath());
+    return !room || *room > texts + picture;
 }
 
 } // namespace
@@ -184,10 +186,11 @@ void RipWorker::finishReplayGain(bool asAlbum)
 }
 
 void RipWorker::tagTrack(const QString& path, const QString& title, int trackNumber, int totalTracks,
-                         const QPixmap& trackCover) const
+                         const QPixmap& trackCover)
 {
-    if (!roomForTags(path, trackCover))
-        return;
+    const auto note = [this, &path](const char* japanese, const char* english) {
+        Q_EMIT logLine(pickLang(japanese, english) + QFileInfo(path).fileName());
+    };
     TagData tags;
     tags.title = title;
     tags.artist = artist;
@@ -198,7 +201,12 @@ void RipWorker::tagTrack(const QString& path, const QString& title, int trackNum
     tags.discNumber = discNumber;
     tags.discTotal = discTotal;
     tags.cover = trackCover;
-    writeTags(path, tags);
+    bool coverLeftOut = false;
+    if (!roomForTags(path, trackCover) || !writeTags(path, tags, &coverLeftOut))
+        note("  ⚠ タグを書き込めませんでした: ", "  ⚠ The tags could not be written: ");
+    else if (coverLeftOut)
+        note("  ⚠ カバー画像が大きすぎるため埋め込めませんでした: ",
+             "  ⚠ The cover is too large to be embedded: ");
 }
 
 bool RipWorker::writeAudio(const AudioBlock& block, const AudioFormat& format, const QString& path)

@@ -116,7 +116,7 @@ private:
     bool encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,
                      const QString& title, int trackNumber, int totalTracks, const QPixmap& trackCover);
     void tagTrack(const QString& path, const QString& title, int trackNumber, int totalTracks,
-                  const QPixmap& trackCover) const;
+                  const QPixmap& trackCover);
     void measureGain(const AudioBlock& block, const AudioFormat& format, const QString& path);
     /// Writes the gain tags of the files of this run, as one album or each for
     /// itself.

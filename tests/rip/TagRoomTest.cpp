@@ -1,0 +1,125 @@
+// What a run says of tags that could not be written.
+
+#include "base/FreeSpace.h"
+
+#include "RunRecorder.h"
+#include "support/FileSizeLimit.h"
+#include "support/Language.h"
+#include "support/Tool.h"
+
+#include <QImage>
+#include <QRandomGenerator>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class TagRoom : public ::testing::Test {
+protected:
+    TagRoom() { speak(2); }
+    ~TagRoom() override { pretendFreeSpace(std::nullopt); }
+
+    void rip(OutputFormat format, const QPixmap& cover = {})
+    {
+        ImageDescription description;
+        description.tracks = {{0, QStringLiteral("One")}};
+        run.rip(writeImage(folder.path(), description, makeAudio(60, 2)), format, folder.path(), cover);
+        ASSERT_EQ(run.results.size(), 1);
+        EXPECT_TRUE(run.results[0].ok) << "the audio is saved all the same";
+    }
+
+    QString artistOf(const QString& name) const
+    {
+        const ToolResult probe =
+            runTool(QStringLiteral("ffprobe"),
+                    {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-show_entries"),
+                     QStringLiteral("format_tags=artist"), QStringLiteral("-of"),
+                     QStringLiteral("default=nk=1:nw=1"), folder.filePath(name)});
+        return QString::fromUtf8(probe.output).trimmed();
+    }
+
+    QTemporaryDir folder;
+    RunRecorder run;
+};
+
+const QString notWritten = QStringLiteral("  ⚠ The tags could not be written: 01. One.flac");
+
+} // namespace
+
+TEST_F(TagRoom, AFileSystemThatKnowsOfNoFreeBytesGetsItsTags)
+{
+    pretendFreeSpace(0);
+    rip(OutputFlac);
+    EXPECT_EQ(artistOf(QStringLiteral("01. One.flac")), QStringLiteral("Test Artist"));
+    EXPECT_EQ(run.logLines, QStringList());
+}
+
+// The texts of the tags count as 256 KiB.
+TEST_F(TagRoom, WhereTheTagsDoNotFitTheyAreLeftOutWithALine)
+{
+    pretendFreeSpace(256 * 1024);
+    rip(OutputFlac);
+    EXPECT_EQ(artistOf(QStringLiteral("01. One.flac")), QString());
+    EXPECT_EQ(run.logLines, QStringList{notWritten});
+}
+
+TEST_F(TagRoom, WhereTheyJustFitTheyAreWritten)
+{
+    pretendFreeSpace(256 * 1024 + 1);
+    rip(OutputFlac);
+    EXPECT_EQ(artistOf(QStringLiteral("01. One.flac")), QStringLiteral("Test Artist"));
+    EXPECT_EQ(run.logLines, QStringList());
+}
+
+// Two bytes for each point of the cover.
+TEST_F(TagRoom, TheCoverNeedsItsRoomToo)
+{
+    QPixmap cover(100, 50);
+    cover.fill(Qt::red);
+    pretendFreeSpace(256 * 1024 + 100 * 50 * 2);
+    rip(OutputFlac, cover);
+    EXPECT_EQ(run.logLines, QStringList{notWritten});
+}
+
+TEST_F(TagRoom, TheLineSpeaksTheLanguageInForce)
+{
+    speak(1);
+    pretendFreeSpace(1);
+    rip(OutputFlac);
+    EXPECT_EQ(run.logLines, QStringList{QStringLiteral("  ⚠ タグを書き込めませんでした: 01. One.flac")});
+    speak(2);
+}
+
+TEST_F(TagRoom, ADiskThatFillsWithoutAWordOfItIsSaidAsWell)
+{
+    ImageDescription description;
+    description.tracks = {{0, QStringLiteral("One")}};
+    constexpr rlim_t audioBytes = 44 + 60 * 2352;
+    pretendFreeSpace(0);
+    {
+        const FileSizeLimit full(audioBytes);
+        run.rip(writeImage(folder.path(), description, makeAudio(60, 2)), OutputWav, folder.path());
+    }
+    ASSERT_EQ(run.results.size(), 1);
+    EXPECT_TRUE(run.results[0].ok);
+    EXPECT_EQ(run.logLines, QStringList{QStringLiteral("  ⚠ The tags could not be written: 01. One.wav")});
+    const QByteArray wave = contentOf(folder.filePath(QStringLiteral("01. One.wav")));
+    EXPECT_EQ(wave.size(), static_cast<qsizetype>(audioBytes));
+    EXPECT_TRUE(wave.mid(44) == makeAudio(60, 2));
+}
+
+TEST_F(TagRoom, ACoverThatFlacCannotHoldIsLeftOutWithALine)
+{
+    constexpr int edge = 5000;
+    QImage noise(edge, edge, QImage::Format_RGB32);
+    QRandomGenerator random(5);
+    for (int y = 0; y < edge; ++y)
+        random.fillRange(reinterpret_cast<quint32*>(noise.scanLine(y)), edge);
+    rip(OutputFlac, QPixmap::fromImage(noise));
+    EXPECT_GT(QFileInfo(folder.filePath(QStringLiteral("cover.jpg"))).size(), 0xFFFFFF);
+    EXPECT_EQ(run.logLines,
+              QStringList{QStringLiteral("  ⚠ The cover is too large to be embedded: 01. One.flac")});
+    const QString track = folder.filePath(QStringLiteral("01. One.flac"));
+    EXPECT_TRUE(runTool(QStringLiteral("flac"), {QStringLiteral("-t"), QStringLiteral("-s"), track}).ok());
+    EXPECT_EQ(artistOf(QStringLiteral("01. One.flac")), QStringLiteral("Test Artist"));
+}
