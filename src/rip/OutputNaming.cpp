@@ -17,6 +17,11 @@ QString twoDigits(int number)
 
 } // namespace
 
+QString trackName(const TrackInfo& track)
+{
+    return track.title.isEmpty() ? QStringLiteral("Track %1").arg(track.number) : track.title;
+}
+
 QString withoutForbiddenCharacters(QString text)
 {
     static const QRegularExpression forbidden(QStringLiteral(R"([\\/:*?"<>|])"));

@@ -2,8 +2,13 @@
 
 #include <QString>
 
+struct TrackInfo;
+
 /// Where the album's cover goes, below the output folder.
 inline constexpr char coverFileName[] = "/cover.jpg";
+
+/// What a track is called where it has no title.
+QString trackName(const TrackInfo& track);
 
 /// Takes out what no file name may hold on any common system: \ / : * ? " < > |
 QString withoutForbiddenCharacters(QString text);

@@ -28,4 +28,14 @@ struct RipResult {
     QList<quint32> frameWindow; ///< disc only: frames of sectors 440 to 461, left in the low half
 };
 
+/// The record of a track that yielded no samples, or no file.
+inline RipResult failedTrack(int number, const QString& title)
+{
+    RipResult result;
+    result.trackNumber = number;
+    result.title = title;
+    result.errorSectors = noSamplesRead;
+    return result;
+}
+
 Q_DECLARE_METATYPE(RipResult)

@@ -128,8 +128,9 @@ void RipWorker::runDisc()
     }
     drive->borrow();
     runGuard().begin();
-    QDir().mkpath(outputFolder);
-    if (disc.isImage) {
+    if (!QDir().mkpath(outputFolder)) {
+        failAllTracks();
+    } else if (disc.isImage) {
         runCueMode();
     } else {
         fetchMetadata();
@@ -139,6 +140,24 @@ void RipWorker::runDisc()
     finishReplayGain(true);
     runGuard().end();
     drive->giveBack();
+}
+
+void RipWorker::failAllTracks()
+{
+    const QString words =
+        pickLang("出力フォルダを作成できません: ", "Cannot create the output folder: ") + outputFolder;
+    Q_EMIT error(words);
+    Q_EMIT logLine(QStringLiteral("  ⚠ ") + words);
+    const auto isAudio = [](const TrackInfo& track) { return !track.isData; };
+    const auto total = static_cast<int>(std::count_if(disc.tracks.cbegin(), disc.tracks.cend(), isAudio));
+    int place = 0;
+    for (const TrackInfo& track : std::as_const(disc.tracks)) {
+        ++place;
+        if (track.isData)
+            continue;
+        Q_EMIT trackStarted(place, total, trackName(track));
+        Q_EMIT trackDone(failedTrack(track.number, trackName(track)));
+    }
 }
 
 void RipWorker::saveCover() const

@@ -76,6 +76,8 @@ Q_SIGNALS:
 
 private:
     void runDisc();
+    /// Says why no track can be written, and reports each as failed.
+    void failAllTracks();
     void runCueMode();
     void runFileMode();
     /// All samples of an opened decoder; nothing when memory does not hold them.

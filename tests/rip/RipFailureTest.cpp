@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "RunRecorder.h"
+#include "ScriptedDrive.h"
 #include "support/FileSizeLimit.h"
+#include "support/Language.h"
 #include "support/Tool.h"
 
 #include <QDir>
@@ -39,6 +41,28 @@ TEST_P(RipFailure, AnOutputFolderThatIsAFileFailsTheTrack)
     run.rip(cue, GetParam(), out());
     expectOneFailedTrack();
     EXPECT_EQ(contentOf(out()), "a file");
+}
+
+TEST_P(RipFailure, AFolderThatCannotBeMadeIsToldBeforeASectorIsRead)
+{
+    speak(2);
+    writeFile(folder.path(), QStringLiteral("out"), "a file");
+    const QString below = out() + QStringLiteral("/Album");
+    ImageDescription description;
+    description.tracks = {{0, QStringLiteral("One")}, {30, QString()}};
+    run.rip(writeImage(folder.path(), description, makeAudio(60, 2)), GetParam(), below);
+    EXPECT_EQ(run.errors, QStringList{QStringLiteral("Cannot create the output folder: ") + below});
+    EXPECT_EQ(run.logLines, QStringList{QStringLiteral("  ⚠ Cannot create the output folder: ") + below});
+    EXPECT_EQ(run.sectors.size(), 0);
+    EXPECT_EQ(run.started, (QStringList{QStringLiteral("1/2 One"), QStringLiteral("2/2 Track 2")}));
+    ASSERT_EQ(run.results.size(), 2);
+    for (const RipResult& result : run.results) {
+        EXPECT_FALSE(result.ok);
+        EXPECT_EQ(result.errorSectors, noSamplesRead);
+    }
+    EXPECT_EQ(run.results[1].trackNumber, 2);
+    EXPECT_EQ(run.finishedCount, 1);
+    EXPECT_FALSE(run.drive.isBorrowed());
 }
 
 TEST_P(RipFailure, AFullDiskFailsTheTrackAndLeavesNoFile)
@@ -103,6 +127,27 @@ TEST_P(RipFailure, AnImageThatShrinksMidwayIsSilentFromThereOn)
 
 INSTANTIATE_TEST_SUITE_P(Formats, RipFailure,
                          ::testing::Values(OutputFlac, OutputWav, OutputMp3, OutputAac, OutputAlac));
+
+TEST(RipFolder, ADiscWithoutOneIsNotRead)
+{
+    speak(1);
+    QTemporaryDir folder;
+    ScriptedDrive disc(0);
+    const DrivePlatformOverride platform(disc);
+    disc.audio = makeAudio(400, 11);
+    disc.tracks = {{0, true}, {100}, {250}};
+    const QString below =
+        writeFile(folder.path(), QStringLiteral("out"), "a file") + QStringLiteral("/Album");
+    RunRecorder run;
+    run.ripDisc(below);
+    EXPECT_EQ(run.errors, QStringList{QStringLiteral("出力フォルダを作成できません: ") + below});
+    EXPECT_EQ(run.started, (QStringList{QStringLiteral("2/2 Track 2"), QStringLiteral("3/2 Track 3")}));
+    EXPECT_EQ(run.results.size(), 2);
+    EXPECT_EQ(disc.count(SimulatedDrive::Command::Raw) + disc.count(SimulatedDrive::Command::RawWithC2), 0);
+    EXPECT_EQ(run.finishedCount, 1);
+    EXPECT_FALSE(run.drive.isBorrowed());
+    speak(2);
+}
 
 TEST(RipFormat, AnUnknownNumberCountsAsWav)
 {
