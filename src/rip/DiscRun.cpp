@@ -3,8 +3,10 @@
 #include "base/LargeMemory.h"
 #include "disc/CdDrive.h"
 #include "disc/DrivePlatform.h"
+#include "rip/OutputNaming.h"
 #include "rip/RipWorker.h"
 #include "rip/SampleValues.h"
+#include "rip/TrackMemory.h"
 #include "secure/RereadVote.h"
 #include "secure/SectorVote.h"
 #include "verify/AccurateRip.h"
@@ -64,8 +66,8 @@ void RipWorker::runCdMode()
         if (disc.tracks[place].isData) {
             Q_EMIT logLine(QStringLiteral("  Track %1: data track (not audio) - skipped")
                                .arg(disc.tracks[place].number, 2, 10, QLatin1Char('0')));
-        } else {
-            ripDiscTrack(run, place);
+        } else if (!withinMemory([&] { ripDiscTrack(run, place); })) {
+            Q_EMIT trackDone(failedTrack(disc.tracks[place].number, trackName(disc.tracks[place])));
         }
     }
     qDebug() << "[RipWorker] Cross-check mismatches this disc:" << run.mismatches;
@@ -118,7 +120,7 @@ void RipWorker::ripDiscTrack(DiscRun& run, qsizetype place)
     RipResult result;
     result.trackNumber = track.number;
     result.title = name;
-    if (count == 0) {
+    if (count == 0 || !memoryHoldsSectors(count)) {
         result.errorSectors = noSamplesRead;
         Q_EMIT trackDone(result);
         return;

@@ -1,10 +1,10 @@
 // The run over one audio file.
 
 #include "base/Language.h"
-#include "base/PhysicalMemory.h"
 #include "codecs/IAudioDecoder.h"
 #include "rip/OutputNaming.h"
 #include "rip/RipWorker.h"
+#include "rip/TrackMemory.h"
 
 #include <QDir>
 #include <QFile>
@@ -24,19 +24,12 @@ void reserveHint(QList<int>& samples, const IAudioDecoder& decoder)
         samples.reserve(static_cast<qsizetype>(std::min(frames * decoder.format().channels, sensibleValues)));
 }
 
-// The system promises memory that it does not have, and ends the process that
-// takes it, so audio without an end has to be given up before.
-qsizetype mostValues()
-{
-    return static_cast<qsizetype>(physicalMemoryBytes() / 4 * 3 / sizeof(int));
-}
-
 } // namespace
 
 std::optional<QList<int>> RipWorker::decodeAll(IAudioDecoder& decoder) const
 {
     try {
-        const qsizetype most = mostValues();
+        const auto most = static_cast<qsizetype>(trackMemoryBytes() / sizeof(int));
         QList<int> samples;
         reserveHint(samples, decoder);
         while (!stopping) {
@@ -82,9 +75,11 @@ void RipWorker::runFileMode()
     result.title = title;
     if (samples) {
         const QString folder = uniqueFolder(outputFolder, source.absoluteDir().dirName());
-        result.ok = encodeTrack(std::move(*samples), format,
-                                folder + QStringLiteral("/01. ") + withoutForbiddenCharacters(title), title, 1, 1,
-                                cover);
+        withinMemory([&] {
+            result.ok = encodeTrack(std::move(*samples), format,
+                                    folder + QStringLiteral("/01. ") + withoutForbiddenCharacters(title),
+                                    title, 1, 1, cover);
+        });
     }
     result.errorSectors = result.ok ? 0 : noSamplesRead;
     Q_EMIT trackDone(result);

@@ -4,6 +4,7 @@
 #include "disc/CdDrive.h"
 #include "rip/OutputNaming.h"
 #include "rip/RipWorker.h"
+#include "rip/TrackMemory.h"
 #include "secure/ParanoiaReader.h"
 #include "verify/AccurateRip.h"
 
@@ -74,9 +75,10 @@ void RipWorker::runCueMode()
     for (const TrackInfo& track : std::as_const(disc.tracks)) {
         if (stopping)
             return;
-        const QString name = track.title.isEmpty() ? QStringLiteral("Track %1").arg(track.number) : track.title;
+        const QString name = trackName(track);
         Q_EMIT trackStarted(++place, trackCount, name);
-        const RipResult result = ripImageTrack(reader, track, name, runCover);
+        RipResult result = failedTrack(track.number, name);
+        withinMemory([&] { result = ripImageTrack(reader, track, name, runCover); });
         if (!reader.abortFlag)
             Q_EMIT trackDone(result);
     }
@@ -85,15 +87,12 @@ void RipWorker::runCueMode()
 RipResult RipWorker::ripImageTrack(ParanoiaReader& reader, const TrackInfo& track, const QString& name,
                                    const QPixmap& trackCover)
 {
-    RipResult result;
-    result.trackNumber = track.number;
-    result.title = name;
-
-    QList<qint16> samples = reader.readTrack(*drive, track);
-    if (samples.isEmpty()) {
-        result.errorSectors = noSamplesRead;
+    RipResult result = failedTrack(track.number, name);
+    if (!memoryHoldsSectors(track.endLba - track.startLba + 1))
         return result;
-    }
+    QList<qint16> samples = reader.readTrack(*drive, track);
+    if (samples.isEmpty())
+        return result;
     result.errorSectors = static_cast<quint32>(
         std::count_if(reader.results.cbegin(), reader.results.cend(), [](const SectorResult& r) { return r.bad; }));
     result.suspectSectors =

@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace {
@@ -164,6 +165,22 @@ void RipWorker::saveCover() const
 {
     constexpr int coverQuality = 90;
     cover.save(outputFolder + QLatin1String(coverFileName), "JPEG", coverQuality);
+}
+
+// What an exception leaves on this thread's slot ends the program.
+bool RipWorker::withinMemory(const std::function<void()>& work)
+{
+    try {
+        work();
+        return true;
+    } catch (const std::bad_alloc&) {
+        spareSamples = {};
+        const QString begun = unfinishedFile();
+        if (!begun.isEmpty())
+            QFile::remove(begun);
+        setUnfinishedFile(QString());
+        return false;
+    }
 }
 
 bool RipWorker::encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,

@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <atomic>
+#include <functional>
 #include <mutex>
 #include <optional>
 
@@ -112,6 +113,9 @@ private:
     /// Values of the disc from a stereo frame on, read without judgement.
     QList<int> neighbourValues(qint64 firstFrame, qsizetype count);
 
+    /// Does the work of one track. False when memory did not hold it; then
+    /// nothing is left of its file.
+    bool withinMemory(const std::function<void()>& work);
     /// Encodes and tags one track; false when its file is not whole.
     /// @param pcm  taken over, and found in spareSamples afterwards; 16-bit values
     ///             shifted left by 16

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "base/PhysicalMemory.h"
+#include "disc/DiscModel.h"
+
+/// The bytes that the audio of one track may take. The system promises memory
+/// that it does not have, and ends the process that takes it, so a track beyond
+/// this has to be given up before.
+inline quint64 trackMemoryBytes()
+{
+    return physicalMemoryBytes() / 4 * 3;
+}
+
+/// Whether a track of sectors can be held, its values once as they were read
+/// and once widened to 32 bits.
+inline bool memoryHoldsSectors(quint64 sectors)
+{
+    constexpr quint64 bytesOfSector = SECTOR_VALUES * (sizeof(qint16) + sizeof(qint32));
+    return sectors <= trackMemoryBytes() / bytesOfSector;
+}
