@@ -8,6 +8,7 @@
 #include <QDebug>
 
 #include <algorithm>
+#include <exception>
 
 namespace {
 
@@ -30,6 +31,17 @@ void fillTitles(QList<TrackInfo>& tracks, const QList<Track>& found)
 void RipWorker::fetchMetadata()
 {
     Q_EMIT trackStarted(0, static_cast<int>(disc.tracks.size()), QStringLiteral("Fetching metadata..."));
+    // What leaves this thread's slot ends the program.
+    try {
+        fillFromServices();
+    } catch (const std::exception& trouble) {
+        qWarning() << "[RipWorker] lookup given up:" << trouble.what();
+    }
+    Q_EMIT metadataReady(artist, album, year, cover, disc.tracks);
+}
+
+void RipWorker::fillFromServices()
+{
     fillFromMusicBrainz();
     if (album.isEmpty() && !stopping)
         fillFromGnuDb();
@@ -39,7 +51,6 @@ void RipWorker::fetchMetadata()
         covers.discogsToken = discogsToken;
         cover = covers.fetch(artist, album);
     }
-    Q_EMIT metadataReady(artist, album, year, cover, disc.tracks);
 }
 
 void RipWorker::fillFromMusicBrainz()

@@ -85,6 +85,7 @@ private:
     std::optional<QList<int>> decodeAll(IAudioDecoder& decoder) const;
     /// Looks a disc up and fills what the user left empty; misses are no error.
     void fetchMetadata();
+    void fillFromServices();
     void fillFromMusicBrainz();
     void fillFromGnuDb();
     /// The worker's own cover as "cover.jpg" in the output folder.

@@ -7,6 +7,7 @@
 #include "ui/PageParts.h"
 
 #include <QComboBox>
+#include <QDebug>
 #include <QFileDialog>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -15,6 +16,8 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QTableWidget>
+
+#include <exception>
 
 namespace {
 
@@ -26,6 +29,18 @@ QHBoxLayout* pathRow(QLineEdit* field, QPushButton* browse)
     row->addWidget(field, 1);
     row->addWidget(browse);
     return row;
+}
+
+/// The cover that the services have for a sheet, or none.
+QPixmap coverOfSheet(const DiscToc& sheet)
+{
+    // What leaves a slot ends the program.
+    try {
+        return CoverArt().fetch(sheet.albumArtist, sheet.albumTitle);
+    } catch (const std::exception& trouble) {
+        qWarning() << "[Meta/CUE] cover given up:" << trouble.what();
+        return {};
+    }
 }
 
 } // namespace
@@ -126,7 +141,7 @@ void MainWindow::pickCue()
         pageparts::addTrackRow(trackTable, pageparts::twoDigits(track.number), track.title,
                                pageparts::playingTime(track.seconds));
     disc = read;
-    coverPixmap = CoverArt().fetch(read.albumArtist, read.albumTitle);
+    coverPixmap = coverOfSheet(read);
     if (!coverPixmap.isNull())
         pageparts::showCover(artLabel, coverPixmap);
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "RunRecorder.h"
+#include "support/FakeHttpTransport.h"
 #include "support/LogCapture.h"
 #include "support/LoopbackServices.h"
 #include "support/OfflineServices.h"
@@ -13,6 +14,7 @@
 
 #include <QFileInfo>
 
+#include <new>
 #include <optional>
 
 namespace {
@@ -363,4 +365,27 @@ TEST_F(MetadataStep, AnAudioFileIsNotLookedUp)
     EXPECT_EQ(run.finishedCount, 1);
     EXPECT_TRUE(run.started.filter(QStringLiteral("Fetching metadata...")).isEmpty());
     EXPECT_TRUE(asked().isEmpty());
+}
+
+// Without a guard the exception would leave the thread's slot.
+TEST_F(MetadataStep, WantOfMemoryIsAMissAndTheRipGoesOn)
+{
+    for (const QString& typed : {QString(), QStringLiteral("Typed")}) {
+        const LogCapture log;
+        FakeHttpTransport exhausted([](const HttpRequest&) -> HttpAnswer { throw std::bad_alloc(); });
+        const HttpTransportOverride inPlace(exhausted);
+        RunRecorder once;
+        QStringList announcedAlbums;
+        QObject::connect(&once.worker, &RipWorker::metadataReady,
+                         [&](const QString&, const QString& album, const QString&, const QPixmap&,
+                             const QList<TrackInfo>&) { announcedAlbums << album; });
+        ASSERT_TRUE(once.drive.open(CdDrive::enumerateDrives().constFirst()));
+        once.worker.configure(&once.drive, once.drive.readToc(), folder.path(), typed, typed, QString(),
+                              QPixmap(), QString(), 1, 1, 300, OutputWav, QString(), 20);
+        EXPECT_NO_THROW(once.worker.run());
+        EXPECT_EQ(announcedAlbums, QStringList{typed});
+        EXPECT_EQ(once.results.size(), 3);
+        EXPECT_EQ(once.finishedCount, 1);
+        EXPECT_TRUE(log.warnings().contains(QStringLiteral("[RipWorker] lookup given up: std::bad_alloc")));
+    }
 }

@@ -2,6 +2,8 @@
 
 #include "base/Settings.h"
 #include "support/DiscMaker.h"
+#include "support/FakeHttpTransport.h"
+#include "support/LogCapture.h"
 
 #include <QComboBox>
 #include <QGroupBox>
@@ -10,6 +12,8 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <new>
 
 namespace {
 
@@ -111,6 +115,24 @@ TEST_F(SourcePage, ACuePickFillsTheMetadataPage)
     EXPECT_EQ(app.cell(app.tracks(), 0, 2), QStringLiteral("0:02")); // 160 sectors
     EXPECT_EQ(app.cell(app.tracks(), 1, 1), QString());
     EXPECT_EQ(app.cell(app.tracks(), 1, 2), QStringLiteral("0:03")); // 240 sectors
+}
+
+// What leaves a slot ends the program.
+TEST_F(SourcePage, WantOfMemoryForTheCoverOfASheetIsNoCover)
+{
+    WindowDriver app(2);
+    const QString cue = makeCue();
+    FakeHttpTransport exhausted([](const HttpRequest&) -> HttpAnswer { throw std::bad_alloc(); });
+    const LogCapture log;
+    {
+        const HttpTransportOverride inPlace(exhausted);
+        app.pickCue(cue);
+    }
+    EXPECT_EQ(exhausted.requests().size(), 1);
+    EXPECT_EQ(app.album()->text(), QStringLiteral("Test Album"));
+    EXPECT_EQ(app.tracks()->rowCount(), 2);
+    EXPECT_EQ(app.onPage<QLabel>(2, "artLabel")->text(), QStringLiteral("♪"));
+    EXPECT_TRUE(log.warnings().contains(QStringLiteral("[Meta/CUE] cover given up: std::bad_alloc")));
 }
 
 TEST_F(SourcePage, ACancelledPickChangesNothing)
