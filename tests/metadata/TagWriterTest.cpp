@@ -5,6 +5,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <barrier>
 #include <ostream>
 #include <thread>
 
@@ -141,9 +142,12 @@ TEST_F(TagWriterTest, EachThreadHasTheWordsOfItsOwnFailure)
 
 TEST_F(TagWriterTest, FailuresOnTwoThreadsAtOnceDoNotDisturbEachOther)
 {
-    const auto failOften = [this](const char* name) {
+    std::barrier together(2);
+    const auto failOften = [&](const char* name) {
         for (int i = 0; i < 200; ++i) {
+            together.arrive_and_wait();
             EXPECT_FALSE(writeTags(file(name), TagData()));
+            together.arrive_and_wait();
             EXPECT_EQ(lastTagError, QStringLiteral("Cannot open FLAC file: ") + file(name));
         }
     };
