@@ -4,6 +4,7 @@
 #include "codecs/PcmBytes.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -45,6 +46,7 @@ bool AacEncoder::openWriter(const std::filesystem::path& path, const AudioFormat
     const AudioFormat target{source.sampleRate / factor, source.channels, writtenBits};
     if (!opened->open(path, {MediaCodec::Aac, target, bytesPerSecond}))
         return false;
+    whole = true;
     channels = source.channels;
     dithered = source.bitsPerSample > writtenBits || factor > 1;
     decimator = std::move(reducer);
@@ -54,7 +56,10 @@ bool AacEncoder::openWriter(const std::filesystem::path& path, const AudioFormat
 
 bool AacEncoder::write(const AudioBlock& block)
 {
-    return withoutThrowing([&] { return writer && writeBlock(block); });
+    // A block that the writer never saw is nothing that it could report.
+    const auto written = withoutThrowing([&] { return std::optional(writer && writeBlock(block)); });
+    whole = whole && written;
+    return written.value_or(false);
 }
 
 bool AacEncoder::writeBlock(const AudioBlock& block)
@@ -94,6 +99,6 @@ bool AacEncoder::close()
     return withoutThrowing([this] {
         const auto finished = std::move(writer);
         decimator.reset();
-        return !finished || finished->finish();
+        return !finished || (finished->finish() && whole);
     });
 }

@@ -32,6 +32,7 @@ private:
     std::unique_ptr<AacDecimator> decimator; ///< only for rates to bring down
     AacDither dither;
     std::vector<quint8> pcm;
+    bool whole = true; ///< no block was lost
     quint16 channels = 0;
     bool dithered = false;
 };

@@ -1,6 +1,7 @@
 #include "codecs/AiffEncoder.h"
 
 #include "base/ByteOrder.h"
+#include "codecs/NoThrow.h"
 #include "codecs/PcmBytes.h"
 
 #include <array>
@@ -70,6 +71,14 @@ bool AiffEncoder::open(const std::filesystem::path& path, const AudioFormat& for
 }
 
 bool AiffEncoder::write(const AudioBlock& block)
+{
+    const bool written = withoutThrowing([&] { return writeBlock(block); });
+    if (!written)
+        file.spoil();
+    return written;
+}
+
+bool AiffEncoder::writeBlock(const AudioBlock& block)
 {
     if (block.frames == 0)
         return file.good();

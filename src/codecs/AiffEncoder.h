@@ -12,6 +12,8 @@ public:
     [[nodiscard]] bool close() override;
 
 private:
+    bool writeBlock(const AudioBlock& block);
+
     OutputFile file;
     quint16 channels = 0;
     quint16 writtenBits = 16;

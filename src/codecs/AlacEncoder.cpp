@@ -3,6 +3,7 @@
 #include "codecs/NoThrow.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -29,6 +30,7 @@ bool AlacEncoder::openWriter(const std::filesystem::path& path, const AudioForma
     const AudioFormat target{source.sampleRate, source.channels, static_cast<quint16>(narrow ? 16 : 24)};
     if (!opened->open(path, {MediaCodec::Alac, target}))
         return false;
+    whole = true;
     channels = source.channels;
     layout = narrow ? PcmLayout::Little16 : PcmLayout::Little24;
     writer = std::move(opened);
@@ -37,7 +39,10 @@ bool AlacEncoder::openWriter(const std::filesystem::path& path, const AudioForma
 
 bool AlacEncoder::write(const AudioBlock& block)
 {
-    return withoutThrowing([&] { return writer && writeBlock(block); });
+    // A block that the writer never saw is nothing that it could report.
+    const auto written = withoutThrowing([&] { return std::optional(writer && writeBlock(block)); });
+    whole = whole && written;
+    return written.value_or(false);
 }
 
 bool AlacEncoder::writeBlock(const AudioBlock& block)
@@ -62,6 +67,6 @@ bool AlacEncoder::close()
 {
     return withoutThrowing([this] {
         const auto finished = std::move(writer);
-        return !finished || finished->finish();
+        return !finished || (finished->finish() && whole);
     });
 }

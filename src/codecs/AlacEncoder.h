@@ -26,6 +26,7 @@ private:
     MediaWriterMaker makeWriter;
     std::unique_ptr<MediaWriter> writer;
     std::vector<quint8> pcm;
+    bool whole = true; ///< no block was lost
     quint16 channels = 0;
     PcmLayout layout = PcmLayout::Little16;
 };

@@ -1,6 +1,7 @@
 #include "codecs/ConverterFlacEncoder.h"
 
 #include "codecs/EncoderOptions.h"
+#include "codecs/NoThrow.h"
 #include "codecs/PcmBytes.h"
 
 #include <FLAC/stream_encoder.h>
@@ -59,6 +60,9 @@ public:
 private:
     bool good() const { return FLAC__stream_encoder_get_state(encoder.get()) == FLAC__STREAM_ENCODER_OK; }
 
+    bool encodeBlock(const AudioBlock& block);
+
+    bool whole = true; ///< no block was lost
     quint16 channels = 0;
     std::vector<FLAC__int32> shifted;
     // Deleting the encoder closes the file, which still needs its buffer then.
@@ -70,10 +74,10 @@ bool ConverterFlacEncoder::Stream::start(const std::filesystem::path& path, cons
 {
     if (!isTaken(format))
         return false;
+    fileBuffer.resize(fileBufferBytes);
     std::FILE* file = std::fopen(path.c_str(), "wb");
     if (!file)
         return false;
-    fileBuffer.resize(fileBufferBytes);
     std::setvbuf(file, fileBuffer.data(), _IOFBF, fileBuffer.size());
     encoder = configuredEncoder(format);
     if (!encoder) {
@@ -89,8 +93,12 @@ bool ConverterFlacEncoder::Stream::start(const std::filesystem::path& path, cons
 
 bool ConverterFlacEncoder::Stream::write(const AudioBlock& block)
 {
-    if (!good())
-        return false;
+    whole = withoutThrowing([&] { return good() && encodeBlock(block); }) && whole;
+    return whole;
+}
+
+bool ConverterFlacEncoder::Stream::encodeBlock(const AudioBlock& block)
+{
     const int shift = 32 - static_cast<int>(FLAC__stream_encoder_get_bits_per_sample(encoder.get()));
     const qint32* samples = block.samples.constData();
     for (quint64 left = heldFrames(block, channels); left > 0;) {
@@ -111,7 +119,7 @@ bool ConverterFlacEncoder::Stream::write(const AudioBlock& block)
 bool ConverterFlacEncoder::Stream::finish()
 {
     // The library reports success for an encoder that had failed before.
-    const bool wasGood = good();
+    const bool wasGood = good() && whole;
     return FLAC__stream_encoder_finish(encoder.get()) && wasGood;
 }
 
@@ -128,11 +136,13 @@ bool ConverterFlacEncoder::open(const std::filesystem::path& path, const AudioFo
 {
     if (stream)
         return false;
-    auto started = std::make_unique<Stream>();
-    if (!started->start(path, format))
-        return false;
-    stream = std::move(started);
-    return true;
+    return withoutThrowing([&] {
+        auto started = std::make_unique<Stream>();
+        if (!started->start(path, format))
+            return false;
+        stream = std::move(started);
+        return true;
+    });
 }
 
 bool ConverterFlacEncoder::write(const AudioBlock& block)

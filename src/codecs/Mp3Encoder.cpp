@@ -1,6 +1,7 @@
 #include "codecs/Mp3Encoder.h"
 
 #include "codecs/EncoderOptions.h"
+#include "codecs/NoThrow.h"
 #include "codecs/PcmBytes.h"
 
 #include <lame/lame.h>
@@ -49,6 +50,11 @@ Mp3Encoder::~Mp3Encoder() = default;
 
 bool Mp3Encoder::open(const std::filesystem::path& path, const AudioFormat& format)
 {
+    return withoutThrowing([&] { return openFile(path, format); });
+}
+
+bool Mp3Encoder::openFile(const std::filesystem::path& path, const AudioFormat& format)
+{
     if (lame)
         return false;
     // A file is made when the library has taken the format.
@@ -65,8 +71,14 @@ bool Mp3Encoder::open(const std::filesystem::path& path, const AudioFormat& form
 
 bool Mp3Encoder::write(const AudioBlock& block)
 {
-    if (!lame)
-        return false;
+    const bool written = withoutThrowing([&] { return lame && writeBlock(block); });
+    if (!written)
+        file.spoil();
+    return written;
+}
+
+bool Mp3Encoder::writeBlock(const AudioBlock& block)
+{
     const qint32* samples = block.samples.constData();
     for (quint64 waiting = heldFrames(block, channels); waiting > 0;) {
         const std::size_t frames = static_cast<std::size_t>(std::min<quint64>(waiting, framesPerCall));
@@ -100,12 +112,13 @@ bool Mp3Encoder::close()
 {
     if (!lame)
         return false;
-    writeTail();
+    if (!withoutThrowing([this] { return writeTail(); }))
+        file.spoil();
     lame.reset();
     return file.finish();
 }
 
-void Mp3Encoder::writeTail()
+bool Mp3Encoder::writeTail()
 {
     encoded.resize(std::max(encoded.size(), flushBytes));
     const int flushed = lame_encode_flush(lame.get(), encoded.data(), static_cast<int>(encoded.size()));
@@ -118,4 +131,5 @@ void Mp3Encoder::writeTail()
         file.seek(0);
         file.write(tagFrame.data(), size);
     }
+    return file.good();
 }

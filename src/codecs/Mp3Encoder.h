@@ -25,8 +25,10 @@ private:
     };
     using Handle = std::unique_ptr<lame_global_struct, Deleter>;
 
+    bool openFile(const std::filesystem::path& path, const AudioFormat& format);
+    bool writeBlock(const AudioBlock& block);
     bool encode(const qint32* samples, std::size_t frames);
-    void writeTail();
+    bool writeTail();
 
     OutputFile file;
     quint16 channels = 0;

@@ -23,6 +23,9 @@ public:
     /// Moves to a place counted from the start of the file. Returns good().
     bool seek(quint64 offset);
 
+    /// Turns the state bad: what was to be written is lost.
+    void spoil() { failed = true; }
+
     /// Bytes before the place where the next write goes.
     quint64 position() const { return offsetNow; }
 

@@ -1,6 +1,7 @@
 #include "codecs/WavEncoder.h"
 
 #include "base/ByteOrder.h"
+#include "codecs/NoThrow.h"
 #include "codecs/PcmBytes.h"
 
 #include <QByteArray>
@@ -73,17 +74,31 @@ void patch(OutputFile& file, quint64 position, quint64 value)
 
 bool WavEncoder::open(const std::filesystem::path& path, const AudioFormat& format)
 {
+    return withoutThrowing([&] { return openFile(path, format); });
+}
+
+bool WavEncoder::openFile(const std::filesystem::path& path, const AudioFormat& format)
+{
+    const quint16 bits = format.bitsPerSample < 17 ? 16 : 24;
+    const QByteArray header = makeHeader(format, bits);
     if (!file.open(path))
         return false;
-    writtenBits = format.bitsPerSample < 17 ? 16 : 24;
+    writtenBits = bits;
     dataBytes = 0;
-    const QByteArray header = makeHeader(format, writtenBits);
     file.write(header.constData(), static_cast<std::size_t>(header.size()));
     dataSizePosition = file.position() - 4;
     return file.good();
 }
 
 bool WavEncoder::write(const AudioBlock& block)
+{
+    const bool written = withoutThrowing([&] { return writeBlock(block); });
+    if (!written)
+        file.spoil();
+    return written;
+}
+
+bool WavEncoder::writeBlock(const AudioBlock& block)
 {
     if (!writePcm(file, block, layoutOf(writtenBits)))
         return false;

@@ -13,6 +13,9 @@ public:
     [[nodiscard]] bool close() override;
 
 private:
+    bool openFile(const std::filesystem::path& path, const AudioFormat& format);
+    bool writeBlock(const AudioBlock& block);
+
     OutputFile file;
     quint16 writtenBits = 16;
     quint64 dataBytes = 0;
