@@ -9,6 +9,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <new>
 #include <utility>
 
 namespace {
@@ -80,6 +81,7 @@ private:
     Clock::time_point lastByte;
     bool connected = false;
     bool headComplete = false;
+    bool outOfMemory = false; ///< a body did not fit; it breaks off without being one
     qsizetype headSize = 0;
     QByteArray body;
 };
@@ -126,7 +128,13 @@ size_t Exchange::onBody(char* bytes, size_t size, size_t count, void* self)
     if (!exchange.wantsBody())
         return 0;
     const qsizetype room = exchange.limits.bodyBytes - exchange.body.size();
-    exchange.body.append(bytes, std::min(room, length));
+    // No exception may pass through the library.
+    try {
+        exchange.body.append(bytes, std::min(room, length));
+    } catch (const std::bad_alloc&) {
+        exchange.outOfMemory = true;
+        return 0;
+    }
     return length <= room ? size * count : 0;
 }
 
@@ -244,7 +252,7 @@ HttpAnswer Exchange::run(const HttpDetour* detour)
         if (curl_easy_setopt(easy.get(), CURLOPT_URL, address.constData()) != CURLE_OK)
             return answer;
         answer.errorCode = performHop();
-        if (!headComplete || stopped)
+        if (!headComplete || stopped || outOfMemory)
             return answer;
         const QByteArray next = location() ? followedAddress(address, location()) : QByteArray();
         const bool stepDown = address.startsWith("https:") && next.startsWith("http:");
