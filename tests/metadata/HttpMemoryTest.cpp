@@ -30,3 +30,8 @@ TEST(HttpMemory, ABodyThatMemoryDoesNotHoldIsAFailedExchange)
     EXPECT_EQ(probe.readAllStandardOutput().trimmed(),
               "stage " + QByteArray::number(stage) + " status 0 body 0");
 }
+
+TEST(HttpMemory, ABodyEndsAt64MiBByItself)
+{
+    EXPECT_EQ(HttpLimits().bodyBytes, 67'108'864);
+}
