@@ -37,9 +37,12 @@ EncoderPointer configuredEncoder(const AudioFormat& format)
 }
 
 /// Only the start of a stream tells whether the library takes the format, and one
-/// that is to be refused makes no file.
+/// that is to be refused makes no file. A rate of 0 means "no audio" to newer
+/// versions of the library, which take it.
 bool isTaken(const AudioFormat& format)
 {
+    if (format.sampleRate == 0)
+        return false;
     const auto discard = [](const FLAC__StreamEncoder*, const FLAC__byte[], std::size_t, quint32, quint32,
                             void*) { return FLAC__STREAM_ENCODER_WRITE_STATUS_OK; };
     const EncoderPointer trial = configuredEncoder(format);

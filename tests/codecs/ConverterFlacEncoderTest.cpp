@@ -129,12 +129,12 @@ TEST_F(ConverterFlacEncoderTest, NineChannelsAreRefusedAndTheFileIsLetGo)
 
 TEST_F(ConverterFlacEncoderTest, ARefusedFormatLeavesAFileThatStoodThereAsItWas)
 {
-    QFile standing(file("standing.flac"));
-    ASSERT_TRUE(standing.open(QIODevice::WriteOnly));
-    standing.write("kept");
-    standing.close();
     for (const AudioFormat& format :
          {AudioFormat{44100, 9, 16}, {44100, 0, 16}, {0, 2, 16}, {705600, 2, 24}}) {
+        QFile standing(file("standing.flac"));
+        ASSERT_TRUE(standing.open(QIODevice::WriteOnly));
+        standing.write("kept");
+        standing.close();
         EXPECT_FALSE(makeEncoder(FlacEncoderId)->open(toPath(file("standing.flac")), format));
         EXPECT_EQ(readAll(file("standing.flac")), "kept") << format.channels << " " << format.sampleRate;
     }
