@@ -61,11 +61,17 @@ void makeWithCover(const QString& name, const char* codec, quint64 frames)
 {
     const QString wave = name + QStringLiteral(".source.wav");
     writeAll(wave, waveFile({44100, 2, 16}, audio(frames, 2)));
-    const ToolResult result = runTool(
-        QStringLiteral("ffmpeg"),
-        words("-v error -y -f lavfi -i color=red:s=8x8:d=1 -i") << wave
-            << words("-map 1 -map 0 -frames:v 1 -c:v png -pix_fmt rgba64be -disposition:v attached_pic -c:a")
-            << QString::fromLatin1(codec) << name);
+    // In one step newer programs would end the audio together with the one picture.
+    const QString picture = name + QStringLiteral(".cover.png");
+    const ToolResult drawn =
+        runTool(QStringLiteral("ffmpeg"),
+                words("-v error -y -f lavfi -i color=red:s=8x8 -frames:v 1 -pix_fmt rgba64be") << picture);
+    ASSERT_TRUE(drawn.ok()) << name.toStdString() << ": " << drawn.errors.toStdString();
+    const ToolResult result =
+        runTool(QStringLiteral("ffmpeg"),
+                words("-v error -y -i") << picture << QStringLiteral("-i") << wave
+                                        << words("-map 1 -map 0 -c:v copy -disposition:v attached_pic -c:a")
+                                        << QString::fromLatin1(codec) << name);
     ASSERT_TRUE(result.ok()) << name.toStdString() << ": " << result.errors.toStdString();
 }
 
