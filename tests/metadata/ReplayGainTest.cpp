@@ -6,6 +6,9 @@
 
 #include <QFile>
 
+#include <taglib/fileref.h>
+#include <taglib/tpropertymap.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -71,8 +74,9 @@ TEST_P(ReplayGainKinds, EarlierTagsCoverAndAudioStay)
     const QByteArray audio = audioDigest(path);
     ASSERT_EQ(expected["title"], fullTags().title);
     ASSERT_TRUE(writeSomeGains(path));
-    // Of a WAVE file with both kinds of tags, that program shows the older one.
-    if (!path.endsWith(".wav"))
+    // Of a WAVE file with both kinds of tags, older versions of that program show
+    // the older one alone.
+    if (!path.endsWith(".wav") || !gainsOf(path).isEmpty())
         expected.insert(someGains);
     EXPECT_EQ(probedTags(path), expected);
     EXPECT_EQ(probedPictures(path), QStringList{"mjpeg 40x30"});
@@ -193,14 +197,22 @@ TEST_F(ReplayGainTest, FlacCommentsAndPicturesStayAsTheyWere)
     EXPECT_TRUE(runTool("flac", {"-s", "-t", path}).ok());
 }
 
-TEST_F(ReplayGainTest, Mpeg4HasNoPlaceForTheKeysAndKeepsTheRest)
+// Only newer versions of TagLib know a place for the keys there.
+TEST_F(ReplayGainTest, Mpeg4GetsTheGainsWhereTheLibraryHasAPlaceAndKeepsTheRest)
 {
     const QString path = makeAudio("track.m4a");
     ASSERT_TRUE(writeTags(path, fullTags()));
-    const QMap<QString, QString> before = probedTags(path);
+    QMap<QString, QString> expected = probedTags(path);
     const QByteArray audio = audioDigest(path);
     EXPECT_TRUE(writeSomeGains(path));
-    EXPECT_EQ(probedTags(path), before);
+    TagLib::PropertyMap keys;
+    for (const QString& key : someGains.keys())
+        keys.replace(key.toUpper().toStdString(), TagLib::String("0"));
+    TagLib::FileRef other(makeAudio("other.m4a").toUtf8().constData());
+    ASSERT_TRUE(other.file());
+    if (other.file()->setProperties(keys).isEmpty())
+        expected.insert(someGains);
+    EXPECT_EQ(probedTags(path), expected);
     EXPECT_EQ(probedPictures(path), QStringList{"mjpeg 40x30"});
     EXPECT_EQ(audioDigest(path), audio);
 }
