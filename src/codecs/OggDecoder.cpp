@@ -1,27 +1,115 @@
 #include "codecs/OggDecoder.h"
 
 #include "codecs/BlockSize.h"
+#include "codecs/CFile.h"
+#include "codecs/ChannelOrder.h"
+#include "codecs/FloatSample.h"
 #include "codecs/NoThrow.h"
-#include "codecs/OggPages.h"
-#include "codecs/ShortSamples.h"
-#include "codecs/VorbisHeaders.h"
+#include "codecs/StreamChange.h"
 
-#define STB_VORBIS_HEADER_ONLY
-#include <stb_vorbis.h>
+// The header defines callbacks that nobody here uses.
+#define OV_EXCLUDE_STATIC_CALLBACKS
+#include <vorbis/vorbisfile.h>
+
+#include <cerrno>
+#include <limits>
 
 namespace {
 
-constexpr std::size_t headerPackets = 3;
+constexpr int deliveredBits = 16;
 
-struct VorbisDeleter {
-    void operator()(stb_vorbis* handle) const { stb_vorbis_close(handle); }
+/// A file, and how many more of its bytes may be asked for.
+struct Source {
+    CFile file;
+    quint64 bytesLeft = 0;
 };
+
+std::size_t onRead(void* target, std::size_t size, std::size_t count, void* opaque)
+{
+    auto& source = *static_cast<Source*>(opaque);
+    if (size * count > source.bytesLeft) {
+        errno = EIO; // by which the library tells a failure from the end
+        return 0;
+    }
+    source.bytesLeft -= size * count;
+    return std::fread(target, size, count, source.file.get());
+}
+
+int onSeek(void* opaque, ogg_int64_t offset, int origin)
+{
+    return fseeko(static_cast<Source*>(opaque)->file.get(), offset, origin);
+}
+
+long onTell(void* opaque)
+{
+    return ftello(static_cast<Source*>(opaque)->file.get());
+}
+
+/// The library's record of one file, which is empty until it is opened. No close
+/// among the callbacks: the source stays with its owner.
+class VorbisFile {
+public:
+    VorbisFile() = default;
+    ~VorbisFile() { ov_clear(&record); }
+    VorbisFile(const VorbisFile&) = delete;
+    VorbisFile& operator=(const VorbisFile&) = delete;
+
+    /// Looks for the ends of all streams of the file.
+    bool open(Source& source)
+    {
+        return ov_open_callbacks(&source, &record, nullptr, 0, {onRead, onSeek, nullptr, onTell}) == 0;
+    }
+    /// Knows of what comes later only when it is there.
+    bool openAtTheStart(Source& source)
+    {
+        std::rewind(source.file.get());
+        return ov_open_callbacks(&source, &record, nullptr, 0, {onRead, nullptr, nullptr, nullptr}) == 0;
+    }
+    OggVorbis_File* get() { return &record; }
+
+private:
+    OggVorbis_File record{};
+};
+
+/// The library looks for the last page in steps backward, each of which reads on to
+/// the end again: without a limit, that goes on for hours where nothing is found.
+quint64 bytesToOpenWith(const std::filesystem::path& path)
+{
+    constexpr quint64 enoughForManyStreams = 64 * 1024 * 1024;
+    constexpr quint64 timesTheFile = 4;
+    std::error_code failure;
+    const auto size = std::filesystem::file_size(path, failure);
+    return enoughForManyStreams + (failure ? 0 : timesTheFile * size);
+}
+
+AudioBlock interleave(float* const* planes, quint64 frames, std::size_t channels)
+{
+    AudioBlock block{QList<qint32>(static_cast<qsizetype>(frames * channels)), frames};
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        const float* source = planes[vorbisPlace(channel, channels)];
+        qint32* target = block.samples.data() + channel;
+        for (quint64 i = 0; i < frames; ++i, target += channels)
+            *target = valueFromFloat<deliveredBits>(source[i]) * (1 << (32 - deliveredBits));
+    }
+    return block;
+}
 
 } // namespace
 
 struct OggDecoder::Stream {
-    CFile file;
-    std::unique_ptr<stb_vorbis, VorbisDeleter> handle;
+    bool open(const std::filesystem::path& path)
+    {
+        source.file = openForReading(path);
+        source.bytesLeft = bytesToOpenWith(path);
+        if (!source.file)
+            return false;
+        const bool opened = vorbis.open(source);
+        source.bytesLeft = std::numeric_limits<quint64>::max();
+        return opened || vorbis.openAtTheStart(source);
+    }
+
+    Source source;
+    VorbisFile vorbis;
 };
 
 OggDecoder::OggDecoder() = default;
@@ -36,27 +124,15 @@ bool OggDecoder::open(const std::filesystem::path& path)
 
 bool OggDecoder::openStream(const std::filesystem::path& path)
 {
-    CFile file = openForReading(path);
-    if (!file)
-        return false;
-    const OggPages pages = checkOggPages(file.get(), headerPackets);
-    if (!vorbisHeadersAreSound(pages.headers))
-        return false;
     auto started = std::make_unique<Stream>();
-    started->file = undamagedPart(std::move(file), pages);
-    if (!started->file)
+    if (!started->open(path))
         return false;
-    // Not to be closed by the library, which would close it on failure as well.
-    constexpr int closeOnFree = 0;
-    started->handle.reset(stb_vorbis_open_file(started->file.get(), closeOnFree, nullptr, nullptr));
-    if (!started->handle)
+    const vorbis_info* info = ov_info(started->vorbis.get(), 0);
+    if (!info || info->rate <= 0 || info->channels <= 0)
         return false;
-    const stb_vorbis_info info = stb_vorbis_get_info(started->handle.get());
-    if (info.sample_rate == 0 || info.channels <= 0)
-        return false;
-    pcm = {info.sample_rate, static_cast<quint16>(info.channels), 16};
-    const unsigned int frames = stb_vorbis_stream_length_in_samples(started->handle.get());
-    total = frames != 0 ? std::optional<quint64>(frames) : std::nullopt;
+    pcm = {static_cast<quint32>(info->rate), static_cast<quint16>(info->channels), deliveredBits};
+    const ogg_int64_t frames = ov_pcm_total(started->vorbis.get(), -1);
+    total = frames > 0 ? std::optional(static_cast<quint64>(frames)) : std::nullopt;
     stream = std::move(started);
     return true;
 }
@@ -68,16 +144,34 @@ std::optional<AudioBlock> OggDecoder::read()
 
 std::optional<AudioBlock> OggDecoder::readBlock()
 {
-    if (!stream || ended)
-        return std::nullopt;
-    std::vector<qint16> buffer(framesPerBlock(pcm.channels) * pcm.channels);
-    const int frames = stb_vorbis_get_samples_short_interleaved(
-        stream->handle.get(), pcm.channels, buffer.data(), static_cast<int>(buffer.size()));
-    if (frames <= 0) {
-        ended = true;
-        return std::nullopt;
+    const quint64 wanted = framesPerBlock(pcm.channels);
+    AudioBlock block;
+    while (stream && !ended && block.frames < wanted) {
+        const AudioBlock piece = decodeUpTo(wanted - block.frames);
+        block.samples += piece.samples;
+        block.frames += piece.frames;
     }
-    return widenShorts(buffer, static_cast<std::size_t>(frames), pcm.channels);
+    return block.frames > 0 ? std::optional(std::move(block)) : std::nullopt;
+}
+
+/// What the library has at once, which is nothing at a hole and at the end.
+AudioBlock OggDecoder::decodeUpTo(quint64 frames)
+{
+    float** planes = nullptr;
+    int link = 0;
+    const long decoded = ov_read_float(stream->vorbis.get(), &planes, static_cast<int>(frames), &link);
+    if (decoded == OV_HOLE)
+        return {};
+    const vorbis_info* info = decoded > 0 ? ov_info(stream->vorbis.get(), link) : nullptr;
+    const bool sameRate = info && info->rate == static_cast<long>(pcm.sampleRate);
+    if (info && !sameRate)
+        reportRateChange(pcm.sampleRate, static_cast<quint32>(info->rate));
+    ended = !sameRate;
+    if (ended)
+        return {};
+    const auto channels = static_cast<quint16>(info->channels);
+    const AudioBlock block = interleave(planes, static_cast<quint64>(decoded), channels);
+    return channels == pcm.channels ? block : mapChannels(block, channels, pcm.channels, deliveredBits);
 }
 
 void OggDecoder::close()

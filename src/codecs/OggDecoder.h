@@ -2,9 +2,9 @@
 
 #include "codecs/IAudioDecoder.h"
 
-/// Ogg Vorbis, through stb_vorbis, rounded to 16 bits by it. The library trusts
-/// its input, so it sees a file only up to the first damaged page, and only one
-/// whose headers are sound. It garbles streams of more than two coupled channels.
+/// Ogg Vorbis, through libvorbisfile, rounded to 16 bits. What a damaged page held
+/// is left out, and the rest follows. The links of a chained file are delivered in
+/// the first one's number of channels, up to one of another rate.
 class OggDecoder : public IAudioDecoder {
 public:
     OggDecoder();
@@ -21,6 +21,7 @@ private:
 
     bool openStream(const std::filesystem::path& path);
     std::optional<AudioBlock> readBlock();
+    AudioBlock decodeUpTo(quint64 frames);
 
     AudioFormat pcm;
     std::optional<quint64> total;

@@ -1,6 +1,8 @@
+#include "codecs/ChainFile.h"
 #include "codecs/DecoderFiles.h"
 #include "support/Tool.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 
@@ -50,10 +52,12 @@ protected:
     }
 };
 
-/// A kind of file: the end of its name, and the codec for one with a cover.
+/// A kind of file: the end of its name, the codec for one with a cover, and the
+/// number of channels for one whose stereo is followed by another stream.
 struct HostileKind {
     const char* ending;
     const char* coverCodec = nullptr;
+    quint16 nextChannels = 0;
 };
 
 void PrintTo(const HostileKind& kind, std::ostream* stream)
@@ -77,6 +81,8 @@ TEST_P(HostileKindTest, NoMutantCrashesHangsOrTakesMemoryOutOfProportion)
 {
     if (GetParam().coverCodec)
         decoderfiles::makeWithCover(named("valid"), GetParam().coverCodec, 6000);
+    else if (GetParam().nextChannels != 0)
+        makeChain(named("valid"), {{44100, 2, 16}, {44100, GetParam().nextChannels, 16}}, 3000);
     else
         decoderfiles::make(named("valid"), 6000);
     const QByteArray output =
@@ -92,6 +98,12 @@ INSTANTIATE_TEST_SUITE_P(All, HostileKindTest,
                                            HostileKind{".flac"}, HostileKind{".aac"}, HostileKind{".m4a"},
                                            HostileKind{".ogg"}, HostileKind{".opus"}, HostileKind{".wv"},
                                            HostileKind{".dsf"}, HostileKind{".dff"}),
+                         nameOfKind);
+INSTANTIATE_TEST_SUITE_P(Chained, HostileKindTest,
+                         ::testing::Values(HostileKind{"-chain.ogg", nullptr, 6},
+                                           HostileKind{"-chain.opus", nullptr, 6},
+                                           HostileKind{"-chain.mp3", nullptr, 1},
+                                           HostileKind{"-chain.aac", nullptr, 6}),
                          nameOfKind);
 INSTANTIATE_TEST_SUITE_P(WithCover, HostileKindTest, ::testing::ValuesIn(kindsWithCover), nameOfKind);
 
@@ -127,14 +139,24 @@ TEST_P(CoverTest, ACoverChangesNoSample)
 
 INSTANTIATE_TEST_SUITE_P(Kinds, CoverTest, ::testing::ValuesIn(kindsWithCover), nameOfKind);
 
+// A look for the last page that reads the same again and again takes minutes here.
+TEST_F(HostileInputTest, AnOggFileWithAnEndlessTailOfZeroesIsOpenedInTime)
+{
+    decoderfiles::make(file("a.ogg"), 20000);
+    const Decoded plain = decode(file("a.ogg"));
+    ASSERT_TRUE(QFile::resize(file("a.ogg"), qint64{500} << 20));
+    expectLittleMemory(file("a.ogg"));
+    EXPECT_EQ(decode(file("a.ogg")).samples, plain.samples);
+}
+
 // The decoder allocates for whole frames of all channels before it reads one.
 TEST_F(HostileInputTest, AnAlacFrameLengthOutOfProportionIsRefusedBeforeADecoderOpens)
 {
     writeAll(file("s.wav"), waveFile({44100, 6, 16}, decoderfiles::audio(20000, 6)));
-    const ToolResult made = runTool(
-        QStringLiteral("ffmpeg"), {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"),
-                                   file("s.wav"), QStringLiteral("-c:a"), QStringLiteral("alac"),
-                                   file("a.m4a")});
+    const ToolResult made =
+        runTool(QStringLiteral("ffmpeg"),
+                {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), file("s.wav"),
+                 QStringLiteral("-c:a"), QStringLiteral("alac"), file("a.m4a")});
     ASSERT_TRUE(made.ok()) << made.errors.toStdString();
     QByteArray bytes = readAll(file("a.m4a"));
     // The box within the sample entry has the entry's name, and then four bytes of version.
@@ -154,11 +176,10 @@ protected:
     QByteArray valid(const QStringList& options = {}) const
     {
         writeAll(file("s.wav"), waveFile({44100, 1, 16}, decoderfiles::audio(14000, 1)));
-        const ToolResult made =
-            runTool(QStringLiteral("ffmpeg"),
-                    QStringList{QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y"),
-                                QStringLiteral("-i"), file("s.wav")}
-                        + options + QStringList{file("valid.m4a")});
+        const ToolResult made = runTool(QStringLiteral("ffmpeg"),
+                                        QStringList{QStringLiteral("-v"), QStringLiteral("error"),
+                                                    QStringLiteral("-y"), QStringLiteral("-i"), file("s.wav")}
+                                            + options + QStringList{file("valid.m4a")});
         EXPECT_TRUE(made.ok()) << made.errors.toStdString();
         EXPECT_TRUE(decode(file("valid.m4a")).opened);
         return readAll(file("valid.m4a"));

@@ -2,8 +2,6 @@
 
 #include "base/ByteOrder.h"
 
-#include <ogg/ogg.h>
-
 #include <algorithm>
 #include <numeric>
 #include <random>
@@ -97,6 +95,18 @@ qsizetype truncatedLength(qsizetype size, quint64 turn)
     return static_cast<qsizetype>((round + 1) * step % lengths);
 }
 
+/// Ogg's checksum: the polynomial 0x04C11DB7, highest bit first, from 0 on.
+quint32 oggChecksum(const QByteArray& page)
+{
+    quint32 sum = 0;
+    for (const char byte : page) {
+        sum ^= quint32{static_cast<quint8>(byte)} << 24;
+        for (int bit = 0; bit < 8; ++bit)
+            sum = sum << 1 ^ (sum >> 31) * 0x04C11DB7;
+    }
+    return sum;
+}
+
 } // namespace
 
 QByteArray mutate(const QByteArray& valid, quint64 number)
@@ -113,19 +123,20 @@ QByteArray mutate(const QByteArray& valid, quint64 number)
 void sealOggPages(QByteArray& bytes)
 {
     constexpr qsizetype fixedHeader = 27;
+    constexpr qsizetype checksum = 22;
     for (qsizetype start = bytes.indexOf("OggS"); start >= 0; start = bytes.indexOf("OggS", start + 4)) {
         if (bytes.size() - start < fixedHeader)
             return;
-        auto* header = reinterpret_cast<unsigned char*>(bytes.data()) + start;
-        const qsizetype segments = header[fixedHeader - 1];
+        const qsizetype segments = static_cast<quint8>(bytes[start + fixedHeader - 1]);
         if (bytes.size() - start < fixedHeader + segments)
             return;
-        qsizetype body = 0;
+        qsizetype size = fixedHeader + segments;
         for (qsizetype i = 0; i < segments; ++i)
-            body += header[fixedHeader + i];
-        if (bytes.size() - start < fixedHeader + segments + body)
+            size += static_cast<quint8>(bytes[start + fixedHeader + i]);
+        if (bytes.size() - start < size)
             return;
-        ogg_page page{header, fixedHeader + segments, header + fixedHeader + segments, body};
-        ogg_page_checksum_set(&page);
+        char* field = bytes.data() + start + checksum;
+        byteorder::writeLittle(field, quint32{0});
+        byteorder::writeLittle(field, oggChecksum(bytes.mid(start, size)));
     }
 }
