@@ -2,8 +2,8 @@
 
 #include "codecs/IAudioDecoder.h"
 
-/// Opus in Ogg, through libopusfile, always at 48000 Hz whatever was recorded.
-/// The number of channels is that of the first link of a chained file.
+/// Opus in Ogg, through libopusfile, always at 48000 Hz whatever was recorded. The
+/// links of a chained file are delivered in the first one's number of channels.
 class OpusDecoder_ : public IAudioDecoder {
 public:
     OpusDecoder_();

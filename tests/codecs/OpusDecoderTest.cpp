@@ -14,9 +14,9 @@ protected:
         const ToolResult made =
             runTool(QStringLiteral("opusdec"),
                     {QStringLiteral("--quiet"), QStringLiteral("--rate"), QStringLiteral("48000"),
-                     QStringLiteral("--no-dither"), name, file("judge.raw")});
+                     QStringLiteral("--no-dither"), name, file("judge.wav")});
         EXPECT_TRUE(made.ok()) << made.errors.toStdString();
-        return fromRaw16(readAll(file("judge.raw")));
+        return decodeWithFfmpeg(file("judge.wav"));
     }
 };
 
@@ -36,7 +36,7 @@ TEST_P(OpusChannelsTest, AgreesWithAnIndependentDecoderToTheSample)
     EXPECT_LE(largestDifference(decoded.samples, expected, 16), ditherSteps);
 }
 
-INSTANTIATE_TEST_SUITE_P(Channels, OpusChannelsTest, ::testing::Values(1, 2, 6));
+INSTANTIATE_TEST_SUITE_P(Channels, OpusChannelsTest, ::testing::Range<quint16>(1, 9));
 
 TEST_F(OpusDecoderTest, WhatWasRecordedAt44100IsDeliveredAt48000)
 {
