@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <type_traits>
 
 /// A float with full scale at 1 as a sample, cut toward 0 and limited. Full
 /// scale up, which no 32-bit sample can hold, turns into full scale down.
@@ -20,8 +21,12 @@ inline qint32 sampleFromFloat(float value)
 template<int bits>
 qint32 valueFromFloat(float value)
 {
-    constexpr double fullScale = 1 << (bits - 1);
-    const double scaled =
-        std::isnan(value) ? 0.0 : std::clamp(double{value} * fullScale, -fullScale, fullScale - 1);
-    return static_cast<qint32>(std::lrint(scaled));
+    using Real = std::conditional_t<(bits < 20), float, double>;
+    constexpr Real fullScale = 1 << (bits - 1);
+    // Half as much again as where neighbours lie one apart: the sum has no room for
+    // a fraction and is rounded, with no call for every sample.
+    constexpr Real roundingPlace = Real{1.5} * (quint64{1} << (std::numeric_limits<Real>::digits - 1));
+    const Real known = std::isnan(value) ? Real{0} : Real{value};
+    const Real scaled = std::clamp(known * fullScale, -fullScale, fullScale - 1);
+    return static_cast<qint32>((scaled + roundingPlace) - roundingPlace);
 }

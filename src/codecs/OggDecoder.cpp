@@ -57,11 +57,14 @@ public:
     /// Looks for the ends of all streams of the file.
     bool open(Source& source)
     {
-        return ov_open_callbacks(&source, &record, nullptr, 0, {onRead, onSeek, nullptr, onTell}) == 0;
+        // By itself the library passes over a first stream of a single page of audio.
+        return ov_open_callbacks(&source, &record, nullptr, 0, {onRead, onSeek, nullptr, onTell}) == 0
+               && ov_raw_seek(&record, 0) == 0;
     }
     /// Knows of what comes later only when it is there.
     bool openAtTheStart(Source& source)
     {
+        ov_clear(&record);
         std::rewind(source.file.get());
         return ov_open_callbacks(&source, &record, nullptr, 0, {onRead, nullptr, nullptr, nullptr}) == 0;
     }
@@ -82,16 +85,28 @@ quint64 bytesToOpenWith(const std::filesystem::path& path)
     return enoughForManyStreams + (failure ? 0 : timesTheFile * size);
 }
 
-AudioBlock interleave(float* const* planes, quint64 frames, std::size_t channels)
+qint32 sampleOf(float value)
 {
-    AudioBlock block{QList<qint32>(static_cast<qsizetype>(frames * channels)), frames};
+    return valueFromFloat<deliveredBits>(value) * (1 << (32 - deliveredBits));
+}
+
+void interleave(float* const* planes, std::size_t frames, std::size_t channels, qint32* target)
+{
+    if (channels == 2) {
+        // Both at once, so that the compiler does many at once.
+        const float* left = planes[0];
+        const float* right = planes[1];
+        for (std::size_t i = 0; i < frames; ++i) {
+            target[2 * i] = sampleOf(left[i]);
+            target[2 * i + 1] = sampleOf(right[i]);
+        }
+        return;
+    }
     for (std::size_t channel = 0; channel < channels; ++channel) {
         const float* source = planes[vorbisPlace(channel, channels)];
-        qint32* target = block.samples.data() + channel;
-        for (quint64 i = 0; i < frames; ++i, target += channels)
-            *target = valueFromFloat<deliveredBits>(source[i]) * (1 << (32 - deliveredBits));
+        for (std::size_t i = 0; i < frames; ++i)
+            target[i * channels + channel] = sampleOf(source[i]);
     }
-    return block;
 }
 
 } // namespace
@@ -144,34 +159,42 @@ std::optional<AudioBlock> OggDecoder::read()
 
 std::optional<AudioBlock> OggDecoder::readBlock()
 {
+    if (!stream || ended)
+        return std::nullopt;
     const quint64 wanted = framesPerBlock(pcm.channels);
-    AudioBlock block;
-    while (stream && !ended && block.frames < wanted) {
-        const AudioBlock piece = decodeUpTo(wanted - block.frames);
-        block.samples += piece.samples;
-        block.frames += piece.frames;
-    }
+    AudioBlock block{QList<qint32>(static_cast<qsizetype>(wanted * pcm.channels)), 0};
+    while (!ended && block.frames < wanted)
+        block.frames += decode(wanted - block.frames, block.samples.data() + block.frames * pcm.channels);
+    block.samples.resize(static_cast<qsizetype>(block.frames * pcm.channels));
     return block.frames > 0 ? std::optional(std::move(block)) : std::nullopt;
 }
 
-/// What the library has at once, which is nothing at a hole and at the end.
-AudioBlock OggDecoder::decodeUpTo(quint64 frames)
+/// Takes what the library has at once, which is nothing at a hole and at the end.
+quint64 OggDecoder::decode(quint64 frames, qint32* target)
 {
     float** planes = nullptr;
     int link = 0;
     const long decoded = ov_read_float(stream->vorbis.get(), &planes, static_cast<int>(frames), &link);
     if (decoded == OV_HOLE)
-        return {};
+        return 0;
     const vorbis_info* info = decoded > 0 ? ov_info(stream->vorbis.get(), link) : nullptr;
     const bool sameRate = info && info->rate == static_cast<long>(pcm.sampleRate);
     if (info && !sameRate)
         reportRateChange(pcm.sampleRate, static_cast<quint32>(info->rate));
     ended = !sameRate;
     if (ended)
-        return {};
+        return 0;
     const auto channels = static_cast<quint16>(info->channels);
-    const AudioBlock block = interleave(planes, static_cast<quint64>(decoded), channels);
-    return channels == pcm.channels ? block : mapChannels(block, channels, pcm.channels, deliveredBits);
+    const auto count = static_cast<quint64>(decoded);
+    if (channels == pcm.channels) {
+        interleave(planes, count, channels, target);
+    } else {
+        AudioBlock other{QList<qint32>(static_cast<qsizetype>(count * channels)), count};
+        interleave(planes, count, channels, other.samples.data());
+        const AudioBlock mapped = mapChannels(other, channels, pcm.channels, deliveredBits);
+        std::copy(mapped.samples.begin(), mapped.samples.end(), target);
+    }
+    return count;
 }
 
 void OggDecoder::close()

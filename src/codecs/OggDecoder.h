@@ -21,7 +21,7 @@ private:
 
     bool openStream(const std::filesystem::path& path);
     std::optional<AudioBlock> readBlock();
-    AudioBlock decodeUpTo(quint64 frames);
+    quint64 decode(quint64 frames, qint32* target);
 
     AudioFormat pcm;
     std::optional<quint64> total;
