@@ -2,7 +2,6 @@
 #include "codecs/AvHandles.h"
 #include "codecs/FrameBytes.h"
 #include "codecs/MediaReader.h"
-#include "codecs/Mp3Padding.h"
 #include "codecs/Mpeg4Timing.h"
 
 extern "C" {
@@ -84,7 +83,7 @@ private:
     bool feed();
     const char* gaplessTag() const;
     void setExtent(const std::optional<Mpeg4Timing>& timing);
-    void measure(const std::filesystem::path& path);
+    void measure();
 
     InputPointer container;
     AvPointer<AVCodecContext> decoder;
@@ -133,7 +132,7 @@ bool FfmpegReader::open(const std::filesystem::path& path)
         return false;
     pcm = {static_cast<quint32>(current->sample_rate), static_cast<quint16>(channels), 0};
     setExtent(timing);
-    measure(path);
+    measure();
     return true;
 }
 
@@ -224,7 +223,7 @@ void FfmpegReader::setExtent(const std::optional<Mpeg4Timing>& timing)
     }
 }
 
-void FfmpegReader::measure(const std::filesystem::path& path)
+void FfmpegReader::measure()
 {
     constexpr std::int64_t ticksASecond = 10000000;
     const auto rate = static_cast<int>(pcm.sampleRate);
@@ -234,9 +233,9 @@ void FfmpegReader::measure(const std::filesystem::path& path)
             static_cast<std::int64_t>(std::min<quint64>(*statedFrames, std::numeric_limits<qint64>::max()));
     } else if (stream->duration > 0) {
         frames = av_rescale_q(stream->duration, stream->time_base, {1, rate});
-        // This container's duration still holds what the encoder put around the audio.
+        // This container's duration still holds what the encoder put before the audio.
         if (stream->codecpar->codec_id == AV_CODEC_ID_MP3 && stream->start_time > 0)
-            frames -= av_rescale_q(stream->start_time, stream->time_base, {1, rate}) + mp3EndPadding(path);
+            frames -= av_rescale_q(stream->start_time, stream->time_base, {1, rate});
     } else if (container->duration > 0) {
         frames = av_rescale(container->duration, rate, AV_TIME_BASE);
     }

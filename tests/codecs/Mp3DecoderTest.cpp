@@ -1,7 +1,6 @@
 #include "codecs/Mp3Decoder.h"
 
 #include "codecs/DecoderFiles.h"
-#include "codecs/Mp3Padding.h"
 #include "support/Tool.h"
 
 class Mp3DecoderTest : public EncoderTest {
@@ -34,7 +33,9 @@ TEST_F(Mp3DecoderTest, DelayAndPaddingAreCutAndTheSamplesLineUp)
                 const Decoded decoded = decode(file("a.mp3"));
                 EXPECT_EQ(decoded.format, (AudioFormat{44100, channels, 24}));
                 EXPECT_EQ(decoded.frames(), frames);
-                EXPECT_EQ(decoded.total, frames);
+                // The padding is not known beforehand.
+                EXPECT_GE(decoded.total.value_or(0), frames);
+                EXPECT_LE(decoded.total.value_or(0), frames + 2 * 1152);
                 // The judge rounds to 16 bits, which is half a step.
                 EXPECT_LE(largestDifference(decoded.samples, judge(file("a.mp3")), 16), 1.1);
                 EXPECT_LE(largestDifference(decoded.samples, decodeWithFfmpeg(file("a.mp3")), 24), 1.0);
@@ -47,25 +48,9 @@ TEST_F(Mp3DecoderTest, WithoutTheEncodersTagEverythingIsDelivered)
 {
     encode(file("a.mp3"), 50000, 2, {QStringLiteral("-t"), QStringLiteral("-b192")});
     const Decoded decoded = decode(file("a.mp3"));
-    EXPECT_EQ(mp3EndPadding(toPath(file("a.mp3"))), 0u);
     EXPECT_EQ(decoded.frames() % 1152, 0u);
     EXPECT_GE(decoded.frames(), 50000u + 528);
     EXPECT_TRUE(decoded.total);
-}
-
-TEST_F(Mp3DecoderTest, PaddingIsFoundBehindATagWithAPicture)
-{
-    encode(file("plain.mp3"), 50000, 2, {QStringLiteral("-b192")});
-    const std::uint32_t padding = mp3EndPadding(toPath(file("plain.mp3")));
-    // Whole frames of 1152: the encoder's delay of 576, the decoder's of 529, the audio, the padding.
-    EXPECT_EQ((576 + 529 + 50000 + padding) % 1152, 0u);
-    const QByteArray plain = readAll(file("plain.mp3"));
-    const QByteArray picture(20000, '\xFF');
-    QByteArray size(4, '\0');
-    for (int i = 0; i < 4; ++i)
-        size[i] = static_cast<char>((picture.size() >> (7 * (3 - i))) & 0x7F);
-    writeAll(file("tagged.mp3"), "ID3" + QByteArray("\x04\0\0", 3) + size + picture + plain);
-    EXPECT_EQ(mp3EndPadding(toPath(file("tagged.mp3"))), padding);
 }
 
 TEST_F(Mp3DecoderTest, OtherRatesAndLayersOfTheFamily)
