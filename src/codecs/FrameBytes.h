@@ -1,15 +1,18 @@
 #pragma once
 
-#include <QtGlobal>
+#include "codecs/AudioFormat.h"
 
 #include <vector>
 
 struct AVFrame;
 
-/// Whether the frame's samples fit into 16 bits without loss.
-bool isAtMost16Bits(const AVFrame& frame);
+/// How wide PCM has to be to hold the frame's samples: 16 bits or, for wider ones
+/// and for floats, 24. It is 0 for a format that none of the decoders here gives;
+/// theirs have a plane for each channel.
+int packedBits(const AVFrame& frame);
 
 /// Packs some sample frames of a decoded frame as PCM of 16 or 24 bits, interleaved,
-/// the low byte first. Floats are rounded to the nearest value; wider integers
-/// lose their low bits.
-void packFrame(const AVFrame& frame, int first, int frames, int bits, std::vector<quint8>& bytes);
+/// the low byte first, in the channels that were announced. Floats are rounded to the
+/// nearest value; wider integers lose their low bits.
+void packFrame(const AVFrame& frame, int first, int frames, const AudioFormat& pcm,
+               std::vector<quint8>& bytes);

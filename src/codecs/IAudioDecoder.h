@@ -9,7 +9,8 @@
 #include <optional>
 
 /// Turns one file into blocks of audio. Order: open, any number of read, close.
-/// One thread at a time; nothing throws, logs or shows anything.
+/// One thread at a time; nothing throws or shows anything, and nothing is logged
+/// but the end of a stream where its rate changes.
 class IAudioDecoder {
 public:
     virtual ~IAudioDecoder() = default;

@@ -3,6 +3,7 @@
 #include "codecs/FrameBytes.h"
 #include "codecs/MediaReader.h"
 #include "codecs/Mpeg4Timing.h"
+#include "codecs/StreamChange.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -128,9 +129,10 @@ bool FfmpegReader::open(const std::filesystem::path& path)
         return false;
     std::swap(current, next);
     const int channels = current->ch_layout.nb_channels;
-    if (current->sample_rate <= 0 || channels <= 0 || channels > std::numeric_limits<quint16>::max())
+    // The frame itself may still name the rate that the search for streams ended with.
+    if (decoder->sample_rate <= 0 || channels <= 0 || channels > std::numeric_limits<quint16>::max())
         return false;
-    pcm = {static_cast<quint32>(current->sample_rate), static_cast<quint16>(channels), 0};
+    pcm = {static_cast<quint32>(decoder->sample_rate), static_cast<quint16>(channels), 0};
     setExtent(timing);
     measure();
     return true;
@@ -249,8 +251,7 @@ void FfmpegReader::measure()
 
 bool FfmpegReader::choosePcm(int bits)
 {
-    const bool wide = !isAtMost16Bits(*current);
-    if (bits != (wide ? 24 : 16))
+    if (bits != packedBits(*current))
         return false;
     pcm.bitsPerSample = static_cast<quint16>(bits);
     return true;
@@ -263,10 +264,10 @@ MediaReader::Outcome FfmpegReader::read(std::vector<quint8>& pcmBytes)
     const Outcome outcome = decodeNext();
     if (outcome == Outcome::Gap)
         return Outcome::Gap;
-    const bool changed = outcome == Outcome::Samples
-                         && (next->sample_rate != current->sample_rate || next->format != current->format
-                             || next->ch_layout.nb_channels != current->ch_layout.nb_channels);
-    // A stream that turns into another one ends there.
+    const auto rate = static_cast<quint32>(decoder->sample_rate);
+    const bool changed = outcome == Outcome::Samples && rate != pcm.sampleRate;
+    if (changed)
+        reportRateChange(pcm.sampleRate, rate);
     ended = outcome != Outcome::Samples || changed;
 
     const auto held = static_cast<quint64>(current->nb_samples);
@@ -275,7 +276,7 @@ MediaReader::Outcome FfmpegReader::read(std::vector<quint8>& pcmBytes)
     quint64 wanted = held - skipped;
     if (statedFrames)
         wanted = std::min(wanted, *statedFrames - deliveredFrames);
-    packFrame(*current, static_cast<int>(skipped), static_cast<int>(wanted), pcm.bitsPerSample, pcmBytes);
+    packFrame(*current, static_cast<int>(skipped), static_cast<int>(wanted), pcm, pcmBytes);
     deliveredFrames += wanted;
     ended = ended || deliveredFrames == statedFrames;
     std::swap(current, next);

@@ -11,6 +11,13 @@ static void numberPages(QByteArray& stream, quint32 number)
     sealOggPages(stream);
 }
 
+/// The first frame says how much of one stream is not audio, and is not for two.
+static QByteArray withoutEncodersTag(const QByteArray& stream, const AudioFormat& format)
+{
+    constexpr quint32 bitsASecond = 192000;
+    return stream.mid(144 * bitsASecond / format.sampleRate);
+}
+
 void makeChain(const QString& name, const QList<AudioFormat>& formats, quint64 frames)
 {
     QByteArray chain;
@@ -19,7 +26,7 @@ void makeChain(const QString& name, const QList<AudioFormat>& formats, quint64 f
         QByteArray stream = readAll(name);
         if (stream.startsWith("OggS"))
             numberPages(stream, static_cast<quint32>(chain.size()));
-        chain += stream;
+        chain += name.endsWith(QStringLiteral(".mp3")) ? withoutEncodersTag(stream, format) : stream;
     }
     writeAll(name, chain);
 }
