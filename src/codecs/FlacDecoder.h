@@ -3,8 +3,8 @@
 #include "codecs/IAudioDecoder.h"
 
 /// Native FLAC, through libFLAC. A total of 0 is one that the file does not
-/// state. The stream ends at the first frame that can't be decoded and at one
-/// with another number of channels than the file's header names.
+/// state. Around a damaged frame the audio is silent or missing, and the rest follows;
+/// the stream ends at a frame with another number of channels than the header names.
 class FlacDecoder : public IAudioDecoder {
 public:
     FlacDecoder();

@@ -110,6 +110,30 @@ TEST_F(FlacDecoderTest, ATruncatedFileEndsEarly)
     EXPECT_EQ(half.samples, all.samples.mid(0, half.samples.size()));
 }
 
+// Silence or nothing, and whether the next frame goes too while the library looks for
+// where it is: that differs from version to version.
+TEST_F(FlacDecoderTest, ADamagedFrameCostsNoMoreThanItselfAndTheNext)
+{
+    constexpr qsizetype frames = 40000;
+    constexpr qsizetype blockFrames = 4096;
+    const QByteArray whole = encoded({44100, 2, 16}, frames, {QStringLiteral("--no-padding")});
+    const Decoded all = decodeBytes(whole);
+    QByteArray bytes = whole;
+    // Noise takes the same room anywhere: this is the middle of the fifth frame.
+    const qsizetype place = bytes.size() * 9 * blockFrames / 2 / frames;
+    bytes[place] = static_cast<char>(bytes[place] ^ 0x55);
+    const Decoded damaged = decodeBytes(bytes);
+    EXPECT_NE(damaged.samples, all.samples);
+    EXPECT_LE(damaged.frames(), all.frames());
+    EXPECT_GE(damaged.frames(), all.frames() - 2 * blockFrames);
+    EXPECT_EQ(damaged.samples.first(2 * 4 * blockFrames), all.samples.first(2 * 4 * blockFrames));
+    const qsizetype behind = 2 * (frames - 6 * blockFrames);
+    EXPECT_EQ(damaged.samples.last(behind), all.samples.last(behind));
+    const QList<qint32> hole =
+        damaged.samples.sliced(2 * 4 * blockFrames, damaged.samples.size() - behind - 2 * 4 * blockFrames);
+    EXPECT_EQ(hole, QList<qint32>(hole.size(), 0));
+}
+
 // A disc or a share that goes away. The whole test ends where the decoder never does.
 TEST_F(FlacDecoderTest, AReadErrorEndsTheStream)
 {
