@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 // The input is held in periods of `factor` frames, one for each output, and laid
 // out in rows: one row a channel and place within the period. What neighbouring
@@ -24,8 +25,7 @@ constexpr std::ptrdiff_t rowLength = pastPeriods + piecePeriods + lanes;
 
 std::vector<double> designLowPass(int factor)
 {
-    constexpr double pi = 3.141592653589793;
-    constexpr double twoPi = 6.283185307179586;
+    constexpr double twoPi = 2 * std::numbers::pi;
     constexpr double beta = 10.0;
     constexpr int seriesTerms = 49;
 
@@ -36,7 +36,8 @@ std::vector<double> designLowPass(int factor)
     double sum = 0.0;
     for (int i = 0; i < taps; ++i) {
         const double d = i - centre;
-        const double lowPass = i == centre ? 2.0 * cutoff : std::sin(d * cutoff * twoPi) / (d * pi);
+        const double lowPass =
+            i == centre ? 2.0 * cutoff : std::sin(d * cutoff * twoPi) / (d * std::numbers::pi);
         const double t = 2.0 * i / (taps - 1) - 1.0;
         const double window =
             besselI0(beta * std::sqrt(std::max(0.0, 1.0 - t * t)), seriesTerms) / besselI0(beta, seriesTerms);

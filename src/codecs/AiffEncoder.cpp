@@ -49,14 +49,6 @@ PcmLayout layoutOf(quint16 writtenBits)
     return writtenBits == 16 ? PcmLayout::Big16 : PcmLayout::Big24;
 }
 
-void patch(OutputFile& file, quint64 position, quint32 value)
-{
-    quint8 bytes[4];
-    byteorder::writeBig(bytes, value);
-    file.seek(position);
-    file.write(bytes, sizeof bytes);
-}
-
 } // namespace
 
 bool AiffEncoder::open(const std::filesystem::path& path, const AudioFormat& format)
@@ -96,8 +88,8 @@ bool AiffEncoder::close()
     const quint32 pad = soundBytes % 2;
     if (pad != 0)
         file.write("", 1);
-    patch(file, formSizePosition, soundBytes + 46 + pad);
-    patch(file, frameCountPosition, static_cast<quint32>(frames));
-    patch(file, soundSizePosition, soundBytes + 8);
+    file.patchBig(formSizePosition, soundBytes + 46 + pad);
+    file.patchBig(frameCountPosition, static_cast<quint32>(frames));
+    file.patchBig(soundSizePosition, soundBytes + 8);
     return file.finish();
 }

@@ -4,6 +4,7 @@
 #include "codecs/DsfDecoder.h"
 #include "codecs/FlacDecoder.h"
 #include "codecs/IAudioDecoder.h"
+#include "codecs/Make.h"
 #include "codecs/Mp3Decoder.h"
 #include "codecs/NoThrow.h"
 #include "codecs/OggDecoder.h"
@@ -22,10 +23,7 @@ namespace {
 using DecoderMaker = std::unique_ptr<IAudioDecoder> (*)();
 
 template<typename Decoder>
-std::unique_ptr<IAudioDecoder> make()
-{
-    return std::make_unique<Decoder>();
-}
+constexpr DecoderMaker maker = make<IAudioDecoder, Decoder>;
 
 struct DecoderEntry {
     std::wstring_view extension;
@@ -33,10 +31,10 @@ struct DecoderEntry {
 };
 
 constexpr DecoderEntry decoderTable[] = {
-    {L".wav", make<WavDecoder>},    {L".aiff", make<AiffDecoder>}, {L".aif", make<AiffDecoder>},
-    {L".mp3", make<Mp3Decoder>},    {L".flac", make<FlacDecoder>}, {L".aac", make<AacDecoder>},
-    {L".m4a", make<AacDecoder>},    {L".ogg", make<OggDecoder>},   {L".opus", make<OpusDecoder_>},
-    {L".wv", make<WavPackDecoder>}, {L".dsf", make<DsfDecoder>},   {L".dff", make<DffDecoder>},
+    {L".wav", maker<WavDecoder>},    {L".aiff", maker<AiffDecoder>}, {L".aif", maker<AiffDecoder>},
+    {L".mp3", maker<Mp3Decoder>},    {L".flac", maker<FlacDecoder>}, {L".aac", maker<AacDecoder>},
+    {L".m4a", maker<AacDecoder>},    {L".ogg", maker<OggDecoder>},   {L".opus", maker<OpusDecoder_>},
+    {L".wv", maker<WavPackDecoder>}, {L".dsf", maker<DsfDecoder>},   {L".dff", maker<DffDecoder>},
 };
 
 template<typename Character>

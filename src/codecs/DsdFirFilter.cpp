@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <numbers>
 
 namespace {
 
@@ -16,7 +17,6 @@ constexpr std::size_t pieceBytes = 16 * lanes;
 
 std::array<float, taps> designLowPass()
 {
-    constexpr double pi = 3.141592653589793;
     constexpr double cutoff = 0.39269908169872414;
     constexpr double centre = 63.5;
     constexpr double beta = 8.0;
@@ -25,7 +25,7 @@ std::array<float, taps> designLowPass()
     double sum = 0.0;
     for (std::size_t i = 0; i < taps; ++i) {
         const double n = static_cast<double>(i) - centre;
-        const double lowPass = std::sin(n * cutoff) / (n * pi);
+        const double lowPass = std::sin(n * cutoff) / (n * std::numbers::pi);
         const double ratio = n / centre;
         const double window = besselI0(beta * std::sqrt(std::max(0.0, 1.0 - ratio * ratio))) / besselI0(beta);
         const double value = lowPass * window;

@@ -3,6 +3,7 @@
 #include "codecs/AlacEncoder.h"
 #include "codecs/ConverterFlacEncoder.h"
 #include "codecs/IAudioEncoder.h"
+#include "codecs/Make.h"
 #include "codecs/Mp3Encoder.h"
 #include "codecs/WavEncoder.h"
 
@@ -10,11 +11,8 @@ namespace {
 
 using EncoderMaker = std::unique_ptr<IAudioEncoder> (*)();
 
-template <typename Encoder>
-std::unique_ptr<IAudioEncoder> make()
-{
-    return std::make_unique<Encoder>();
-}
+template<typename Encoder>
+constexpr EncoderMaker maker = make<IAudioEncoder, Encoder>;
 
 struct EncoderEntry {
     EncoderId id;
@@ -22,9 +20,9 @@ struct EncoderEntry {
 };
 
 constexpr EncoderEntry encoderTable[] = {
-    {WavEncoderId, make<WavEncoder>},   {FlacEncoderId, make<ConverterFlacEncoder>},
-    {Mp3EncoderId, make<Mp3Encoder>},   {AiffEncoderId, make<AiffEncoder>},
-    {AacEncoderId, make<AacEncoder>},   {AlacEncoderId, make<AlacEncoder>},
+    {WavEncoderId, maker<WavEncoder>}, {FlacEncoderId, maker<ConverterFlacEncoder>},
+    {Mp3EncoderId, maker<Mp3Encoder>}, {AiffEncoderId, maker<AiffEncoder>},
+    {AacEncoderId, maker<AacEncoder>}, {AlacEncoderId, maker<AlacEncoder>},
 };
 
 } // namespace

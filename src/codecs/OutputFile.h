@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ByteOrder.h"
 #include "codecs/CFile.h"
 
 #include <QtGlobal>
@@ -25,6 +26,23 @@ public:
 
     /// Turns the state bad: what was to be written is lost.
     void spoil() { failed = true; }
+
+    /// Overwrites an integer at a place counted from the start, where it then stands.
+    /// Returns good().
+    template<typename Integer>
+    bool patchLittle(quint64 offset, Integer value)
+    {
+        quint8 bytes[sizeof value];
+        byteorder::writeLittle(bytes, value);
+        return seek(offset) && write(bytes, sizeof bytes);
+    }
+    template<typename Integer>
+    bool patchBig(quint64 offset, Integer value)
+    {
+        quint8 bytes[sizeof value];
+        byteorder::writeBig(bytes, value);
+        return seek(offset) && write(bytes, sizeof bytes);
+    }
 
     /// Bytes before the place where the next write goes.
     quint64 position() const { return offsetNow; }

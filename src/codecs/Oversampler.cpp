@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <numbers>
 
 namespace {
 
@@ -17,8 +18,7 @@ constexpr std::size_t lanes = 16;
 
 std::array<double, tapCount> designFilter(quint32 factor)
 {
-    constexpr double pi = 3.141592653589793;
-    constexpr double twoPi = 6.283185307179586;
+    constexpr double twoPi = 2 * std::numbers::pi;
     constexpr double centre = 191.5;
     constexpr double beta = 8.6;
     const double cutoff = 1.0 / (2.0 * factor);
@@ -27,7 +27,7 @@ std::array<double, tapCount> designFilter(quint32 factor)
     double sum = 0.0;
     for (std::size_t i = 0; i < tapCount; ++i) {
         const double n = static_cast<double>(i) - centre;
-        const double lowPass = std::sin(cutoff * twoPi * n) / (n * pi);
+        const double lowPass = std::sin(cutoff * twoPi * n) / (n * std::numbers::pi);
         const double ratio = n / centre;
         const double window = besselI0(beta * std::sqrt(std::max(0.0, 1.0 - ratio * ratio))) / besselI0(beta);
         const double value = lowPass * window;
@@ -47,10 +47,7 @@ std::array<double, tapCount> designFilter(quint32 factor)
 // an input sample meets every factor-th tap only, in the order of the taps.
 struct Oversampler::OversamplerChannel {
     OversamplerChannel(quint32 raise, const std::array<double, tapCount>& shared)
-        : factor(raise)
-        , pastSamples((tapCount - 1) / raise)
-        , taps(shared)
-        , input(pastSamples)
+        : factor(raise), pastSamples((tapCount - 1) / raise), taps(shared), input(pastSamples)
     {
     }
 
@@ -97,9 +94,7 @@ private:
 };
 
 Oversampler::Oversampler(int channelCount, quint32 raise)
-    : channels(std::max(channelCount, 1))
-    , factor(std::max(raise, 1u))
-    , taps(designFilter(factor))
+    : channels(std::max(channelCount, 1)), factor(std::max(raise, 1u)), taps(designFilter(factor))
 {
     for (int channel = 0; channel < channels; ++channel)
         filters.push_back(std::make_unique<OversamplerChannel>(factor, taps));

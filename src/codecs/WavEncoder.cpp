@@ -14,7 +14,7 @@ constexpr quint64 riffSizePosition = 4;
 constexpr char integerPcmSubFormat[] = "\x01\x00\x00\x00\x00\x00\x10\x00\x80\x00\x00\xAA\x00\x38\x9B\x71";
 constexpr int subFormatBytes = 16;
 
-template <typename Integer>
+template<typename Integer>
 void append(QByteArray& header, Integer value)
 {
     char bytes[sizeof value];
@@ -62,14 +62,6 @@ PcmLayout layoutOf(quint16 writtenBits)
     return writtenBits == 16 ? PcmLayout::Little16 : PcmLayout::Little24;
 }
 
-void patch(OutputFile& file, quint64 position, quint64 value)
-{
-    quint8 bytes[4];
-    byteorder::writeLittle(bytes, static_cast<quint32>(value));
-    file.seek(position);
-    file.write(bytes, sizeof bytes);
-}
-
 } // namespace
 
 bool WavEncoder::open(const std::filesystem::path& path, const AudioFormat& format)
@@ -112,7 +104,7 @@ bool WavEncoder::close()
         return false;
     if (dataBytes % 2 != 0)
         file.write("", 1);
-    patch(file, riffSizePosition, file.position() - 8);
-    patch(file, dataSizePosition, dataBytes);
+    file.patchLittle(riffSizePosition, static_cast<quint32>(file.position() - 8));
+    file.patchLittle(dataSizePosition, static_cast<quint32>(dataBytes));
     return file.finish();
 }

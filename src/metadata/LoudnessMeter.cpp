@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <numeric>
 
 namespace {
 
-constexpr double pi = 3.141592653589793;
 constexpr double sampleScale = 4.656612873077393e-10;
 constexpr double silence = -70.0;
 constexpr double relativeGate = -10.0;
@@ -43,7 +43,7 @@ LoudnessMeter::LoudnessMeter(quint32 sampleRate, int channelCount)
 {
     const double rate = sampleRate == 0 ? defaultRate : sampleRate;
     const auto design = [rate](double frequency, double q, Biquad& stage) {
-        const double k = std::tan(pi * frequency / rate);
+        const double k = std::tan(std::numbers::pi * frequency / rate);
         const double a0 = 1.0 + k / q + k * k;
         stage.a1 = 2.0 * (k * k - 1.0) / a0;
         stage.a2 = (1.0 - k / q + k * k) / a0;

@@ -5,11 +5,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <vector>
 
 namespace {
-
-constexpr double pi = 3.141592653589793;
 
 double seriesI0(double x)
 {
@@ -33,7 +32,7 @@ std::vector<double> lowPass(int factor)
     double sum = 0.0;
     for (int i = 0; i < taps; ++i) {
         const double d = i - m;
-        const double sinc = i == m ? 2.0 * fc : std::sin(d * fc * 6.283185307179586) / (d * pi);
+        const double sinc = i == m ? 2.0 * fc : std::sin(d * fc * 6.283185307179586) / (d * std::numbers::pi);
         const double t = 2.0 * i / (taps - 1) - 1.0;
         coefficients.push_back(sinc
                                * (seriesI0(10.0 * std::sqrt(std::max(0.0, 1.0 - t * t))) / seriesI0(10.0)));
