@@ -91,7 +91,7 @@ bool ConverterFlacEncoder::Stream::start(const std::filesystem::path& path, cons
     // From here on the file is the encoder's, which closes it when deleted even
     // if this call refuses the format.
     return FLAC__stream_encoder_init_FILE(encoder.get(), file, nullptr, nullptr)
-        == FLAC__STREAM_ENCODER_INIT_STATUS_OK;
+           == FLAC__STREAM_ENCODER_INIT_STATUS_OK;
 }
 
 bool ConverterFlacEncoder::Stream::write(const AudioBlock& block)

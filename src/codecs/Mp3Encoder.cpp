@@ -102,9 +102,9 @@ bool Mp3Encoder::encode(const qint32* samples, std::size_t frames)
         left[i] = samples[i * step];
         right[i] = samples[i * step + (paired ? 1 : 0)];
     }
-    const int produced = lame_encode_buffer_int(lame.get(), left.data(), paired ? right.data() : nullptr,
-                                                static_cast<int>(frames), encoded.data(),
-                                                static_cast<int>(encoded.size()));
+    const int produced =
+        lame_encode_buffer_int(lame.get(), left.data(), paired ? right.data() : nullptr,
+                               static_cast<int>(frames), encoded.data(), static_cast<int>(encoded.size()));
     return produced >= 0 && file.write(encoded.data(), static_cast<std::size_t>(produced));
 }
 

@@ -225,7 +225,7 @@ private:
     InputFile file;
     std::uint64_t fileBytes = 0;
     Findings found;
-    TrackTables tables; ///< of the track that is being read
+    TrackTables tables;        ///< of the track that is being read
     std::uint64_t entries = 0; ///< that the index would have
     bool audioSeen = false;
     int steps = 0;

@@ -15,7 +15,7 @@ constexpr std::size_t samplesPerPiece = 128 * 1024;
 
 // One whole 16-bit store a sample, so that the compiler vectorises the loop,
 // which it does not do for single bytes.
-template <bool bigEndian>
+template<bool bigEndian>
 void pack16(const qint32* samples, std::size_t count, quint8* target)
 {
     constexpr bool swap = bigEndian == (std::endian::native == std::endian::little);

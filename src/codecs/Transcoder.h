@@ -9,8 +9,8 @@
 /// Asks convertFile for a loudness measurement, and takes its results.
 struct TrackGain {
     bool enabled = false;
-    double gain = 0.0; ///< dB to the reference loudness
-    double peak = 0.0; ///< full scale is 1.0
+    double gain = 0.0;    ///< dB to the reference loudness
+    double peak = 0.0;    ///< full scale is 1.0
     QList<double> blocks; ///< the gating blocks, for the album
 };
 

@@ -127,8 +127,8 @@ TEST_F(AacDecoderTest, TheFirstOfTwoTracksIsPlayedWithItsOwnEditList)
         convert({QStringLiteral("-i"), file("t.wav"), QStringLiteral("-map"), QStringLiteral("0"),
                  QStringLiteral("-map"), QStringLiteral("1"), QStringLiteral("-c:a"),
                  QString::fromLatin1(codec), QStringLiteral("-b:a"), QStringLiteral("320k"),
-                 QStringLiteral("-disposition:a:0"), QStringLiteral("0"),
-                 QStringLiteral("-disposition:a:1"), QStringLiteral("default")},
+                 QStringLiteral("-disposition:a:0"), QStringLiteral("0"), QStringLiteral("-disposition:a:1"),
+                 QStringLiteral("default")},
                 file("a.m4a"));
         const Decoded decoded = decode(file("a.m4a"));
         EXPECT_EQ(decoded.format.sampleRate, 44100u) << codec;

@@ -71,9 +71,9 @@ TEST_F(AiffEncoderTest, RatesAreExtendedFloats)
 {
     const auto rateBytes = [this](quint32 rate) { return aiff({rate, 1, 16}, {}).mid(28, 10).toHex(); };
     EXPECT_EQ(rateBytes(0), "00000000000000000000");
-    EXPECT_EQ(rateBytes(1), "3fff8000000000000000");          // 1.0 * 2^0
-    EXPECT_EQ(rateBytes(3), "4000c000000000000000");          // 1.5 * 2^1
-    EXPECT_EQ(rateBytes(96000), "400fbb80000000000000");      // 0x17700 begins with 0xBB8 shifted by one
+    EXPECT_EQ(rateBytes(1), "3fff8000000000000000");           // 1.0 * 2^0
+    EXPECT_EQ(rateBytes(3), "4000c000000000000000");           // 1.5 * 2^1
+    EXPECT_EQ(rateBytes(96000), "400fbb80000000000000");       // 0x17700 begins with 0xBB8 shifted by one
     EXPECT_EQ(rateBytes(4294967295u), "401effffffff00000000"); // 32 ones, exponent 31
 }
 
@@ -100,7 +100,7 @@ TEST_F(AiffEncoderTest, TheFrameCountMakesTheSizes)
     ASSERT_TRUE(encoder->write({{0x10000, 0x20000, 0x30000, 0x40000}, 1}));
     ASSERT_TRUE(encoder->close());
     const QByteArray bytes = readAll(file("a.aiff"));
-    EXPECT_EQ(bytes.mid(4, 4), QByteArray::fromHex("00000032"));  // 4 + 46
+    EXPECT_EQ(bytes.mid(4, 4), QByteArray::fromHex("00000032")); // 4 + 46
     EXPECT_EQ(bytes.mid(22, 4), QByteArray::fromHex("00000001"));
     EXPECT_EQ(bytes.mid(42, 4), QByteArray::fromHex("0000000C")); // 4 + 8
     EXPECT_EQ(bytes.mid(54), QByteArray::fromHex("0001 0002 0003 0004"));

@@ -100,9 +100,10 @@ TEST_F(ConverterFlacEncoderTest, AudioIsThatOfTheReferenceEncoderAtLevelFive)
     ASSERT_TRUE(raw.open(QIODevice::WriteOnly));
     raw.write(littleEndian(samples, 16));
     raw.close();
-    const auto tool = runTool("flac", {"-5", "-s", "-f", "--no-padding", "--no-seektable", "--force-raw-format",
-                                       "--endian=little", "--sign=signed", "--channels=2", "--bps=16",
-                                       "--sample-rate=44100", "-o", file("reference.flac"), file("source.raw")});
+    const auto tool =
+        runTool("flac", {"-5", "-s", "-f", "--no-padding", "--no-seektable", "--force-raw-format",
+                         "--endian=little", "--sign=signed", "--channels=2", "--bps=16",
+                         "--sample-rate=44100", "-o", file("reference.flac"), file("source.raw")});
     ASSERT_TRUE(tool.ok()) << tool.errors.toStdString();
 
     // From the first frame on the two files agree; what stands before are the

@@ -30,7 +30,8 @@ TEST_F(DffDecoderTest, ChannelsAreInterleavedByteByByte)
         decodeDsdBytes(filter, reinterpret_cast<const quint8*>(data.constData()) + channel, 5000, false,
                        values.data(), 2, 1);
         for (std::size_t i = 0; i < values.size(); ++i)
-            ASSERT_EQ(decoded.samples[static_cast<qsizetype>(2 * i + channel)], sampleFromFloat(values[i])) << i;
+            ASSERT_EQ(decoded.samples[static_cast<qsizetype>(2 * i + channel)], sampleFromFloat(values[i]))
+                << i;
     }
 }
 

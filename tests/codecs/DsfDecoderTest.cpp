@@ -97,10 +97,10 @@ TEST_F(DsfDecoderTest, UnusableFieldsAreRefused)
 TEST_F(DsfDecoderTest, ABlockOfMoreThan256MiBIsRefused)
 {
     const auto opens = [this](quint32 channels, quint32 blockBytes, quint64 dataBytes) {
-        writeAll(file("a.dsf"), decoderfiles::dsf({.channels = channels,
-                                                   .blockBytes = blockBytes,
-                                                   .dataChunkBytes = 12 + dataBytes},
-                                                  decoderfiles::bits(16, 1)));
+        writeAll(file("a.dsf"),
+                 decoderfiles::dsf(
+                     {.channels = channels, .blockBytes = blockBytes, .dataChunkBytes = 12 + dataBytes},
+                     decoderfiles::bits(16, 1)));
         return DsfDecoder().open(file("a.dsf").toStdString());
     };
     constexpr quint64 endless = quint64{1} << 62;

@@ -10,10 +10,7 @@
 // The questions that every encoder of a real file must answer alike.
 class EncoderConformanceTest : public EncoderTest, public ::testing::WithParamInterface<EncoderId> {
 protected:
-    EncoderConformanceTest()
-        : encoder(makeEncoder(GetParam()))
-    {
-    }
+    EncoderConformanceTest() : encoder(makeEncoder(GetParam())) {}
 
     // The two of MPEG-4 have nothing to lose where nothing is open, and say so.
     static bool closesWithNothingOpen() { return GetParam() == AacEncoderId || GetParam() == AlacEncoderId; }

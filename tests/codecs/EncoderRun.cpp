@@ -27,8 +27,7 @@ AudioBlock makeBlock(const QList<qint32>& samples, int channels)
     return {samples, static_cast<quint64>(samples.size() / channels)};
 }
 
-QByteArray encode(EncoderId id, const QString& name, const AudioFormat& format,
-                  const QList<qint32>& samples)
+QByteArray encode(EncoderId id, const QString& name, const AudioFormat& format, const QList<qint32>& samples)
 {
     const auto encoder = makeEncoder(id);
     EXPECT_TRUE(encoder->open(toPath(name), format));

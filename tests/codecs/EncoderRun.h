@@ -28,8 +28,7 @@ AudioBlock makeBlock(const QList<qint32>& samples, int channels);
 
 /// A new encoder's open, one write and close, each expected to succeed; the
 /// bytes of the file.
-QByteArray encode(EncoderId id, const QString& name, const AudioFormat& format,
-                  const QList<qint32>& samples);
+QByteArray encode(EncoderId id, const QString& name, const AudioFormat& format, const QList<qint32>& samples);
 
 /// The same, with the samples cut into blocks whose frame counts go round the list.
 QByteArray encodeInPieces(EncoderId id, const QString& name, const AudioFormat& format,

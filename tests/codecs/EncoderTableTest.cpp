@@ -9,7 +9,7 @@
 
 #include <QFile>
 
-template <typename Encoder>
+template<typename Encoder>
 static bool makes(int id)
 {
     return dynamic_cast<Encoder*>(makeEncoder(static_cast<EncoderId>(id)).get()) != nullptr;

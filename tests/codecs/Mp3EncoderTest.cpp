@@ -26,8 +26,8 @@ protected:
     // Interleaved 16-bit samples, with the encoder's delay and padding cut off.
     QList<qint16> decoded()
     {
-        const auto tool = runTool("ffmpeg", {"-v", "error", "-y", "-i", file("track.mp3"), "-f", "s16le",
-                                             file("decoded.raw")});
+        const auto tool = runTool(
+            "ffmpeg", {"-v", "error", "-y", "-i", file("track.mp3"), "-f", "s16le", file("decoded.raw")});
         EXPECT_TRUE(tool.ok()) << tool.errors.toStdString();
         const QByteArray bytes = readAll(file("decoded.raw"));
         QList<qint16> samples;
@@ -93,7 +93,8 @@ TEST_F(Mp3EncoderTest, VariableRateIsTakenWhenAskedFor)
 TEST_F(Mp3EncoderTest, TheTagFrameTellsTheTrueLengthEvenOfAShortSource)
 {
     for (const qint32 frames : {1, 100, 1152, 5000, 100000}) {
-        const QByteArray bytes = mp3({44100, 2, 16}, audiomaker::sine(static_cast<quint64>(frames), 2, 440, 44100));
+        const QByteArray bytes =
+            mp3({44100, 2, 16}, audiomaker::sine(static_cast<quint64>(frames), 2, 440, 44100));
         // Four bytes of header and 32 of side information go before the marker.
         const qsizetype marker = 36;
         ASSERT_EQ(bytes.mid(marker, 4), "Info") << frames;

@@ -1,5 +1,5 @@
-#include "codecs/EncoderRun.h"
 #include "codecs/OutputFile.h"
+#include "codecs/EncoderRun.h"
 
 class OutputFileTest : public EncoderTest {};
 

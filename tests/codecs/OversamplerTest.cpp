@@ -13,8 +13,7 @@ namespace {
 // One channel of the filter as its definition reads, zeroes and all.
 class PlainChannel {
 public:
-    explicit PlainChannel(quint32 raise)
-        : factor(raise)
+    explicit PlainChannel(quint32 raise) : factor(raise)
     {
         const double c = 1.0 / (2.0 * raise);
         double sum = 0;
@@ -22,7 +21,8 @@ public:
             const double n = i - 191.5;
             const double lowPass = std::sin(c * 6.283185307179586 * n) / (n * 3.141592653589793);
             const double t = n / 191.5;
-            const double window = plainBesselI0(8.6 * std::sqrt(std::fmax(0, 1 - t * t))) / plainBesselI0(8.6);
+            const double window =
+                plainBesselI0(8.6 * std::sqrt(std::fmax(0, 1 - t * t))) / plainBesselI0(8.6);
             taps[i] = static_cast<float>(lowPass * window);
             sum += lowPass * window;
         }
@@ -66,8 +66,7 @@ qint32 plainSample(float value)
 class PlainOversampler {
 public:
     PlainOversampler(int channels, quint32 raise)
-        : factor(raise)
-        , filters(static_cast<std::size_t>(channels), PlainChannel(raise))
+        : factor(raise), filters(static_cast<std::size_t>(channels), PlainChannel(raise))
     {
     }
 
@@ -187,7 +186,8 @@ TEST(Oversampler, OvershootAboveFullScaleTurnsIntoFullScaleDown)
     Oversampler oversampler(1, 2);
     QList<qint32> square;
     for (int i = 0; i < 2000; ++i)
-        square.append(i / 20 % 2 == 0 ? std::numeric_limits<qint32>::max() : std::numeric_limits<qint32>::min());
+        square.append(i / 20 % 2 == 0 ? std::numeric_limits<qint32>::max()
+                                      : std::numeric_limits<qint32>::min());
     const AudioBlock raised = oversampler.run(makeBlock(square, 1));
     int wrapped = 0;
     for (qsizetype i = 1; i + 1 < raised.samples.size(); ++i) {

@@ -31,7 +31,8 @@ struct PlainDsdFilter {
             const double n = i - 63.5;
             const double ideal = std::sin(n * 0.39269908169872414) / (n * 3.141592653589793);
             const double inside = 1 - (n / 63.5) * (n / 63.5);
-            const double window = plainBesselI0(8.0 * std::sqrt(inside > 0 ? inside : 0)) / plainBesselI0(8.0);
+            const double window =
+                plainBesselI0(8.0 * std::sqrt(inside > 0 ? inside : 0)) / plainBesselI0(8.0);
             coefficients[i] = static_cast<float>(ideal * window);
             sum += ideal * window;
         }
