@@ -13,10 +13,8 @@ namespace {
 class PlainMeter {
 public:
     PlainMeter(quint32 rate, int channelCount)
-        : channels(channelCount)
-        , hop(rate / 10 == 0 ? 1 : rate / 10)
-        , shelf(static_cast<std::size_t>(channelCount))
-        , highPass(static_cast<std::size_t>(channelCount))
+        : channels(channelCount), hop(rate / 10 == 0 ? 1 : rate / 10),
+          shelf(static_cast<std::size_t>(channelCount)), highPass(static_cast<std::size_t>(channelCount))
     {
         const double fs = rate == 0 ? 44100 : rate;
         double k = std::tan(3.141592653589793 * 1681.974450955533 / fs);
@@ -292,6 +290,21 @@ TEST(IntegratedLoudness, TheRelativeGateStandsTenBelowTheMeanOfWhatIsNotSilent)
     const QList<double> loud{meanSquareOf(-20), meanSquareOf(-28)};
     const double expected = 10 * std::log10((loud[0] + loud[1]) / 2) - 0.691;
     EXPECT_NEAR(integratedLoudness(loud + QList<double>(1000, meanSquareOf(-71))), expected, 1e-9);
+}
+
+// Nine blocks of 1 and one of q, q standing r below the mean of all ten:
+// q = r * (9 + q) / 10, so q = 9 * r / (10 - r).
+TEST(IntegratedLoudness, ABlockCountsUpToTenBelowTheMean)
+{
+    const auto quietBlock = [](double decibels) {
+        const double ratio = std::pow(10.0, -decibels / 10);
+        return 9 * ratio / (10 - ratio);
+    };
+    const QList<double> loud(9, 1.0);
+    const double inside = quietBlock(9.9);
+    EXPECT_NEAR(integratedLoudness(loud + QList<double>{inside}), 10 * std::log10((9 + inside) / 10) - 0.691,
+                1e-9);
+    EXPECT_NEAR(integratedLoudness(loud + QList<double>{quietBlock(10.1)}), -0.691, 1e-9);
 }
 
 TEST(ReplayGainFor, ReferenceIsMinus18)
