@@ -1,5 +1,6 @@
 #include "codecs/OpusDecoder.h"
 
+#include "codecs/ChainFile.h"
 #include "codecs/DecoderFiles.h"
 #include "support/Tool.h"
 
@@ -60,20 +61,33 @@ TEST_F(OpusDecoderTest, AChainOfFilesPlaysThrough)
     EXPECT_EQ(decoded.frames(), 40000u);
 }
 
-// The channel count of the first link goes on to be used, and no sample behind
-// what was decoded is touched.
-TEST_F(OpusDecoderTest, ALaterLinkWithOtherChannelsIsNotFollowed)
+TEST_F(OpusDecoderTest, ALaterLinkIsDeliveredInTheFirstOnesChannels)
 {
     for (const auto& [first, second] : {std::pair<quint16, quint16>{1, 2}, {2, 1}, {2, 6}, {6, 1}}) {
-        decoderfiles::encode(file("a.opus"), {48000, first, 16}, decoderfiles::audio(20000, first));
-        decoderfiles::encode(file("b.opus"), {48000, second, 16}, decoderfiles::audio(20000, second));
-        writeAll(file("chain.opus"),
-                 readAll(file("a.opus")) + readAll(file("b.opus")).replace(14, 1, "\x07"));
+        makeChain(file("chain.opus"), {{48000, first, 16}, {48000, second, 16}}, 20000);
         const Decoded decoded = decode(file("chain.opus"));
-        EXPECT_TRUE(decoded.opened);
         EXPECT_EQ(decoded.format.channels, first);
-        EXPECT_GE(decoded.frames(), 20000u);
+        EXPECT_EQ(decoded.total, 40000u);
+        EXPECT_EQ(decoded.frames(), 40000u);
     }
+}
+
+// 5,760 frames of one channel fit where 4,096 of six do.
+TEST_F(OpusDecoderTest, LongPacketsOfALaterLinkStayWithinABlock)
+{
+    decoderfiles::encode(file("a.opus"), {48000, 6, 16}, decoderfiles::audio(20000, 6));
+    writeAll(file("s.wav"), waveFile({48000, 1, 16}, decoderfiles::audio(48000, 1)));
+    const ToolResult made = runTool(QStringLiteral("ffmpeg"),
+                                    {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"),
+                                     file("s.wav"), QStringLiteral("-c:a"), QStringLiteral("libopus"),
+                                     QStringLiteral("-frame_duration"), QStringLiteral("120"),
+                                     QStringLiteral("-serial_offset"), QStringLiteral("7"), file("b.opus")});
+    ASSERT_TRUE(made.ok()) << made.errors.toStdString();
+    writeAll(file("chain.opus"), readAll(file("a.opus")) + readAll(file("b.opus")));
+    const Decoded decoded = decode(file("chain.opus"));
+    EXPECT_GE(decoded.frames(), 68000u);
+    for (const quint64 frames : decoded.blocks)
+        EXPECT_LE(frames, 4096u);
 }
 
 TEST_F(OpusDecoderTest, ATruncatedFileEndsEarly)

@@ -26,6 +26,12 @@ TEST(MapChannels, OfTwoChannelsOneIsTheMean)
     EXPECT_EQ(mapped({INT32_MAX, INT32_MAX}, 1), QList<qint32>{INT32_MAX});
 }
 
+// Half of each side and the whole centre are twice as much as there is room for.
+TEST(MapChannels, OfThreeChannelsTheCentreWeighsAsMuchAsBothSides)
+{
+    EXPECT_EQ(mapped({1000, 2000, 4000}, 1), QList<qint32>{2750});
+}
+
 TEST(MapChannels, TwoChannelsAreTheFrontOfMore)
 {
     EXPECT_EQ(mapped({3, 4}, 6), (QList<qint32>{3, 4, 0, 0, 0, 0}));
