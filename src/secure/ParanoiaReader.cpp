@@ -10,9 +10,9 @@
 
 namespace {
 
-// 2 GiB of audio, over three hours: no disc holds that, but a sheet with absurd
-// times asks for it.
-constexpr quint32 maxTrackSectors = 0x7FFFFFFF / RAW_SECTOR_BYTES;
+// 4 GiB of audio, 6.7 hours, are what a WAV image holds. A sheet with absurd times
+// asks for more.
+constexpr quint32 maxTrackSectors = 0xFFFFFFFF / RAW_SECTOR_BYTES;
 
 void appendSector(QList<qint16>& samples, const QByteArray& sector)
 {

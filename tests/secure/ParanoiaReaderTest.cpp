@@ -104,6 +104,24 @@ TEST_F(ImageTrackReading, TracksWithoutLengthGiveNothing)
     }
 }
 
+// Given up at its first sector, so that the memory asked for is never touched.
+TEST_F(ImageTrackReading, ATrackMayBeAsLongAsAWaveImageAndNoLonger)
+{
+    constexpr quint32 longest = 4'294'967'295U / 2352; // 6.7 hours
+    constexpr quint32 above2GiB = 2'147'483'648U / 2352 + 1; // 202.9 minutes
+    for (const auto& [sectors, expectedCalls] : {std::pair{above2GiB, 1}, {longest, 1}, {longest + 1, 0}}) {
+        int calls = 0;
+        reader.onSector = [this, &calls](const SectorResult&) {
+            ++calls;
+            reader.abortFlag = true;
+        };
+        TrackInfo track = disc.tracks[0];
+        track.endLba = track.startLba + sectors - 1;
+        EXPECT_TRUE(reader.readTrack(drive, track).isEmpty());
+        EXPECT_EQ(calls, expectedCalls) << sectors;
+    }
+}
+
 TEST_F(ImageTrackReading, AbortEndsBeforeTheNextSectorAndIsClearedByTheNextRead)
 {
     int calls = 0;
