@@ -29,10 +29,10 @@ QStringList CdDrive::enumerateDrives()
     return drivePlatform().enumerateDrives();
 }
 
-void CdDrive::borrow()
+bool CdDrive::borrow()
 {
     Lease expected = Lease::none;
-    lease.compare_exchange_strong(expected, Lease::borrowed);
+    return lease.compare_exchange_strong(expected, Lease::borrowed);
 }
 
 void CdDrive::giveBack()

@@ -34,9 +34,9 @@ public:
     /// On a borrowed drive this takes effect when the drive is given back.
     void close();
 
-    /// Between these two, open and openCue of any thread fail. Borrowing a
-    /// borrowed drive changes nothing.
-    void borrow();
+    /// Between these two, open and openCue of any thread fail, and so does a
+    /// second borrowing: who gets false has no drive, and has none to give back.
+    [[nodiscard]] bool borrow();
     void giveBack();
     bool isBorrowed() const { return lease != Lease::none; }
 

@@ -122,12 +122,15 @@ void RipWorker::run()
 void RipWorker::runDisc()
 {
     if (!drive || disc.tracks.isEmpty()) {
-        if (drive)
-            drive->giveBack();
+        heldDrive.reset();
         Q_EMIT error(QStringLiteral("No drive or tracks"));
         return;
     }
-    drive->borrow();
+    if (!holdDrive()) {
+        Q_EMIT error(
+            pickLang("ドライブは別のリッピングで使用中です。", "The drive is in use by another rip."));
+        return;
+    }
     runGuard().begin();
     if (!QDir().mkpath(outputFolder)) {
         failAllTracks();
@@ -140,7 +143,19 @@ void RipWorker::runDisc()
     spareSamples = {};
     finishReplayGain(true);
     runGuard().end();
-    drive->giveBack();
+    heldDrive.reset();
+}
+
+bool RipWorker::holdDrive()
+{
+    if (!heldDrive && drive->borrow())
+        heldDrive.reset(drive);
+    return heldDrive != nullptr;
+}
+
+void RipWorker::GiveBack::operator()(CdDrive* borrowed) const
+{
+    borrowed->giveBack();
 }
 
 void RipWorker::failAllTracks()

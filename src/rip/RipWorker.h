@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 
@@ -36,6 +37,10 @@ public:
                    const QString& discogsToken, int discNumber, int discTotal, int qualityValue,
                    OutputFormat outputFormat, const QString& sourceAudioFile, int maxRereads);
     void setNamingRule(const QString& rule);
+    /// Says that the drive was borrowed for the run already, by whoever
+    /// configured it. Without this the run borrows it, and ends with an error
+    /// where another has it. Either way the run gives it back.
+    void adoptBorrowedDrive() { heldDrive.reset(drive); }
 
     /// Output folder, slash and file name without extension, by the naming rule.
     QString outputBasePath(int trackNumber, const QString& title) const;
@@ -79,6 +84,7 @@ private:
     void runDisc();
     /// Says why no track can be written, and reports each as failed.
     void failAllTracks();
+    bool holdDrive();
     void runCueMode();
     void runFileMode();
     /// All samples of an opened decoder; nothing when memory does not hold them.
@@ -131,7 +137,12 @@ private:
     bool writeAudio(const AudioBlock& block, const AudioFormat& format, const QString& path);
     void setUnfinishedFile(const QString& path);
 
+    struct GiveBack {
+        void operator()(CdDrive* borrowed) const;
+    };
+
     CdDrive* drive = nullptr;
+    std::unique_ptr<CdDrive, GiveBack> heldDrive; ///< the drive while it is borrowed for this run
     DiscToc disc;
     QString outputFolder;
     QString namingRule;

@@ -161,7 +161,11 @@ void MainWindow::resetRipPage()
 
 void MainWindow::onRipClicked()
 {
-    if (audioPathEdit->text().isEmpty() && disc.tracks.isEmpty()) {
+    // Borrowed from here on, not from the thread's first turn: what the user
+    // clicks in between must not close the source under the rip. An audio file may
+    // be converted while an earlier rip still has the drive.
+    const bool needsDrive = audioPathEdit->text().isEmpty();
+    if (needsDrive && (disc.tracks.isEmpty() || !drive->borrow())) {
         logViewer->clear();
         appendAll(logViewer, riplog::missingSource());
         ripBtn->setEnabled(true);
@@ -199,8 +203,7 @@ void MainWindow::onRipClicked()
     logViewer->append(riplog::cover(!coverPixmap.isNull()));
 
     mergeTitles();
-    // An audio file may be converted while an earlier rip still has the drive.
-    if (audioPathEdit->text().isEmpty())
+    if (needsDrive)
         drive->setReadOffset(sampleOffset);
     startRip(folder, artist, album);
 }
@@ -231,6 +234,8 @@ void MainWindow::startRip(const QString& folder, const QString& artist, const QS
                           discNumberSpin->value(), discTotalSpin->value(), storedQuality,
                           formatNamed(formatCombo->currentText()), audioPathEdit->text(), maxRetries);
     rip.worker->setNamingRule(namingRule);
+    if (audioPathEdit->text().isEmpty())
+        rip.worker->adoptBorrowedDrive();
 
     rip.relay->attach(rip.worker);
     connect(rip.relay, &RipRelay::logLine, logViewer, &LogViewer::append);
@@ -243,10 +248,6 @@ void MainWindow::startRip(const QString& folder, const QString& artist, const QS
     connect(rip.thread, &QThread::started, rip.worker, &RipWorker::run);
     connect(rip.thread, &QThread::finished, rip.thread, &QObject::deleteLater);
     runningRips.push_back(rip);
-    // From here on, not from the thread's first turn: what the user clicks in
-    // between must not close the source under the rip.
-    if (audioPathEdit->text().isEmpty())
-        drive->borrow();
     rip.thread->start();
 }
 

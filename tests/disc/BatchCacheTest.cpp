@@ -139,12 +139,24 @@ TEST_F(BatchCache, TheLimitReturnsWithTheNextTableOfContents)
 TEST_F(BatchCache, ABorrowedDriveRefusesToOpenAndClosesWhenGivenBack)
 {
     readToc();
-    drive.borrow();
+    ASSERT_TRUE(drive.borrow());
     EXPECT_FALSE(drive.open(platform.letter));
     EXPECT_FALSE(drive.openCue(QStringLiteral("/nowhere.cue")));
     drive.close();
     EXPECT_EQ(drive.readSector(3), truth(3));
+    EXPECT_FALSE(drive.borrow()) << "to be closed, but still in somebody's hands";
     drive.giveBack();
     EXPECT_TRUE(drive.readSector(3).isEmpty());
     EXPECT_TRUE(drive.open(platform.letter));
+}
+
+TEST_F(BatchCache, ADriveIsLentToOneAtATime)
+{
+    readToc();
+    ASSERT_TRUE(drive.borrow());
+    EXPECT_FALSE(drive.borrow());
+    EXPECT_TRUE(drive.isBorrowed());
+    drive.giveBack();
+    EXPECT_TRUE(drive.borrow());
+    drive.giveBack();
 }

@@ -4,6 +4,7 @@
 
 #include "RunRecorder.h"
 #include "support/SimulatedDrive.h"
+#include "support/Language.h"
 
 #include <QDir>
 #include <QThread>
@@ -44,6 +45,59 @@ TEST(RipWorker, WithoutDriveOrTracksItEndsWithAnErrorAndNothingRaised)
     EXPECT_EQ(run.finishedCount, 2);
     EXPECT_EQ(guard.calls, "");
     EXPECT_FALSE(run.drive.isBorrowed());
+}
+
+TEST(RipWorker, ADriveInAnotherRipsHandsIsLeftToIt)
+{
+    QTemporaryDir folder;
+    ImageDescription image;
+    image.tracks = {{0, QStringLiteral("One")}};
+    RecordingGuard guard;
+    const RunGuardOverride override(guard);
+    for (const int language : {1, 2}) {
+        speak(language);
+        RunRecorder run;
+        ASSERT_TRUE(run.drive.openCue(writeImage(folder.path(), image, makeAudio(5, 1))));
+        ASSERT_TRUE(run.drive.borrow());
+        const QString output = folder.filePath(QStringLiteral("out"));
+        run.worker.configure(&run.drive, run.drive.readToc(), output, QString(), QString(), QString(),
+                             QPixmap(), QString(), 1, 1, 300, OutputWav, QString(), 20);
+        run.worker.run();
+        EXPECT_EQ(run.errors,
+                  QStringList{language == 1 ? QStringLiteral("ドライブは別のリッピングで使用中です。")
+                                            : QStringLiteral("The drive is in use by another rip.")});
+        EXPECT_EQ(run.finishedCount, 1);
+        EXPECT_TRUE(run.sectors.isEmpty());
+        EXPECT_EQ(guard.calls, "");
+        EXPECT_FALSE(QFileInfo::exists(output));
+        EXPECT_TRUE(run.drive.isBorrowed()) << "it is not this run's to give back";
+        EXPECT_FALSE(run.drive.readSector(0).isEmpty());
+    }
+    speak(2);
+}
+
+TEST(RipWorker, ADriveBorrowedForTheRunIsGivenBackByIt)
+{
+    QTemporaryDir folder;
+    ImageDescription image;
+    image.tracks = {{0, QStringLiteral("One")}};
+    const QString cue = writeImage(folder.path(), image, makeAudio(5, 1));
+    CdDrive drive;
+    ASSERT_TRUE(drive.openCue(cue));
+    for (const bool started : {true, false}) {
+        RipWorker worker;
+        ASSERT_TRUE(drive.borrow());
+        worker.configure(&drive, drive.readToc(), folder.filePath(QStringLiteral("out")), QString(),
+                         QString(), QString(), QPixmap(), QString(), 1, 1, 300, OutputWav, QString(), 20);
+        worker.adoptBorrowedDrive();
+        if (started) {
+            worker.run();
+            EXPECT_FALSE(drive.isBorrowed());
+        }
+    }
+    EXPECT_FALSE(drive.isBorrowed()) << "by a worker that went without a run, too";
+    EXPECT_EQ(QDir(folder.filePath(QStringLiteral("out"))).entryList(QDir::Files),
+              QStringList{QStringLiteral("01. One.wav")});
 }
 
 TEST(RipWorker, AnImageRunIsGuardedAndGivesTheDriveBack)
