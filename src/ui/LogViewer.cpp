@@ -3,6 +3,9 @@
 #include "base/Language.h"
 
 #include <QFont>
+#include <QRegularExpression>
+#include <QScrollBar>
+#include <QTextCursor>
 #include <QTextEdit>
 #include <QVBoxLayout>
 
@@ -16,11 +19,24 @@ LogViewer::LogViewer(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(text);
+    setFocusProxy(text);
 }
 
+// Not by QTextEdit::append, which takes a line that looks like markup for markup.
 void LogViewer::append(const QString& line)
 {
-    text->append(line);
+    static const QRegularExpression lineEnds(QStringLiteral("\\r\\n|[\\r\\n\\x{2029}]"));
+    QScrollBar* bar = text->verticalScrollBar();
+    const bool atEnd = bar->value() >= bar->maximum();
+    QTextCursor end(text->document());
+    end.movePosition(QTextCursor::End);
+    end.beginEditBlock();
+    if (!text->document()->isEmpty())
+        end.insertBlock();
+    end.insertText(QString(line).replace(lineEnds, QString(QChar::LineSeparator)));
+    end.endEditBlock();
+    if (atEnd)
+        bar->setValue(bar->maximum());
 }
 
 void LogViewer::clear()

@@ -4,7 +4,7 @@
 
 class QTextEdit;
 
-/// The running rip log: one paragraph a line, read-only, never cut short.
+/// The running rip log: one paragraph a line, as it is, read-only, never cut short.
 class LogViewer : public QWidget {
     Q_OBJECT
 public:
