@@ -1,13 +1,16 @@
 #include "base/Language.h"
 #include "ui/Fonts.h"
-#include "ui/LookupChains.h"
 #include "ui/MainWindow.h"
+#include "ui/ProgramEnd.h"
 #include "ui/ProgramInfo.h"
 #include "ui/Resources.h"
 
 #include <QApplication>
 #include <QFont>
 #include <QIcon>
+
+#include <memory>
+#include <utility>
 
 int main(int argc, char** argv)
 {
@@ -22,9 +25,9 @@ int main(int argc, char** argv)
     installFontSubstitutes();
     QApplication::setFont(QFont(QStringLiteral("Segoe UI"), 9));
 
-    MainWindow window;
-    window.show();
+    auto window = std::make_unique<MainWindow>();
+    window->show();
     const int exitCode = QApplication::exec();
-    endLookups();
+    endProgram(std::move(window));
     return exitCode;
 }

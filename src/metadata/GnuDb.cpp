@@ -2,6 +2,7 @@
 
 #include "disc/DigitSum.h"
 #include "metadata/Http.h"
+#include "metadata/HttpTransport.h"
 #include "metadata/ServiceHosts.h"
 
 #include <QDebug>
@@ -134,6 +135,8 @@ Candidate chooseCandidate(const QString& answer, qsizetype need)
 
     CandidateLines lines(answer);
     while (const std::optional<CandidateView> line = lines.next()) {
+        if (httpTransport().isStopped())
+            return {};
         Candidate candidate = line->copy();
         candidate.body = gnudbRead(candidate.category, candidate.discId);
         if (candidate.body.isEmpty())

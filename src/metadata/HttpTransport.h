@@ -63,6 +63,8 @@ public:
     /// Ends the requests under way within a fraction of a second and every later
     /// one at once, as exchanges that failed. For the end of the program.
     virtual void stop() = 0;
+    /// Who makes request after request asks this in between.
+    virtual bool isStopped() const { return false; }
 };
 
 /// The transport in use; the machine's own unless a test has put another there.

@@ -283,6 +283,7 @@ public:
     }
 
     void stop() override { stopped = true; }
+    bool isStopped() const override { return stopped; }
 
 private:
     const HttpLimits limits;

@@ -99,8 +99,13 @@ MetaResult lookUpSheet(const DiscToc& disc)
     return missOnException(sheetChain, disc);
 }
 
-void endLookups()
+void stopLookups()
 {
     httpTransport().stop();
+}
+
+void endLookups()
+{
+    stopLookups();
     QThreadPool::globalInstance()->waitForDone();
 }

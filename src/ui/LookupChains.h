@@ -28,3 +28,5 @@ MetaResult lookUpSheet(const DiscToc& disc);
 /// waits for their threads. For the end of the program, while the application
 /// still stands: a thread that makes a picture without it ends the process.
 void endLookups();
+/// The first half of it, which waits for nothing.
+void stopLookups();

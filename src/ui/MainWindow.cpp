@@ -35,8 +35,6 @@
 
 namespace {
 
-constexpr int stopMilliseconds = 4000;
-
 QWidget* bar(const char* objectName, int height)
 {
     auto* made = new QWidget;
@@ -110,7 +108,7 @@ MainWindow::~MainWindow()
             rip.worker->requestStop();
         rip.thread->quit();
     }
-    QDeadlineTimer patience(stopMilliseconds);
+    QDeadlineTimer patience(endPatienceMilliseconds);
     for (const RunningRip& rip : runningRips) {
         // An encoder in the middle of a long track, or a drive that hangs, cannot
         // be asked to stop. The process ends under it, before anything that it

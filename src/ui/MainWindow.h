@@ -38,8 +38,8 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
     MainWindow();
-    /// Stops the rips that run and waits for them, at most 4 s: under one that
-    /// does not stop by then, the process ends.
+    /// Stops the rips that run and waits for them: under one that does not stop in
+    /// time, the process ends.
     ~MainWindow() override;
 
 private Q_SLOTS:

@@ -16,6 +16,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 /// A simulated drive that can be unplugged.
 class DriveShelf : public SimulatedDrive {
@@ -54,6 +55,8 @@ public:
     /// Destroys the window, whatever it is doing.
     /// @return how long that took, in milliseconds
     qint64 destroyWindow();
+    /// Hands the window over; nothing else may be asked of this afterwards.
+    std::unique_ptr<MainWindow> takeWindow() { return std::move(frame); }
 
     template <typename Widget>
     Widget* find(const char* objectName, int place = 0)
