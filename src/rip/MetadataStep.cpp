@@ -1,5 +1,6 @@
 // The step of a disc run that fills in what the user left empty.
 
+#include "metadata/AnswerText.h"
 #include "metadata/CoverArt.h"
 #include "metadata/GnuDb.h"
 #include "metadata/MusicBrainz.h"
@@ -15,7 +16,7 @@ namespace {
 void fillIfEmpty(QString& field, const QString& value)
 {
     if (field.isEmpty())
-        field = value;
+        field = takenOver(value);
 }
 
 template <typename Track>

@@ -1,6 +1,7 @@
 #include "ui/MainWindow.h"
 
 #include "base/Language.h"
+#include "metadata/AnswerText.h"
 #include "ui/AlbumFolder.h"
 #include "ui/LookupChains.h"
 #include "ui/PageParts.h"
@@ -57,7 +58,7 @@ void fillTitles(QTableWidget* table, const Tracks& found, bool emptyToo)
 {
     const int rows = static_cast<int>(std::min<qsizetype>(found.size(), table->rowCount()));
     for (int row = 0; row < rows; ++row) {
-        const QString& title = titleOf(found[row]);
+        const QString title = takenOver(titleOf(found[row]));
         if (emptyToo || !title.isEmpty())
             table->item(row, 1)->setText(title);
     }

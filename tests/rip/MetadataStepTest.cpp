@@ -318,6 +318,16 @@ TEST_F(MetadataStep, ServicesInTroubleAreMisses)
     }
 }
 
+TEST_F(MetadataStep, ATextLongerThanAFieldHoldsIsCut)
+{
+    constexpr qsizetype mostCharacters = 32767;
+    const QString endless(1'000'000, u'z');
+    answerRelease(releaseOf({endless, QStringLiteral("Short")}));
+    ASSERT_TRUE(step({}));
+    EXPECT_EQ(announced->titles.value(0), endless.left(mostCharacters));
+    EXPECT_EQ(announced->titles.value(1), QStringLiteral("Short"));
+}
+
 TEST_F(MetadataStep, WithoutANetworkItIsAnnouncedAndTheRunGoesOn)
 {
     const OfflineServices offline;
