@@ -213,19 +213,33 @@ void MainWindow::goToStep(int step)
     currentStep = step;
     pages->setCurrentIndex(step);
     updateStepIndicator();
+    focusNextAct();
     backBtn->setVisible(step >= 1);
     backBtn->setEnabled(step > 0);
 
-    if (step == 2) {
+    if (step == metadataStep) {
         enterMetadata();
         return;
     }
-    nextBtn->setText(step == 4 ? pickLang("完了", "Finish") : QStringLiteral("Next  ▶"));
-    nextBtn->setEnabled(step != 3);
-    if (step == 4) {
+    nextBtn->setText(step == verifyStep ? pickLang("完了", "Finish") : QStringLiteral("Next  ▶"));
+    nextBtn->setEnabled(step != ripStep);
+    if (step == verifyStep) {
         rebuildVerifyTable();
         startVerify();
     }
+}
+
+// To be called before the button that was pressed goes off: its focus would fall
+// to whatever comes next, and the same key again would press that. On the other
+// steps Next stays on, and is what comes next.
+void MainWindow::focusNextAct()
+{
+    if (currentStep == 0)
+        (driveCombo->isEnabled() ? static_cast<QWidget*>(driveCombo) : cuePathEdit)->setFocus();
+    else if (currentStep == metadataStep)
+        albumEdit->setFocus();
+    else if (currentStep == ripStep)
+        (ripBtn->isEnabled() ? static_cast<QWidget*>(ripBtn) : logViewer)->setFocus();
 }
 
 QString MainWindow::chosenDriveLetter() const
@@ -281,7 +295,7 @@ bool MainWindow::sourceIsAudioFile() const
 
 void MainWindow::onNext()
 {
-    if ((sourceIsAudioFile() && currentStep == 3) || currentStep >= 4)
+    if ((sourceIsAudioFile() && currentStep == ripStep) || currentStep >= verifyStep)
         close();
     else
         goToStep(currentStep + 1);
@@ -315,6 +329,7 @@ void MainWindow::reset()
     pages->setCurrentIndex(0);
     currentStep = 0;
     updateStepIndicator();
+    focusNextAct();
     backBtn->setEnabled(false);
     nextBtn->setText(QStringLiteral("Next  ▶"));
     nextBtn->setEnabled(true);

@@ -53,6 +53,9 @@ private Q_SLOTS:
 
 private:
     static constexpr int stepCount = 5;
+    static constexpr int metadataStep = 2;
+    static constexpr int ripStep = 3;
+    static constexpr int verifyStep = 4;
 
     struct RunningRip {
         RipWorker* worker;
@@ -69,6 +72,7 @@ private:
     QWidget* buildNavBar();
     void goToStep(int step);
     void updateStepIndicator();
+    void focusNextAct();
     void enterMetadata();
     void enterDrive(const QString& letter);
     QString chosenDriveLetter() const;

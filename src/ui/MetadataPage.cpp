@@ -237,7 +237,9 @@ void MainWindow::applyLookup(LookupChain chain, const MetaResult& found)
         artLabel->setText(QStringLiteral("♪"));
     else
         pageparts::showCover(artLabel, coverPixmap);
-    nextBtn->setEnabled(true);
+    // There only the end of a rip does that.
+    if (currentStep != ripStep)
+        nextBtn->setEnabled(true);
 }
 
 void MainWindow::fillAlbum(const QString& album, const QString& artist, const QString& year)

@@ -175,6 +175,7 @@ void MainWindow::onRipClicked()
     trackTable->clearFocus();
     trackTable->setCurrentItem(nullptr);
 
+    logViewer->setFocus(); // a key that is pressed again does no harm there
     ripBtn->setEnabled(false);
     logViewer->clear();
     ripCrcs.clear();
@@ -340,6 +341,8 @@ void MainWindow::onRipFinished()
     }
     ripBtn->setEnabled(false);
     nextBtn->setEnabled(true);
+    if (currentStep == ripStep)
+        nextBtn->setFocus();
     QMessageBox::information(this, pickLang("リッピング完了", "Rip Complete"),
                              pickLang("リッピングが完了しました。\n\n", "Ripping is complete.\n\n") + summary);
 }

@@ -105,33 +105,6 @@ TEST_F(Keyboard, TabGoesThroughEachPageAsItIsRead)
     }
 }
 
-TEST_F(Keyboard, AWholeRipNeedsNoMouse)
-{
-    ImageDescription image;
-    image.tracks = {{0, QStringLiteral("One")}};
-    WindowDriver app(2);
-    activate(app);
-    app.pickCue(writeImage(folder.path(), image, makeAudio(20, 1)));
-    app.outputPath()->setText(folder.path());
-    const auto press = [](QWidget* widget) {
-        widget->setFocus();
-        QTest::keyClick(widget, Qt::Key_Space);
-    };
-    for (int step = 1; step <= 3; ++step) {
-        ASSERT_TRUE(QTest::qWaitFor([&] { return app.next()->isEnabled(); }, 60000));
-        press(app.next());
-        ASSERT_EQ(app.step(), step);
-    }
-    bool done = false;
-    const DialogWatcher watcher([&done](QDialog* dialog) {
-        QTest::keyClick(dialog, Qt::Key_Return);
-        done = true;
-    });
-    press(app.rip());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return done; }, 60000));
-    EXPECT_TRUE(QFileInfo::exists(folder.filePath(QStringLiteral("Test Artist - Test Album/01. One.flac"))));
-}
-
 TEST_F(Keyboard, EveryControlHasANameInBothLanguages)
 {
     for (const int language : {1, 2}) {

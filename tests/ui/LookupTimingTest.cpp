@@ -118,6 +118,28 @@ TEST_F(LookupTiming, ALookupWritesToThePageWhereverTheUserIs)
     EXPECT_EQ(titles(app), (QStringList{QStringLiteral("Late one"), QStringLiteral("Late two")}));
 }
 
+// A second entry to the step starts a second lookup; the user goes on with the
+// answer of one, and the other comes in on the RIP step.
+TEST_F(LookupTiming, ALookupThatEndsOnTheRipStepLeavesNextOff)
+{
+    services.onInTurn(hosts::musicBrainz, discQuery,
+                      {releaseNamed(QStringLiteral("Older")), releaseNamed(QStringLiteral("Newer"))});
+    WindowDriver app(2, drive());
+    loadDisc(app);
+    clickTo(app, 2);
+    waitForHeldAnswer();
+    clickTo(app, 1);
+    clickTo(app, 2);
+    waitForLookup(app);
+    clickTo(app, 3);
+    ASSERT_FALSE(app.next()->isEnabled());
+    gate.release();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.album()->text() == QStringLiteral("Older"); }, 60000));
+    EXPECT_FALSE(app.next()->isEnabled()) << "only the end of a rip does that here";
+    ASSERT_FALSE(app.runRip().isEmpty());
+    EXPECT_TRUE(app.next()->isEnabled());
+}
+
 TEST_F(LookupTiming, ALookupThatEndsAfterAResetFindsNoRows)
 {
     services.on(hosts::musicBrainz, discQuery, releaseNamed(QStringLiteral("Late")));
