@@ -245,6 +245,7 @@ void MainWindow::applyLookup(LookupChain chain, const MetaResult& found)
 void MainWindow::fillAlbum(const QString& album, const QString& artist, const QString& year)
 {
     albumEdit->setPlaceholderText(QString());
+    yearEdit->setPlaceholderText(QString());
     albumEdit->setText(album);
     artistEdit->setText(artist);
     yearEdit->setText(year);
