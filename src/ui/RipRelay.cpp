@@ -9,6 +9,12 @@
 #include <mutex>
 #include <utility>
 
+namespace {
+
+constexpr std::size_t keptCapacity = 8192; // events; a disc that came in at once took more
+
+} // namespace
+
 /// The part that both threads touch.
 class RipRelay::Channel {
 public:
@@ -136,6 +142,8 @@ bool RipRelay::fetchBatch()
         return true;
     batch.clear();
     next = 0;
+    if (batch.capacity() > keptCapacity)
+        batch = {};
     channel->take(batch);
     return !batch.empty();
 }

@@ -21,8 +21,10 @@ class RipWorker;
 class RipRelay : public QObject {
     Q_OBJECT
 public:
-    /// Events that may wait before the worker is held.
-    static constexpr std::size_t waitingLimit = 8192;
+    /// Events that may wait before the worker is held: a whole disc, which may come
+    /// in while the GUI thread works on something else. 99:59:74 is the last address
+    /// that a disc can name; the rest is for what is said of its tracks.
+    static constexpr std::size_t waitingLimit = 100 * 60 * SECTORS_PER_SECOND + 10'000;
     /// How long one turn of delivery may last before the event loop gets its own.
     static constexpr int turnMilliseconds = 10;
 
