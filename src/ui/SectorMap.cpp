@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -23,6 +24,12 @@ enum CellState : int {
 constexpr std::array<QRgb, 5> stateColours{0xff0a0a10, 0xff4db8ff, 0xffff8c42, 0xff8a1a1a, 0xffb84dff};
 constexpr QRgb backgroundColour = qRgb(5, 5, 8);
 constexpr int nominalCellPixels = 5;
+
+/// How many of the pixels that the grid is counted in make one of ours.
+qreal gridScale(qreal pixelRatio)
+{
+    return pixelRatio == std::floor(pixelRatio) ? 1 : pixelRatio;
+}
 
 CellState stateOf(const SectorResult& sector)
 {
@@ -62,8 +69,14 @@ void SectorMap::addSector(const SectorResult& sector)
 
 void SectorMap::computeGrid()
 {
-    cols = std::max(std::max(width(), 1) / nominalCellPixels, 1);
-    rows = std::max(std::max(height(), 1) / nominalCellPixels, 1);
+    gridRatio = devicePixelRatioF();
+    const qreal scale = gridScale(gridRatio);
+    const auto cellsIn = [scale](int length) {
+        const int cell = std::max(static_cast<int>(nominalCellPixels * scale), 1);
+        return std::max(static_cast<int>(std::max(length, 1) * scale) / cell, 1);
+    };
+    cols = cellsIn(width());
+    rows = cellsIn(height());
     const int count = cols * rows;
     sectorsPerCell = totalSectors <= 0 ? 1 : std::max((totalSectors - 1 + count) / count, 1);
     cells.fill(NotRead, count);
@@ -77,15 +90,24 @@ void SectorMap::resizeEvent(QResizeEvent* event)
 
 void SectorMap::paintEvent(QPaintEvent*)
 {
+    if (gridRatio != devicePixelRatioF())
+        computeGrid();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.fillRect(rect(), QColor::fromRgb(backgroundColour));
     if (cells.isEmpty() || cols < 1)
         return;
 
-    const int cellWidth = std::max(width() / cols, 1);
-    const int cellHeight = std::max(height() / rows, 1);
-    const int gap = cellWidth > 2 && cellHeight > 2 ? 1 : 0;
+    const QTransform toScreen = painter.deviceTransform();
+    const qreal scale = gridScale(toScreen.m11());
+    if (scale != 1) {
+        const QTransform wholePixels =
+            QTransform::fromTranslate(std::round(toScreen.dx()), std::round(toScreen.dy()));
+        painter.setWorldTransform(wholePixels * toScreen.inverted());
+    }
+    const int cellWidth = std::max(static_cast<int>(width() * scale) / cols, 1);
+    const int cellHeight = std::max(static_cast<int>(height() * scale) / rows, 1);
+    const int gap = cellWidth > 2 && cellHeight > 2 ? std::max(static_cast<int>(scale), 1) : 0;
     const QSize size(std::max(cellWidth - 2 * gap, 1), std::max(cellHeight - 2 * gap, 1));
     for (int k = 0; k < cells.size(); ++k) {
         const QPoint corner((k % cols) * cellWidth + gap, (k / cols) * cellHeight + gap);
