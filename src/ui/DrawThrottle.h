@@ -11,7 +11,7 @@
 class DrawThrottle : public QObject {
     Q_OBJECT
 public:
-    static constexpr int intervalMilliseconds = 16;
+    static constexpr int intervalMilliseconds = 17;
 
     /// @param draw  shows the state as it is when called
     explicit DrawThrottle(std::function<void()> draw, QObject* parent = nullptr);
