@@ -138,11 +138,16 @@ TEST_F(AudioFileRoad, AResetLeadsToASecondFile)
 TEST_F(AudioFileRoad, TheWindowMayGoAtAnyMomentOfTheRun)
 {
     const QString song = makeSong(QStringLiteral("Long.flac"), 6000);
-    for (const int wait : {0, 5, 60, 200}) {
+    // Before the run's thread has had a turn; at its start; in the encoder; at its end.
+    for (const char* moment : {"", "RIP START", "Track 01: Long", "Track 01: ✦ saved"}) {
+        SCOPED_TRACE(moment);
         WindowDriver app(2);
         prepare(app, song, 0);
+        const DialogWatcher watcher([](QDialog* dialog) { dialog->accept(); });
         WindowDriver::click(app.rip());
-        QTest::qWait(wait);
+        const QString awaited = QString::fromUtf8(moment);
+        ASSERT_TRUE(
+            QTest::qWaitFor([&] { return app.logLines().join(QLatin1Char('\n')).contains(awaited); }, 60000));
         EXPECT_LT(app.destroyWindow(), 5000);
     }
 }

@@ -1,5 +1,6 @@
 // A disc in a drive, from the first click to the result box.
 
+#include "ui/HeldRip.h"
 #include "ui/WindowDriver.h"
 
 #include "support/DiscMaker.h"
@@ -9,9 +10,6 @@
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
-
-#include <atomic>
-#include <semaphore>
 
 #include <gtest/gtest.h>
 
@@ -132,6 +130,7 @@ TEST_F(DiscRoad, ARecoveredSectorIsASuspect)
 
 TEST_F(DiscRoad, SteppingBackDuringARipNeitherDisturbsItNorOpensTheDrive)
 {
+    Gate reading;
     WindowDriver app(2, {drivePath});
     loadDisc(app, 6000);
     prepare(app);
@@ -140,24 +139,15 @@ TEST_F(DiscRoad, SteppingBackDuringARipNeitherDisturbsItNorOpensTheDrive)
         box << dialog->windowTitle();
         dialog->accept();
     });
-    // The rip goes on once the user has been back and forth.
-    std::binary_semaphore gate{0};
-    std::atomic<bool> holding = true;
-    std::atomic<bool> held = false;
-    app.shelf().onClock = [&] {
-        if (holding.exchange(false)) {
-            held = true;
-            gate.acquire();
-        }
-    };
+    app.shelf().onClock = [&] { reading.pass(); };
     WindowDriver::click(app.rip());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return held.load(); }, 60000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return reading.isHolding(); }, 60000));
     WindowDriver::click(app.back());
     EXPECT_EQ(app.step(), 2);
     WindowDriver::click(app.back());
     app.advanceTo(2);
     EXPECT_EQ(app.step(), 2);
-    gate.release();
+    reading.open(); // the rip goes on now that the user has been back and forth
     EXPECT_TRUE(QTest::qWaitFor([&] { return !box.isEmpty(); }, 60000));
     EXPECT_TRUE(rippedTrack(1).startsWith(app.shelf().audio.left(2000 * 2352)));
     EXPECT_TRUE(rippedTrack(2).startsWith(app.shelf().audio.mid(2000 * 2352)));
@@ -169,20 +159,24 @@ TEST_F(DiscRoad, ResetAndASheetDuringARipNeitherDisturbIt)
     ImageDescription image;
     image.tracks = {{0, QStringLiteral("Alpha")}};
     const QString cue = writeImage(folder.path(), image, makeAudio(30, 2));
+    Gate reading;
     WindowDriver app(2, {drivePath});
     loadDisc(app, 6000);
     prepare(app);
-    QStringList box;
-    const DialogWatcher watcher([&](QDialog* dialog) {
-        if (dialog->windowTitle() != QStringLiteral("Rip Complete"))
-            return;
-        box << dialog->windowTitle();
-        dialog->accept();
-    });
+    app.shelf().onClock = [&] { reading.pass(); };
     WindowDriver::click(app.rip());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reading.isHolding(); }, 60000));
     while (app.step() > 0)
         WindowDriver::click(app.back());
     WindowDriver::click(app.reset());
+    app.pickCue(cue);
+    EXPECT_EQ(app.tracks()->rowCount(), 0) << "the drive is not to be had";
+    QStringList box;
+    const DialogWatcher watcher([&](QDialog* dialog) {
+        box << dialog->windowTitle();
+        dialog->accept();
+    });
+    reading.open();
     EXPECT_TRUE(QTest::qWaitFor([&] { return !box.isEmpty(); }, 60000));
     EXPECT_TRUE(rippedTrack(2).startsWith(app.shelf().audio.mid(2000 * 2352)));
     app.pickCue(cue);
@@ -191,12 +185,21 @@ TEST_F(DiscRoad, ResetAndASheetDuringARipNeitherDisturbIt)
 
 TEST_F(DiscRoad, TheWindowMayGoAtAnyMomentOfARip)
 {
-    for (const int wait : {0, 5, 50}) {
+    for (const int readsBefore : {0, 1, 20, 150}) {
+        Gate reading(readsBefore);
         WindowDriver app(2, {drivePath});
         loadDisc(app, 9000);
         prepare(app);
+        app.shelf().onClock = [&] { reading.pass(); };
         WindowDriver::click(app.rip());
-        QTest::qWait(wait);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return reading.isHolding(); }, 60000)) << readsBefore;
+        reading.open();
         EXPECT_LT(app.destroyWindow(), 5000);
     }
+    // Before the rip's thread has had a turn.
+    WindowDriver app(2, {drivePath});
+    loadDisc(app, 9000);
+    prepare(app);
+    WindowDriver::click(app.rip());
+    EXPECT_LT(app.destroyWindow(), 5000);
 }

@@ -1,3 +1,4 @@
+#include "ui/HeldRip.h"
 #include "ui/WindowDriver.h"
 
 #include "support/DiscMaker.h"
@@ -242,30 +243,41 @@ TEST_F(RipPage, AnAudioFileEndsWithoutReadQualityAndNextCloses)
 TEST_F(RipPage, TheWindowMayGoAtAnyMomentOfARip)
 {
     const QString cue = makeCue(6000);
-    for (const int wait : {0, 1, 20, 100}) {
+    // Before the rip's thread has had a turn; at its start; while the log says so.
+    const char* moments[] = {"", "RIP START", "Track 00: ", "Track 01: Alpha", "Track 01: ✦ saved"};
+    for (const char* moment : moments) {
+        SCOPED_TRACE(moment);
         WindowDriver app(2);
         prepare(app, cue);
         app.advanceTo(3);
+        // A rip that has ended by then waits for nobody.
+        const DialogWatcher watcher([](QDialog* dialog) { dialog->accept(); });
         WindowDriver::click(app.rip());
-        QTest::qWait(wait);
+        const QString awaited = QString::fromUtf8(moment);
+        ASSERT_TRUE(
+            QTest::qWaitFor([&] { return app.logLines().join(QLatin1Char('\n')).contains(awaited); }, 60000));
         EXPECT_LT(app.destroyWindow(), 5000);
     }
 }
 
 TEST_F(RipPage, TheUserMayWanderWhileARipRuns)
 {
+    HeldStart held;
     WindowDriver app(2);
     prepare(app, makeCue(2000));
     app.advanceTo(3);
+    WindowDriver::click(app.rip());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return held.gate.isHolding(); }, 60000));
+    while (app.step() > 0)
+        WindowDriver::click(app.back());
+    app.advanceTo(2);
+    EXPECT_EQ(app.step(), 2);
     QStringList box;
     const DialogWatcher watcher([&](QDialog* dialog) {
         box << dialog->windowTitle();
         dialog->accept();
     });
-    WindowDriver::click(app.rip());
-    while (app.step() > 0)
-        WindowDriver::click(app.back());
-    app.advanceTo(2);
+    held.gate.open();
     EXPECT_TRUE(QTest::qWaitFor([&] { return !box.isEmpty(); }, 60000));
     EXPECT_EQ(filesIn(QStringLiteral("Test Artist - Test Album")).size(), 2);
 }
