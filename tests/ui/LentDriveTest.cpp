@@ -123,3 +123,16 @@ TEST_F(LentDrive, AnAudioFileIsConvertedBesideTheRip)
     EXPECT_TRUE(app.logLines().contains(QStringLiteral("  Track 01: ✦ saved  (errors:0)")));
     expectUndisturbedRip(app, reading);
 }
+
+TEST_F(LentDrive, ARipWithoutASourceLeavesTheDriveFree)
+{
+    ImageDescription image;
+    image.tracks = {{0, QStringLiteral("Alpha")}};
+    WindowDriver app(2);
+    app.advanceTo(3);
+    WindowDriver::click(app.rip());
+    EXPECT_EQ(app.logLines(), missingSource(2));
+    backToSource(app);
+    app.pickCue(writeImage(folder.path(), image, makeAudio(30, 1)));
+    EXPECT_EQ(app.tracks()->rowCount(), 1);
+}
