@@ -4,6 +4,8 @@
 #include "disc/DiscModel.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -11,6 +13,8 @@ namespace {
 constexpr int placesOfThreeSegments = 3;
 constexpr int triesForAPlace = 3;
 constexpr quint8 readCdCode = 0xBE;
+constexpr quint8 capabilitiesPage = 0x2A;
+constexpr quint32 beyondBuffer = 400; // sectors
 
 } // namespace
 
@@ -87,6 +91,8 @@ void ColdReads::makeAllCold(quint32 lba)
 
 void ColdReads::goFar(quint32 lba, Effort effort)
 {
+    if (effort == Effort::Thorough)
+        askForBuffer();
     QList<quint32> from{lba, position};
     bool wentThere = false;
     for (int place = 0; place < (effort == Effort::Once ? 1 : placesOfThreeSegments); ++place)
@@ -101,7 +107,7 @@ bool ColdReads::readFarPlace(QList<quint32>& from)
     if (where.isEmpty())
         return false;
     for (int attempt = 0; attempt < triesForAPlace; ++attempt) {
-        const quint32 place = farPlace(where, from);
+        const quint32 place = farPlace(where, from, farEnough);
         from.append(place);
         const quint32 count = std::min<quint32>(READ_BATCH_SECTORS, where.end - place);
         if (unusable.contains(place) || knownHoles.anyTrouble(place, count))
@@ -113,6 +119,22 @@ bool ColdReads::readFarPlace(QList<quint32>& from)
         unusable.append(place);
     }
     return false;
+}
+
+// The page of a drive's capabilities, of which bytes 12 and 13 are the size of its
+// buffer in KiB. Asked on a disc in doubt alone, once; a refusal tells nothing.
+void ColdReads::askForBuffer()
+{
+    if (std::exchange(askedForBuffer, true))
+        return;
+    constexpr std::array<quint8, 10> modeSense{0x5A, 0x08, capabilitiesPage, 0, 0, 0, 0, 0, 32, 0};
+    std::array<quint8, 32> answer{};
+    constexpr size_t header = 8;
+    const DriveReply reply = device->passThrough(modeSense, answer);
+    if (!reply.ok || reply.transferred < header + 14 || (answer[header] & 0x3F) != capabilitiesPage)
+        return;
+    const quint32 bytes = quint32{byteorder::readBig<quint16>(answer.data() + header + 12)} * 1024;
+    farEnough = std::max(FAR_DISTANCE, bytes / RAW_SECTOR_BYTES + beyondBuffer);
 }
 
 SectorRange ColdReads::area() const

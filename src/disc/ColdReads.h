@@ -14,10 +14,10 @@
 ///
 /// A drive keeps what it has read, and what it reads ahead, in a buffer of up to
 /// 8 MiB and gives it again as it was: several reads of a sector are then one.
-/// What a drive says of its buffer is no help, as drives lie. So the sectors whose
-/// reading has been given to somebody are remembered, and before one of them is
-/// read again the drive is sent far away: once, or to three places, which is what
-/// a buffer of three segments needs to forget.
+/// So the sectors whose reading has been given to somebody are remembered, and
+/// before one of them is read again the drive is sent far away: once, or to three
+/// places, which is what a buffer of three segments needs to forget. A drive that
+/// tells of a larger buffer is sent farther; one that tells of a smaller may lie.
 ///
 /// A command that touches a known hole is answered at once with the drive's last
 /// word; a seek is cut short in front of it.
@@ -55,6 +55,7 @@ public:
 
 private:
     bool readFarPlace(QList<quint32>& from);
+    void askForBuffer();
     SectorRange area() const;
     void learn(quint32 lba, quint32 count, const DriveReply& reply, size_t wanted);
 
@@ -65,5 +66,7 @@ private:
     QList<quint32> unusable;   ///< far places that could not be read
     SectorRange audioArea;
     quint32 highestRead = 0; ///< one past it
+    quint32 farEnough = FAR_DISTANCE;
+    bool askedForBuffer = false;
     quint32 position = 0;    ///< where the last command left the drive
 };

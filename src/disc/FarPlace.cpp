@@ -11,7 +11,7 @@ constexpr quint32 placesToChooseFrom = 96;
 
 } // namespace
 
-quint32 farPlace(const SectorRange& area, const QList<quint32>& from)
+quint32 farPlace(const SectorRange& area, const QList<quint32>& from, quint32 enough)
 {
     const quint32 sectors = area.end - area.first;
     const quint64 span = sectors - std::min<quint32>(sectors, READ_BATCH_SECTORS);
@@ -22,8 +22,8 @@ quint32 farPlace(const SectorRange& area, const QList<quint32>& from)
         quint32 distance = std::numeric_limits<quint32>::max();
         for (const quint32 one : from)
             distance = std::min(distance, place > one ? place - one : one - place);
-        const bool better = chosenDistance < FAR_DISTANCE ? distance > chosenDistance
-                                                          : distance >= FAR_DISTANCE && distance < chosenDistance;
+        const bool better = chosenDistance < enough ? distance > chosenDistance
+                                                    : distance >= enough && distance < chosenDistance;
         if (better) {
             chosen = place;
             chosenDistance = distance;

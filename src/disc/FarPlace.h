@@ -11,14 +11,14 @@ struct SectorRange {
     bool isEmpty() const { return end <= first; }
 };
 
-/// No buffer of a CD drive reaches this far: 8 MiB are 3567 sectors.
+/// Buffers of CD drives do not reach this far: 8 MiB are 3567 sectors.
 inline constexpr quint32 FAR_DISTANCE = 4000;
 
 /// Where to send a drive so that it forgets: the nearest place in an area that is
-/// FAR_DISTANCE away from all that it is to be far from or, in an area too small
-/// for that, the one farthest from them.
+/// so many sectors away from all that it is to be far from or, in an area too
+/// small for that, the one farthest from them.
 ///
 /// @param area  not empty
 /// @return      a sector from which READ_BATCH_SECTORS lie in the area, where so
 ///              many do
-quint32 farPlace(const SectorRange& area, const QList<quint32>& from);
+quint32 farPlace(const SectorRange& area, const QList<quint32>& from, quint32 enough = FAR_DISTANCE);

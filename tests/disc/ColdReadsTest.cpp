@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cerrno>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -45,6 +46,8 @@ protected:
     {
         QList<quint32> found;
         for (const Command& command : std::as_const(drive.commands)) {
+            if (command.kind == Command::ModeSense)
+                continue;
             EXPECT_EQ(command.count, 27U);
             EXPECT_EQ(command.kind, Command::Raw) << "guarded, so that a far place cannot hang";
             found.append(command.lba);
@@ -113,6 +116,32 @@ TEST_F(ColdReadsTest, AThoroughTripGoesToThreePlacesApart)
     expectFarFrom(far, 1000);
     expectFarFrom(far.mid(1), far[0]);
     expectFarFrom(far.mid(2), far[1]);
+}
+
+// 16 MiB are 7133 sectors.
+TEST_F(ColdReadsTest, WhatTheDriveSaysOfItsBufferMakesTheWayLongerAndNeverShorter)
+{
+    struct Case {
+        std::optional<quint16> announced;
+        quint32 least;
+    };
+    for (const Case& one : {Case{std::nullopt, 3594}, Case{64, 3594}, Case{8192, 3594}, Case{16384, 7160}}) {
+        drive.announcedKiB = one.announced;
+        ColdReads asked{drive.open(drive.letter)};
+        asked.setAudioArea({0, 330'000});
+        drive.commands.clear();
+        asked.handedOut(1000);
+        asked.makeCold(1000, 1, Effort::Once);
+        EXPECT_EQ(drive.count(Command::ModeSense), 0) << "a disc without a fault is not charged for it";
+        for (int turn = 0; turn < 3; ++turn) {
+            drive.commands.removeIf([](const Command& command) { return command.kind != Command::ModeSense; });
+            asked.handedOut(1000);
+            asked.makeCold(1000, 1, Effort::Thorough);
+        }
+        EXPECT_EQ(drive.count(Command::ModeSense), 1);
+        for (const quint32 place : places())
+            EXPECT_GE(place > 1000 ? place - 1000 : 1000 - place, one.least);
+    }
 }
 
 TEST_F(ColdReadsTest, AFarPlaceIsFarFromWhereTheDriveIsAsWell)

@@ -4,6 +4,7 @@
 #include "disc/DiscModel.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <utility>
 
@@ -16,6 +17,8 @@ constexpr qint64 passThroughLimit = 5'000'000'000;
 
 constexpr quint8 inquiryCommand = 0x12;
 constexpr quint8 readCdCommand = 0xBE;
+constexpr quint8 modeSenseCommand = 0x5A;
+constexpr quint8 capabilitiesPage = 0x2A;
 constexpr quint8 c2Wanted = 0x02; // in byte 9 of READ CD
 
 } // namespace
@@ -51,6 +54,8 @@ public:
     {
         if (command[0] == inquiryCommand)
             return inquiry(data);
+        if (command[0] == modeSenseCommand)
+            return capabilities(command, data);
         return command[0] == readCdCommand ? readCd(command, data) : DriveReply{false, EIO};
     }
 
@@ -79,6 +84,24 @@ private:
         std::ranges::copy(drive.vendor.left(8), data.begin() + 8);
         std::ranges::copy(drive.product.left(16), data.begin() + 16);
         return reply;
+    }
+
+    // A mode parameter header of 8 bytes and the page, without block descriptors.
+    DriveReply capabilities(std::span<const quint8> command, std::span<quint8> data)
+    {
+        const DriveReply reply = begin({SimulatedDrive::Command::ModeSense});
+        if (!reply.ok)
+            return reply;
+        if (!drive.announcedKiB || command[2] != capabilitiesPage)
+            return {false, EINVAL};
+        std::array<quint8, 28> answer{};
+        answer[1] = answer.size() - 2;
+        answer[8] = capabilitiesPage;
+        answer[9] = answer.size() - 10;
+        byteorder::writeBig(answer.data() + 20, *drive.announcedKiB);
+        const size_t length = std::min(answer.size(), data.size());
+        std::copy_n(answer.begin(), length, data.begin());
+        return {true, 0, length};
     }
 
     DriveReply readCd(std::span<const quint8> command, std::span<quint8> data)

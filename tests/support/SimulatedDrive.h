@@ -18,7 +18,7 @@ class SimulatedDrive : public DrivePlatform, public SimulatedDisc {
 public:
     /// What was asked of the drive, in order.
     struct Command {
-        enum Kind { Verify, Toc, Raw, SeekRead, RawWithC2, Inquiry, Sleep } kind;
+        enum Kind { Verify, Toc, Raw, SeekRead, RawWithC2, Inquiry, ModeSense, Sleep } kind;
         quint32 lba = 0;   ///< or milliseconds of a sleep
         quint32 count = 0; ///< sectors
         bool operator==(const Command&) const = default;
@@ -51,6 +51,8 @@ public:
     double c2MissRate = 0.5;   ///< wrong bytes that are missed, of PartiallyHonest
 
     SimulatedMechanism mechanism; ///< faults, buffer, speed, seed
+    /// What the drive says of its buffer, which need not be true; else it refuses to say.
+    std::optional<quint16> announcedKiB;
     /// What a command transfers before a sector that cannot be read reaches the host.
     bool partialTransfers = false;
     /// No command is ended before this time, whatever limit it carries.
