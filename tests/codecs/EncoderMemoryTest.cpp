@@ -1,51 +1,8 @@
-// What encoders do where memory runs out. Their allocations go through the
-// operators below, which refuse them from one on.
+// What encoders do where memory runs out.
 
 #include "codecs/EncoderRun.h"
+#include "codecs/ScarceMemory.h"
 #include "support/AudioMaker.h"
-
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-constexpr int withoutBound = -1;
-int allocationsLeft = withoutBound;
-bool refused = false;
-
-/// Lets so many allocations through for as long as it lives.
-class AllocationLimit {
-public:
-    explicit AllocationLimit(int count) { allocationsLeft = count; }
-    ~AllocationLimit() { allocationsLeft = withoutBound; }
-    AllocationLimit(const AllocationLimit&) = delete;
-    AllocationLimit& operator=(const AllocationLimit&) = delete;
-};
-
-} // namespace
-
-void* operator new(std::size_t bytes)
-{
-    if (allocationsLeft == 0) {
-        refused = true;
-        throw std::bad_alloc();
-    }
-    if (allocationsLeft > 0)
-        --allocationsLeft;
-    if (void* memory = std::malloc(bytes > 0 ? bytes : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 class EncoderMemoryTest : public EncoderTest, public ::testing::WithParamInterface<EncoderId> {
 protected:
@@ -56,7 +13,7 @@ protected:
     bool encodes(Step scarce, int allocations)
     {
         const auto within = [&](Step step, const auto& action) {
-            const AllocationLimit limit(step == scarce ? allocations : withoutBound);
+            const AllocationLimit limit(step == scarce ? allocations : AllocationLimit::withoutBound);
             return action();
         };
         const auto encoder = makeEncoder(GetParam());
@@ -66,7 +23,7 @@ protected:
         EXPECT_NO_THROW(opened = within(Opening, [&] { return encoder->open(path, stereo); }));
         EXPECT_NO_THROW(written = within(Writing, [&] { return encoder->write(block); }));
         EXPECT_NO_THROW(closed = within(Closing, [&] { return encoder->close(); }));
-        EXPECT_FALSE(opened && refused && closed) << "a file that lost audio is not whole";
+        EXPECT_FALSE(opened && AllocationLimit::refused && closed) << "a file that lost audio is not whole";
         return opened && written && closed;
     }
 
@@ -78,15 +35,15 @@ protected:
 TEST_P(EncoderMemoryTest, WantOfMemoryIsAFailureAndNoException)
 {
     constexpr int many = 1000;
-    ASSERT_TRUE(encodes(Opening, withoutBound));
+    ASSERT_TRUE(encodes(Opening, AllocationLimit::withoutBound));
     for (const Step step : {Opening, Writing, Closing}) {
         const auto before = openFileCount();
         int allocations = 0;
         do {
-            refused = false;
+            AllocationLimit::refused = false;
             const bool whole = encodes(step, allocations);
-            EXPECT_EQ(whole, !refused) << step << ' ' << allocations;
-        } while (refused && ++allocations < many);
+            EXPECT_EQ(whole, !AllocationLimit::refused) << step << ' ' << allocations;
+        } while (AllocationLimit::refused && ++allocations < many);
         EXPECT_LT(allocations, many);
         EXPECT_EQ(openFileCount(), before);
     }
@@ -97,13 +54,13 @@ TEST_P(EncoderMemoryTest, TheEndOfAFileWithoutAudioMayLackMemory)
 {
     const auto encoder = makeEncoder(GetParam());
     ASSERT_TRUE(encoder->open(path, stereo));
-    refused = false;
+    AllocationLimit::refused = false;
     bool closed = false;
     {
         const AllocationLimit none(0);
         EXPECT_NO_THROW(closed = encoder->close());
     }
-    EXPECT_EQ(closed, !refused);
+    EXPECT_EQ(closed, !AllocationLimit::refused);
 }
 
 TEST_P(EncoderMemoryTest, TheNextFileIsWholeAgain)

@@ -1,0 +1,43 @@
+#include "codecs/ScarceMemory.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+int allocationsLeft = AllocationLimit::withoutBound;
+
+} // namespace
+
+AllocationLimit::AllocationLimit(int count)
+{
+    allocationsLeft = count;
+}
+
+AllocationLimit::~AllocationLimit()
+{
+    allocationsLeft = withoutBound;
+}
+
+void* operator new(std::size_t bytes)
+{
+    if (allocationsLeft == 0) {
+        AllocationLimit::refused = true;
+        throw std::bad_alloc();
+    }
+    if (allocationsLeft > 0)
+        --allocationsLeft;
+    if (void* memory = std::malloc(bytes > 0 ? bytes : 1))
+        return memory;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
