@@ -8,7 +8,6 @@ namespace {
 
 constexpr quint32 freshDistance = 200;  // sectors the head travels before a re-read
 constexpr quint32 flushDistance = 2000; // far enough to leave a drive's cache
-constexpr int forgetfulDrive = 3;       // differing answers after one far read that show it
 
 quint32 farFrom(quint32 lba, quint32 distance)
 {
@@ -68,9 +67,6 @@ void CdDrive::release()
     bytesRead = 0;
     timingStarted = false;
     lastFreshLba = noBatch;
-    forgetfulAnswers = 0;
-    equalAfterOne = false;
-    remembersAfterOne = false;
 }
 
 void CdDrive::emptyCache()
@@ -116,32 +112,16 @@ QByteArray CdDrive::readPhysicalSector(quint32 lba, Purpose purpose)
     return sector;
 }
 
-// One far read is enough for most drives, and answers that differ from those before
-// them show that it was. Until then three are made where an equal answer would be
-// one vote more out of a buffer of several segments; but one for the first re-read,
-// which may be the sample check of a disc without a fault.
+// One far read is what the sample check of a sector that C2 calls clean may cost on a
+// disc without a fault. A reading that votes takes three, whatever the drive has shown
+// elsewhere: damage on the way changes what its buffer holds, and an answer out of that
+// would be one vote more for the same reading.
 QByteArray CdDrive::readSectorFresh(quint32 lba)
 {
     if (image)
         return readImageSector(lba);
     const bool again = lba == std::exchange(lastFreshLba, lba);
-    const bool handed = isCached(lba) && device && device->wasHandedOut(lba, 1);
-    const QByteArray before = handed ? cachedSector(lba) : QByteArray();
-    const bool once = !remembersAfterOne ? !again || forgetfulAnswers >= forgetfulDrive : c2On && !again;
-
-    const QByteArray sector = readFromAfar(lba, once ? ColdReads::Effort::Once : ColdReads::Effort::Thorough);
-    if (sector.isEmpty())
-        return sector;
-    device->handedOut(lba);
-    if (!before.isEmpty()) {
-        const bool differs = sector != before;
-        if (differs && once)
-            ++forgetfulAnswers;
-        else if (differs && again && equalAfterOne)
-            remembersAfterOne = true;
-        equalAfterOne = once && !differs;
-    }
-    return sector;
+    return readFromAfar(lba, c2On && !again ? ColdReads::Effort::Once : ColdReads::Effort::Thorough);
 }
 
 QByteArray CdDrive::readFromAfar(quint32 lba, ColdReads::Effort effort)
@@ -151,7 +131,10 @@ QByteArray CdDrive::readFromAfar(quint32 lba, ColdReads::Effort effort)
         device->makeCold(lba, boundedBatch(lba), effort);
         readBatch(farFrom(lba, freshDistance), Purpose::unjudged);
     }
-    return readBatch(lba, Purpose::judged);
+    const QByteArray sector = readBatch(lba, Purpose::judged);
+    if (!sector.isEmpty())
+        device->handedOut(lba);
+    return sector;
 }
 
 void CdDrive::flushDriveCache(quint32 lba)

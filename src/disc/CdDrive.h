@@ -123,9 +123,6 @@ private:
     quint32 c2OfLastRead = 0;
     quint32 speed = 0;
     quint32 lastFreshLba = noBatch;
-    int forgetfulAnswers = 0;       ///< that differed from those before them after one far read
-    bool equalAfterOne = false;     ///< the last one did not
-    bool remembersAfterOne = false; ///< one that then differed after three has shown it
     DriveReply lastReply;
     DriveFailure failureOfLastToc = DriveFailure::unknown;
 };

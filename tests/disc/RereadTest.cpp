@@ -60,8 +60,9 @@ TEST_P(Reread, NoReadingIsHandedOutTwice)
     readings.insert(drive.readSector(doubtful));
     for (int turn = 0; turn < 20; ++turn)
         readings.insert(drive.readSectorFresh(doubtful));
-    // The first re-read is made after one far read, and several segments can still hold the pass then.
-    const int remembered = GetParam().segments > 1 ? 1 : 0;
+    // With C2 the first re-read is made after one far read, and several segments can still hold the pass
+    // then. No vote is over it: what C2 has flagged has none.
+    const int remembered = GetParam().segments > 1 && GetParam().c2 ? 1 : 0;
     EXPECT_GE(readings.size(), 21 - remembered);
 }
 
@@ -130,23 +131,20 @@ TEST_F(FarReads, ComeInFrontOfThePrescribedPair)
     drive.readSector(5000);
     simulated.commands.clear();
     drive.readSectorFresh(5000);
-    ASSERT_EQ(reads().size(), 3);
-    EXPECT_EQ(reads().mid(1), (QList<Command>{{Command::Raw, 4800, 27}, {Command::Raw, 5000, 27}}));
+    ASSERT_EQ(reads().size(), 3 + 2);
+    EXPECT_EQ(reads().mid(3), (QList<Command>{{Command::Raw, 4800, 27}, {Command::Raw, 5000, 27}}));
 }
 
-TEST_F(FarReads, AreThreeFromTheSecondRereadOn)
+TEST_F(FarReads, AreThreeForAReadingThatVotes)
 {
+    simulated.mechanism.faults = {SectorFault::flaky(5000, 5000, 1)};
     drive.readSector(5000);
-    simulated.commands.clear();
-    drive.readSectorFresh(5000);
-    EXPECT_EQ(reads().size(), 1 + 2);
-    drive.readSectorFresh(5000);
-    EXPECT_EQ(reads().size(), 3 + 3 + 2);
-    EXPECT_EQ(reads().mid(6), (QList<Command>{{Command::Raw, 4800, 27}, {Command::Raw, 5000, 27}}));
-    drive.readSector(7000);
-    simulated.commands.clear();
-    drive.readSectorFresh(7000);
-    EXPECT_EQ(reads().size(), 1 + 2) << "another sector's first";
+    for (int turn = 0; turn < 5; ++turn) {
+        simulated.commands.clear();
+        drive.readSectorFresh(5000);
+        ASSERT_EQ(reads().size(), 3 + 2);
+        EXPECT_EQ(reads().mid(3), (QList<Command>{{Command::Raw, 4800, 27}, {Command::Raw, 5000, 27}}));
+    }
 }
 
 TEST_F(FarReads, AreOneForASampleCheckWithC2)
@@ -157,43 +155,26 @@ TEST_F(FarReads, AreOneForASampleCheckWithC2)
     simulated.commands.clear();
     drive.readSectorFresh(5000);
     EXPECT_EQ(reads().size(), 1 + 2);
-}
-
-// Three answers that differ after one far read each: the drive forgets.
-TEST_F(FarReads, AreOneOnceTheDriveHasShownThatItForgets)
-{
-    simulated.mechanism.faults = {SectorFault::flaky(5000, 5100, 1)};
-    for (const quint32 lba : {5000U, 5030U, 5060U}) {
-        drive.readSector(lba);
-        drive.readSectorFresh(lba);
-    }
-    simulated.commands.clear();
-    for (int turn = 0; turn < 4; ++turn)
-        drive.readSectorFresh(5060);
-    EXPECT_EQ(reads().size(), 4 * (1 + 2));
-
-    ASSERT_TRUE(drive.open(simulated.letter));
-    ASSERT_FALSE(drive.readToc().tracks.isEmpty());
-    drive.readSector(5000);
-    drive.readSectorFresh(5000);
     simulated.commands.clear();
     drive.readSectorFresh(5000);
-    EXPECT_EQ(reads().size(), 3 + 2) << "another drive may lie behind the same letter";
+    EXPECT_EQ(reads().size(), 3 + 2) << "the third reading, which decides";
 }
 
-TEST_F(FarReads, AreThreeAtOnceWhereTheDriveHasShownThatItRemembers)
+// The way that makes it forget a pass need not make it forget the same way made before.
+TEST_F(FarReads, AreNotSavedForARereadBecauseTheDriveForgotAPass)
 {
     simulated.mechanism.cacheSectors = 900;
-    simulated.mechanism.cacheSegments = 3;
-    simulated.mechanism.readAhead = 150;
-    simulated.mechanism.faults = {SectorFault::flaky(5000, 5000, 1)};
-    const QByteArray first = drive.readSector(5000);
-    EXPECT_EQ(drive.readSectorFresh(5000), first) << "remembered after one far read";
-    EXPECT_NE(drive.readSectorFresh(5000), first);
-    drive.readSector(7000);
-    simulated.commands.clear();
-    drive.readSectorFresh(7000);
-    EXPECT_EQ(reads().size(), 3 + 2);
+    simulated.mechanism.cacheSegments = 2;
+    simulated.mechanism.readAhead = 225;
+    simulated.mechanism.faults = {SectorFault::flaky(5000, 9000, 1)};
+    for (const quint32 lba : {5000U, 7000U, 9000U}) {
+        const QByteArray pass = drive.readSector(lba);
+        EXPECT_NE(drive.readSectorFresh(lba), pass);
+    }
+    QSet<QByteArray> readings;
+    for (int turn = 0; turn < 8; ++turn)
+        readings.insert(drive.readSectorFresh(9000));
+    EXPECT_EQ(readings.size(), 8);
 }
 
 TEST_F(FarReads, AreNotMadeForASectorOfABatchThatNobodyWasGiven)
@@ -236,8 +217,8 @@ TEST_F(FarReads, AreMadeWhereThePrescribedReadsGoForward)
     drive.readSector(10);
     simulated.commands.clear();
     drive.readSectorFresh(10);
-    ASSERT_EQ(reads().size(), 3);
-    EXPECT_EQ(reads().mid(1), (QList<Command>{{Command::Raw, 210, 27}, {Command::Raw, 10, 27}}));
+    ASSERT_EQ(reads().size(), 3 + 2);
+    EXPECT_EQ(reads().mid(3), (QList<Command>{{Command::Raw, 210, 27}, {Command::Raw, 10, 27}}));
 }
 
 TEST_F(FarReads, StayInTheAudioOfTheDisc)
@@ -249,7 +230,7 @@ TEST_F(FarReads, StayInTheAudioOfTheDisc)
     simulated.commands.clear();
     drive.readSectorFresh(9310);
     drive.readSectorFresh(9310);
-    ASSERT_EQ(reads().size(), 8);
+    ASSERT_EQ(reads().size(), 2 * (3 + 2));
     for (const Command& command : reads()) {
         EXPECT_GE(command.lba, 9000U);
         EXPECT_LE(command.lba + command.count, 29'000U - 11'400);
