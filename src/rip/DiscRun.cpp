@@ -107,7 +107,7 @@ RipWorker::DiscRun RipWorker::beginDiscRun()
 void RipWorker::ripDiscTrack(DiscRun& run, qsizetype place)
 {
     const TrackInfo& track = disc.tracks.at(place);
-    const QString name = track.title.isEmpty() ? QStringLiteral("Track %1").arg(track.number) : track.title;
+    const QString name = trackName(track);
     Q_EMIT trackStarted(static_cast<int>(place) + 1, run.audioCount, name);
 
     const bool isLast = place + 1 == disc.tracks.size();
@@ -117,14 +117,13 @@ void RipWorker::ripDiscTrack(DiscRun& run, qsizetype place)
     if (place > 0)
         drivePlatform().sleepMilliseconds(trackPauseMs);
 
+    if (count == 0 || !memoryHoldsSectors(count)) {
+        Q_EMIT trackDone(failedTrack(track.number, name));
+        return;
+    }
     RipResult result;
     result.trackNumber = track.number;
     result.title = name;
-    if (count == 0 || !memoryHoldsSectors(count)) {
-        result.errorSectors = noSamplesRead;
-        Q_EMIT trackDone(result);
-        return;
-    }
 
     QList<int> samples = std::exchange(spareSamples, {});
     samples.resize(0);
