@@ -269,7 +269,8 @@ void MainWindow::enterMetadata()
 
 void MainWindow::enterDrive(const QString& letter)
 {
-    if (drive->isBorrowed()) // by a rip, whose disc the page shows
+    // A rip has it. Its disc is on the page, other than after a reset or an audio file.
+    if (drive->isBorrowed() && !disc.tracks.isEmpty() && !disc.tracks.first().sourceIsAudioFile)
         return;
     const WaitCursor cursor;
     if (!drive->open(letter)) {

@@ -1,5 +1,6 @@
 // What the Metadata step shows of a drive that has no disc to read, or not yet.
 
+#include "ui/HeldRip.h"
 #include "ui/WindowDriver.h"
 
 #include "support/DiscMaker.h"
@@ -250,6 +251,55 @@ TEST_F(DriveNotice, ADriveThatARipHasBorrowedIsNotCalledShut)
     EXPECT_EQ(app.tracks()->rowCount(), 2);
     gate.release();
     EXPECT_TRUE(QTest::qWaitFor([&] { return ended; }, 60000));
+}
+
+// A reset forgets the disc, and the drive is with the rip until it ends.
+TEST_F(DriveNotice, ADriveThatARipStillHasAfterAResetIsSaidToBeInUse)
+{
+    Gate reading;
+    Stage stage(2);
+    WindowDriver& app = stage.app;
+    app.outputPath()->setText(folder.path());
+    app.advanceTo(3);
+    bool ended = false;
+    const DialogWatcher watcher([&ended](QDialog* dialog) {
+        ended = true;
+        dialog->accept();
+    });
+    app.shelf().onClock = [&reading] { reading.pass(); };
+    WindowDriver::click(app.rip());
+    ASSERT_TRUE(QTest::qWaitFor([&reading] { return reading.isHolding(); }, 60000));
+    const auto resetAndEnter = [&app](const QString& audioFile) {
+        while (app.step() > 0)
+            WindowDriver::click(app.back());
+        WindowDriver::click(app.reset());
+        app.audioPath()->setText(audioFile);
+        app.advanceTo(2);
+    };
+    const QString inUse =
+        QStringLiteral("The drive could not be opened. Is it in use, or is the permission missing?");
+
+    resetAndEnter(QString());
+    EXPECT_TRUE(stage.notice().isNull()) << "no drive is chosen";
+    WindowDriver::click(app.back());
+    WindowDriver::click(app.back());
+    app.onPage<QComboBox>(0, "driveCombo")->setCurrentIndex(0);
+    app.advanceTo(2);
+    EXPECT_EQ(stage.notice(), inUse);
+
+    resetAndEnter(QStringLiteral("/music/a.wav"));
+    while (app.step() > 0)
+        WindowDriver::click(app.back());
+    app.audioPath()->clear();
+    app.onPage<QComboBox>(0, "driveCombo")->setCurrentIndex(0);
+    app.advanceTo(2);
+    EXPECT_EQ(stage.notice(), inUse) << "the track on the page is the file's";
+
+    reading.open();
+    EXPECT_TRUE(QTest::qWaitFor([&ended] { return ended; }, 60000));
+    stage.enterAgain();
+    EXPECT_TRUE(stage.notice().isNull());
+    EXPECT_EQ(app.tracks()->rowCount(), 2);
 }
 
 // The line is one more widget on the page and moves none of the others.
