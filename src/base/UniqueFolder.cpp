@@ -1,5 +1,6 @@
 #include "base/UniqueFolder.h"
 
+#include "base/FittingName.h"
 #include "base/Language.h"
 
 #include <QDir>
@@ -18,7 +19,7 @@ bool createFolder(const QString& path)
 MadeFolder makeUniqueFolder(const QString& parent, const QString& name)
 {
     const QString first = parent + u'/' + name;
-    const QString copy = first + pickLang(" - コピー", " - Copy");
+    const QString copy = pickLang(" - コピー", " - Copy");
     QString candidate = first;
     for (int n = 1;; ++n) {
         if (!QFileInfo(candidate).isDir()) {
@@ -28,6 +29,6 @@ MadeFolder makeUniqueFolder(const QString& parent, const QString& name)
             if (!QFileInfo(candidate).isDir())
                 return {candidate, false};
         }
-        candidate = n == 1 ? copy : copy + QStringLiteral(" (%1)").arg(n);
+        candidate = fittingPath(first, n == 1 ? copy : copy + QStringLiteral(" (%1)").arg(n));
     }
 }

@@ -10,5 +10,6 @@ struct MadeFolder {
 
 /// Creates parent/name with all its parents. Where a folder of that name is
 /// there already, the names go on as "name - Copy", "name - Copy (2)" and so on,
-/// in the language in force, so that two runs never share a folder.
+/// in the language in force, so that two runs never share a folder. What is behind
+/// the name is kept where the file system does not take both.
 MadeFolder makeUniqueFolder(const QString& parent, const QString& name);

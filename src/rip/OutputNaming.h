@@ -16,13 +16,3 @@ QString withoutForbiddenCharacters(QString text);
 /// The text without forbidden characters, and without blanks and full stops at
 /// its end.
 QString cleanNamePart(const QString& text);
-
-/// What a file system takes as one name.
-inline constexpr qsizetype mostNameBytes = 255;
-
-/// As much of a name, in whole characters, as fits into so many bytes.
-QString fittingName(QString name, qsizetype bytes = mostNameBytes);
-
-/// The path with its extension appended, the file name cut to what the file
-/// system takes; the extension is kept.
-QString fittingPath(const QString& basePath, const QString& extension);

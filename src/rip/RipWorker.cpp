@@ -1,5 +1,6 @@
 #include "rip/RipWorker.h"
 
+#include "base/FittingName.h"
 #include "base/FreeSpace.h"
 #include "base/Language.h"
 #include "base/Settings.h"

@@ -1,5 +1,6 @@
 #include "ui/AlbumFolder.h"
 
+#include "base/FittingName.h"
 #include "rip/OutputNaming.h"
 
 #include <QRegularExpression>
