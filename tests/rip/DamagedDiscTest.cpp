@@ -153,8 +153,15 @@ TEST_P(DamagedDisc, WrongBytesInTheDrivesCacheAreNotBelieved)
     rip();
     if (GetParam()) {
         expectOnlyTheTruthIsTrusted();
-    } else {
-        EXPECT_EQ(run.sectors.size(), discSectors) << "a disc within the cache is never read twice";
+        return;
+    }
+    // On a disc within the drive's memory both passes are one reading. The fault
+    // then goes unseen, but keeps to its sectors.
+    for (quint32 lba = 0; lba < discSectors; ++lba) {
+        if (lba < 100 || lba > 103) {
+            EXPECT_TRUE(right(lba)) << lba;
+            EXPECT_TRUE(run.sectors[lba].clean) << lba;
+        }
     }
 }
 
