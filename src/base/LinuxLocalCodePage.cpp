@@ -7,7 +7,6 @@
 
 #include <array>
 #include <cerrno>
-#include <clocale>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -25,13 +24,23 @@ bool opened(iconv_t handle)
     return reinterpret_cast<std::intptr_t>(handle) != -1;
 }
 
+/// Of the system's texts, whether it is installed or not.
+QByteArray localeName()
+{
+    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        if (!qEnvironmentVariableIsEmpty(variable))
+            return qgetenv(variable);
+    }
+    return {};
+}
+
 // Qt reads "sr_RS@latin" as the country's usual script.
 bool isCyrillic(const QLocale& locale)
 {
-    const std::string_view name = std::setlocale(LC_MESSAGES, nullptr);
-    if (name.ends_with("@latin"))
+    const QByteArray name = localeName();
+    if (name.endsWith("@latin"))
         return false;
-    return name.ends_with("@cyrillic") || locale.script() == QLocale::CyrillicScript;
+    return name.endsWith("@cyrillic") || locale.script() == QLocale::CyrillicScript;
 }
 
 const char* codePageOfLanguage(const QLocale& locale)

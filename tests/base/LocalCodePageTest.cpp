@@ -10,15 +10,10 @@
 
 namespace {
 
-/// The byte 0xC4 as a start of its own decodes it in a locale, which is made of
-/// the one that every system has: only its name counts here.
-QString decodedIn(const QString& locale)
+/// The byte 0xC4 as a start of its own decodes it where the environment names a
+/// locale and the installed ones are those of a folder.
+QString decodedWith(const QString& locale, const QTemporaryDir& locales)
 {
-    const QTemporaryDir locales;
-    const QString known = QStringLiteral("/usr/lib/locale/C.utf8");
-    EXPECT_TRUE(QDir(known).exists());
-    EXPECT_TRUE(QFile::link(known, locales.filePath(locale)));
-
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* name : {"LANG", "LANGUAGE", "LC_MESSAGES", "LC_NUMERIC", "LC_CTYPE"})
         environment.remove(QLatin1String(name));
@@ -30,6 +25,23 @@ QString decodedIn(const QString& locale)
     if (!probe.waitForFinished(60000) || probe.exitCode() != 0)
         return QStringLiteral("no answer: ") + QString::fromUtf8(probe.readAllStandardError());
     return QString::fromUtf8(probe.readAllStandardOutput()).trimmed();
+}
+
+/// In a locale that is made of the one that every system has: only its name
+/// counts here.
+QString decodedIn(const QString& locale)
+{
+    const QTemporaryDir locales;
+    const QString known = QStringLiteral("/usr/lib/locale/C.utf8");
+    EXPECT_TRUE(QDir(known).exists());
+    EXPECT_TRUE(QFile::link(known, locales.filePath(locale)));
+    return decodedWith(locale, locales);
+}
+
+/// In a locale that is not installed.
+QString decodedWithout(const QString& locale)
+{
+    return decodedWith(locale, QTemporaryDir());
 }
 
 } // namespace
@@ -84,6 +96,14 @@ TEST(LocalCodePage, TheScriptThatALocaleNamesStandsAboveTheLanguages)
         EXPECT_EQ(decodedIn(QLatin1String(latin)), QStringLiteral("Ä")) << latin;
     EXPECT_EQ(decodedIn(QStringLiteral("uz_UZ.UTF-8@cyrillic")), QStringLiteral("Д"));
     EXPECT_EQ(decodedIn(QStringLiteral("uz_UZ.UTF-8")), QStringLiteral("Ä"));
+}
+
+TEST(LocalCodePage, ALocaleThatIsNotInstalledNamesItsScriptAsWell)
+{
+    EXPECT_EQ(decodedWithout(QStringLiteral("sr_RS.UTF-8")), QStringLiteral("Д"));
+    for (const char* latin : {"sr_RS.UTF-8@latin", "sr_RS@latin"})
+        EXPECT_EQ(decodedWithout(QLatin1String(latin)), QStringLiteral("Ä")) << latin;
+    EXPECT_EQ(decodedWithout(QStringLiteral("uz_UZ.UTF-8@cyrillic")), QStringLiteral("Д"));
 }
 
 TEST(LocalCodePage, OtherLanguagesHaveThePagesOfTheirOwn)
