@@ -180,7 +180,9 @@ void RipWorker::failAllTracks()
 void RipWorker::saveCover() const
 {
     constexpr int coverQuality = 90;
-    cover.save(outputFolder + QLatin1String(coverFileName), "JPEG", coverQuality);
+    const QString path = outputFolder + QLatin1String(coverFileName);
+    if (!cover.save(path, "JPEG", coverQuality))
+        QFile::remove(path); // empty, or not whole
 }
 
 // What an exception leaves on this thread's slot ends the program.

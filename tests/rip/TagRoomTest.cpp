@@ -123,3 +123,15 @@ TEST_F(TagRoom, ACoverThatFlacCannotHoldIsLeftOutWithALine)
     EXPECT_TRUE(runTool(QStringLiteral("flac"), {QStringLiteral("-t"), QStringLiteral("-s"), track}).ok());
     EXPECT_EQ(artistOf(QStringLiteral("01. One.flac")), QStringLiteral("Test Artist"));
 }
+
+// A JPEG has 65,500 points in a row.
+TEST_F(TagRoom, ACoverThatNoJpegCanHoldLeavesNoFileOfItsOwn)
+{
+    QPixmap cover(65501, 2);
+    cover.fill(Qt::red);
+    rip(OutputFlac, cover);
+    EXPECT_FALSE(QFileInfo::exists(folder.filePath(QStringLiteral("cover.jpg"))));
+    EXPECT_EQ(run.logLines,
+              QStringList{QStringLiteral("  ⚠ The cover is too large to be embedded: 01. One.flac")});
+    EXPECT_EQ(artistOf(QStringLiteral("01. One.flac")), QStringLiteral("Test Artist"));
+}
