@@ -28,25 +28,25 @@ struct Plan {
 
 void printHead()
 {
-    std::printf("| disc | mode | wrong | **good** | recovered | borrowed | error | falsely bad | saved | commands | "
-                "sectors | drive time |\n");
+    std::printf(
+        "| disc | mode | wrong | **good** | recovered | borrowed | error | falsely bad | saved | commands | "
+        "sectors | drive time |\n");
     std::printf("|---|---|--:|--:|--:|--:|--:|--:|--:|--:|--:|--:|\n");
 }
 
 void printRow(const QString& name, const DiscRipOutcome& sum)
 {
-    std::printf("| %s | %s | %d | **%d** | %d | %d | %d | %d | %d | %llu | %llu | %.0f s |%s\n", qPrintable(name),
-                sum.c2Mode ? "C2" : "compare", sum.wrong, sum.wrongGood, sum.wrongRecovered, sum.wrongBorrowed,
-                sum.wrongUnconfirmed, sum.falselyBad, sum.recoveredRight, sum.commands, sum.sectors,
-                sum.driveSeconds, sum.filesWhole ? "" : " FILES NOT WHOLE");
+    std::printf("| %s | %s | %d | **%d** | %d | %d | %d | %d | %d | %llu | %llu | %.0f s |%s\n",
+                qPrintable(name), sum.c2Mode ? "C2" : "compare", sum.wrong, sum.wrongGood, sum.wrongRecovered,
+                sum.wrongBorrowed, sum.wrongUnconfirmed, sum.falselyBad, sum.recoveredRight, sum.commands,
+                sum.sectors, sum.driveSeconds, sum.filesWhole ? "" : " FILES NOT WHOLE");
     std::fflush(stdout);
 }
 
 class Table {
 public:
     explicit Table(const Plan& chosen)
-        : plan(chosen)
-        , audio(makeAudio(plan.seconds * SECTORS_PER_SECOND, static_cast<quint32>(plan.seed)))
+        : plan(chosen), audio(makeAudio(plan.seconds * SECTORS_PER_SECOND, static_cast<quint32>(plan.seed)))
     {
     }
 
@@ -118,7 +118,8 @@ Plan readPlan(const QCoreApplication& application)
     option("rereads", "Re-reads of a sector at most.", QString::number(plan.rereads));
     option("seed", "Decides where the damage lies and what each read gives.", QString::number(plan.seed));
     option("only", "Discs whose name holds this text.", QString());
-    parser.addOption({QStringLiteral("every"), QStringLiteral("A row for each rip instead of the sum of eight.")});
+    parser.addOption(
+        {QStringLiteral("every"), QStringLiteral("A row for each rip instead of the sum of eight.")});
     parser.process(application);
     plan.seconds = std::max(30, parser.value(QStringLiteral("seconds")).toInt());
     plan.rereads = parser.value(QStringLiteral("rereads")).toInt();

@@ -7,8 +7,8 @@
 
 #include <QCoreApplication>
 
-#include <ctime>
 #include <cstdio>
+#include <ctime>
 #include <numeric>
 
 namespace {
@@ -83,9 +83,10 @@ int main(int argc, char** argv)
     const auto gigabytesPerSecond = [&](const QList<double>& seconds) {
         return static_cast<double>(samples.size()) * sizeof(int) / median(seconds) * 1e-9;
     };
-    std::printf("%d minutes, %d pairs: checksums %.2f GB/s, plain sum %.2f GB/s\n", minutes, pairs, gigabytesPerSecond(ours), gigabytesPerSecond(plain));
+    std::printf("%d minutes, %d pairs: checksums %.2f GB/s, plain sum %.2f GB/s\n", minutes, pairs,
+                gigabytesPerSecond(ours), gigabytesPerSecond(plain));
     printHead();
-    printRow(QStringLiteral("checksums / plain sum"), QStringLiteral("s"), median(ours), median(plain), median(ratios),
-             aim);
+    printRow(QStringLiteral("checksums / plain sum"), QStringLiteral("s"), median(ours), median(plain),
+             median(ratios), aim);
     return median(ratios) <= aim ? 0 : 1;
 }

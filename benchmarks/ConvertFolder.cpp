@@ -58,7 +58,9 @@ void writeLongWave(const QString& path, int seconds)
 {
     const quint32 bytes = static_cast<quint32>(seconds) * 44100 * 4;
     QByteArray header("RIFF....WAVEfmt ....................data....");
-    const auto place = [&header](qsizetype at, auto value) { byteorder::writeLittle(header.data() + at, value); };
+    const auto place = [&header](qsizetype at, auto value) {
+        byteorder::writeLittle(header.data() + at, value);
+    };
     place(4, quint32{36 + bytes});
     place(16, quint32{16});
     place(20, quint16{1});
@@ -94,7 +96,9 @@ void folderRow(const QString& folder, int minutes, int pairs)
                 throw std::runtime_error("the dialog did not convert every file");
             return cost;
         },
-        [&] { return runChild({QStringLiteral("sh"), QStringLiteral("-c"), loop}); });
+        [&] {
+            return runChild({QStringLiteral("sh"), QStringLiteral("-c"), loop});
+        });
     printRow(QStringLiteral("folder of 12 WAV to FLAC / shell loop"), QStringLiteral("s"),
              medianOf(costs.ours, wallOf), medianOf(costs.other, wallOf), costs.ratio(wallOf), shellAim);
     QDir(sources).removeRecursively();
@@ -134,5 +138,6 @@ int measure(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    return argc == 4 && QByteArray(argv[1]) == convertCommand ? convertByDialog(argc, argv) : measure(argc, argv);
+    return argc == 4 && QByteArray(argv[1]) == convertCommand ? convertByDialog(argc, argv)
+                                                              : measure(argc, argv);
 }

@@ -25,7 +25,8 @@ double between(double low, double high, quint64 number)
 }
 
 // One scratch for so many sectors of the disc, in the middle.
-void scratch(SimulatedDrive& drive, quint64 seed, quint32 sectorsEach, quint32 widest, double low, double high)
+void scratch(SimulatedDrive& drive, quint64 seed, quint32 sectorsEach, quint32 widest, double low,
+             double high)
 {
     const quint32 count = std::max(1U, drive.leadOut() / sectorsEach);
     for (quint32 i = 0; i < count; ++i) {
@@ -37,9 +38,15 @@ void scratch(SimulatedDrive& drive, quint64 seed, quint32 sectorsEach, quint32 w
 
 void clean(SimulatedDrive&, quint64) {}
 
-void lightScratches(SimulatedDrive& drive, quint64 seed) { scratch(drive, seed, 400, 3, 0.05, 0.3); }
+void lightScratches(SimulatedDrive& drive, quint64 seed)
+{
+    scratch(drive, seed, 400, 3, 0.05, 0.3);
+}
 
-void heavyScratches(SimulatedDrive& drive, quint64 seed) { scratch(drive, seed, 150, 8, 0.5, 0.95); }
+void heavyScratches(SimulatedDrive& drive, quint64 seed)
+{
+    scratch(drive, seed, 150, 8, 0.5, 0.95);
+}
 
 void sameWrongBytes(SimulatedDrive& drive, quint64 seed)
 {
@@ -54,9 +61,15 @@ void trackEdges(SimulatedDrive& drive, quint64)
         drive.mechanism.faults.append(SectorFault::flaky(track.startLba - 2, track.startLba + 1, 0.6));
 }
 
-void deadSpot(SimulatedDrive& drive, quint64 seed) { placed(drive, SectorFault::deadSpot(0, 0), seed, 12); }
+void deadSpot(SimulatedDrive& drive, quint64 seed)
+{
+    placed(drive, SectorFault::deadSpot(0, 0), seed, 12);
+}
 
-void unreadableSpot(SimulatedDrive& drive, quint64 seed) { placed(drive, SectorFault::unreadable(0, 0), seed, 3); }
+void unreadableSpot(SimulatedDrive& drive, quint64 seed)
+{
+    placed(drive, SectorFault::unreadable(0, 0), seed, 3);
+}
 
 void staleWithin150(SimulatedDrive& drive, quint64 seed)
 {
@@ -149,7 +162,8 @@ QList<DamagedDisc> discsInDrivesWithBuffers()
     QList<DamagedDisc> discs;
     for (const int segments : {1, 3}) {
         for (const double megabytes : {0.125, 0.5, 1.0, 2.0, 4.0, 8.0}) {
-            for (const auto& [trouble, damage] : {std::pair{"clean", &clean}, {"light scratches", &lightScratches},
+            for (const auto& [trouble, damage] : {std::pair{"clean", &clean},
+                                                  {"light scratches", &lightScratches},
                                                   {"heavy scratches", &heavyScratches}}) {
                 const QString name = QStringLiteral("%1 MB, %2, %3");
                 discs.append({name.arg(megabytes).arg(segments == 1 ? QLatin1String("one ring")
@@ -169,26 +183,28 @@ QList<DamagedDisc> discsInDrivesWithBuffers()
 
 const QList<DamagedDisc>& damagedDiscs()
 {
-    static const QList<DamagedDisc> discs = QList<DamagedDisc>{
-        {QStringLiteral("clean"), clean},
-        {QStringLiteral("clean, data in a second session"), secondSession},
-        {QStringLiteral("light scratches"), lightScratches},
-        {QStringLiteral("heavy scratches, honest C2"), heavyScratches},
-        {QStringLiteral("scratches that read wrong the same way"), sameWrongBytes},
-        {QStringLiteral("scratches where tracks meet"), trackEdges},
-        {QStringLiteral("dead spot"), deadSpot},
-        {QStringLiteral("unreadable spot"), unreadableSpot},
-        {QStringLiteral("cache stale within 150 sectors"), staleWithin150},
-        {QStringLiteral("cache stale within 1500 sectors"), staleWithin1500},
-        {QStringLiteral("C2 all set"), c2AllSet, true},
-        {QStringLiteral("C2 never set"), c2NeverSet, true},
-        {QStringLiteral("C2 noisy"), c2Noisy, true},
-        {QStringLiteral("C2 misses half of 4 wrong bytes"), c2PartiallyHonest, true},
-        {QStringLiteral("silent errors, now and then"), silentFlaky},
-        {QStringLiteral("silent errors, always the same"), silentSticky},
-        {QStringLiteral("hanging sectors"), hanging},
-        {QStringLiteral("mixed"), mixed},
-    } + discsInDrivesWithBuffers();
+    static const QList<DamagedDisc> discs =
+        QList<DamagedDisc>{
+            {QStringLiteral("clean"), clean},
+            {QStringLiteral("clean, data in a second session"), secondSession},
+            {QStringLiteral("light scratches"), lightScratches},
+            {QStringLiteral("heavy scratches, honest C2"), heavyScratches},
+            {QStringLiteral("scratches that read wrong the same way"), sameWrongBytes},
+            {QStringLiteral("scratches where tracks meet"), trackEdges},
+            {QStringLiteral("dead spot"), deadSpot},
+            {QStringLiteral("unreadable spot"), unreadableSpot},
+            {QStringLiteral("cache stale within 150 sectors"), staleWithin150},
+            {QStringLiteral("cache stale within 1500 sectors"), staleWithin1500},
+            {QStringLiteral("C2 all set"), c2AllSet, true},
+            {QStringLiteral("C2 never set"), c2NeverSet, true},
+            {QStringLiteral("C2 noisy"), c2Noisy, true},
+            {QStringLiteral("C2 misses half of 4 wrong bytes"), c2PartiallyHonest, true},
+            {QStringLiteral("silent errors, now and then"), silentFlaky},
+            {QStringLiteral("silent errors, always the same"), silentSticky},
+            {QStringLiteral("hanging sectors"), hanging},
+            {QStringLiteral("mixed"), mixed},
+        }
+        + discsInDrivesWithBuffers();
     return discs;
 }
 

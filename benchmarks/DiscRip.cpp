@@ -47,8 +47,7 @@ QByteArray samplesOf(const QString& path)
 class Judge {
 public:
     Judge(const SimulatedDrive& judgedDrive, const QHash<quint32, SectorResult>& reported)
-        : drive(judgedDrive)
-        , records(reported)
+        : drive(judgedDrive), records(reported)
     {
     }
 
@@ -61,7 +60,8 @@ public:
             return;
         }
         for (qint64 i = 0; i < count; ++i)
-            judgeSector(track, track.startLba + static_cast<quint32>(i), samples.constData() + i * RAW_SECTOR_BYTES);
+            judgeSector(track, track.startLba + static_cast<quint32>(i),
+                        samples.constData() + i * RAW_SECTOR_BYTES);
     }
 
     DiscRipOutcome result()
@@ -83,14 +83,15 @@ private:
             return;
         Verdict highest = Verdict::Unconfirmed;
         for (qint64 frame = 0; frame < sectorFrames; ++frame) {
-            if (std::memcmp(truth.constData() + frame * frameBytes, held + frame * frameBytes, frameBytes) != 0)
+            if (std::memcmp(truth.constData() + frame * frameBytes, held + frame * frameBytes, frameBytes)
+                != 0)
                 highest = std::max(highest, verdictOfFrame(track, qint64{lba} * sectorFrames + frame));
         }
         ++outcome.wrong;
-        ++(highest == Verdict::Good          ? outcome.wrongGood
-           : highest == Verdict::Borrowed    ? outcome.wrongBorrowed
-           : highest == Verdict::Recovered   ? outcome.wrongRecovered
-                                             : outcome.wrongUnconfirmed);
+        ++(highest == Verdict::Good        ? outcome.wrongGood
+           : highest == Verdict::Borrowed  ? outcome.wrongBorrowed
+           : highest == Verdict::Recovered ? outcome.wrongRecovered
+                                           : outcome.wrongUnconfirmed);
     }
 
     // Of the read that a wrong frame of a file came from.
@@ -152,7 +153,8 @@ DiscRipOutcome ripSimulatedDisc(SimulatedDrive& simulated, const DiscRipOptions&
         QObject::connect(&worker, &RipWorker::sectorDone,
                          [&records](const SectorResult& record) { records.insert(record.lba, record); });
     bool whole = true;
-    QObject::connect(&worker, &RipWorker::trackDone, [&whole](const RipResult& track) { whole = whole && track.ok; });
+    QObject::connect(&worker, &RipWorker::trackDone,
+                     [&whole](const RipResult& track) { whole = whole && track.ok; });
     const double before = ownProcessorSeconds();
     worker.run();
     const double processor = ownProcessorSeconds() - before;

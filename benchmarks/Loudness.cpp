@@ -57,7 +57,8 @@ void forEachBlock(const QList<qint32>& samples, int channels, const Work& work)
 {
     const auto frames = static_cast<quint64>(samples.size() / channels);
     for (quint64 frame = 0; frame < frames; frame += blockFrames)
-        work(samples.constData() + frame * static_cast<quint64>(channels), std::min(blockFrames, frames - frame));
+        work(samples.constData() + frame * static_cast<quint64>(channels),
+             std::min(blockFrames, frames - frame));
 }
 
 struct Measured {
@@ -113,9 +114,9 @@ bool compareMeters(const char* what, const QList<qint32>& samples, int channels,
 {
     Measured ours;
     Measured other;
-    const PairedCosts costs =
-        runPairs(pairs, [&] { return processorCost([&] { ours = measureOurs(samples, channels); }); },
-                 [&] { return processorCost([&] { other = measureOther(samples, channels); }); });
+    const PairedCosts costs = runPairs(
+        pairs, [&] { return processorCost([&] { ours = measureOurs(samples, channels); }); },
+        [&] { return processorCost([&] { other = measureOther(samples, channels); }); });
     report(what, costs, static_cast<double>(samples.size() / channels) / rate, 1.0);
     // The other side calls silence minus infinity, and takes full scale for 2^31 - 1.
     const bool agree = std::abs(ours.loudness - std::max(other.loudness, -70.0)) <= loudnessTolerance
@@ -129,9 +130,7 @@ bool compareMeters(const char* what, const QList<qint32>& samples, int channels,
 // One channel of the filter with every zero in its place.
 class PlainChannel {
 public:
-    explicit PlainChannel(quint32 raise)
-        : factor(raise)
-        , workArea(tapCount - 1)
+    explicit PlainChannel(quint32 raise) : factor(raise), workArea(tapCount - 1)
     {
         constexpr double centre = (tapCount - 1) / 2.0;
         double sum = 0;
@@ -140,7 +139,8 @@ public:
             const double cutoff = 1.0 / (2.0 * raise);
             const double lowPass = std::sin(cutoff * 6.283185307179586 * n) / (n * 3.141592653589793);
             const double t = n / centre;
-            const double value = lowPass * (besselI0(8.6 * std::sqrt(std::max(0.0, 1 - t * t))) / besselI0(8.6));
+            const double value =
+                lowPass * (besselI0(8.6 * std::sqrt(std::max(0.0, 1 - t * t))) / besselI0(8.6));
             taps[i] = static_cast<float>(value);
             sum += value;
         }
@@ -196,7 +196,8 @@ bool compareOversamplers(const char* what, const QList<qint32>& samples, quint32
             other += raised;
         });
     };
-    const PairedCosts costs = runPairs(pairs, [&] { return processorCost(runOurs); }, [&] { return processorCost(runOther); });
+    const PairedCosts costs = runPairs(
+        pairs, [&] { return processorCost(runOurs); }, [&] { return processorCost(runOther); });
     report(what, costs, static_cast<double>(samples.size() / channels) / rate, 1.0);
     if (ours != other)
         std::printf("  the results differ\n");
@@ -231,8 +232,9 @@ int main(int argc, char** argv)
         const QByteArray what = "meter / libebur128, channels: " + QByteArray::number(channels);
         agree &= compareMeters(what, music(frames, channels), channels, plan.pairs);
     }
-    agree &= compareMeters("meter / libebur128, stereo silence",
-                           music(rate, 2) + QList<qint32>(static_cast<qsizetype>(frames) * 2, 0), 2, plan.pairs);
+    agree &=
+        compareMeters("meter / libebur128, stereo silence",
+                      music(rate, 2) + QList<qint32>(static_cast<qsizetype>(frames) * 2, 0), 2, plan.pairs);
     const QList<qint32> shorter = music(static_cast<quint64>(plan.oversampledSeconds) * rate, 2);
     for (const quint32 factor : {2u, 4u}) {
         const QByteArray what = "oversampler / plain loop, factor " + QByteArray::number(factor);

@@ -43,7 +43,7 @@ void printHead()
 
 void printRow(const QString& what, const QString& unit, double ours, double other, double result, double aim)
 {
-    std::printf("%-40s %-5s %10.3f %10.3f %8.3f %8.3f  %s\n", qPrintable(what), qPrintable(unit), ours, other, result,
-                aim, result <= aim ? "met" : "MISSED");
+    std::printf("%-40s %-5s %10.3f %10.3f %8.3f %8.3f  %s\n", qPrintable(what), qPrintable(unit), ours, other,
+                result, aim, result <= aim ? "met" : "MISSED");
     std::fflush(stdout);
 }

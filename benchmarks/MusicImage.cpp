@@ -62,8 +62,8 @@ public:
     {
         static constexpr int scale[] = {0, 2, 4, 7, 9, 12, 14, 16};
         const double pitch = std::pow(2.0, scale[below(8)] / 12.0);
-        voices[static_cast<std::size_t>(notes % 3)].strike(110.0 * (1 + notes % 3) * pitch, 4000.0 + below(4000),
-                                                           0.25 + below(51) / 100.0);
+        voices[static_cast<std::size_t>(notes % 3)].strike(110.0 * (1 + notes % 3) * pitch,
+                                                           4000.0 + below(4000), 0.25 + below(51) / 100.0);
         ++notes;
         QByteArray audio(noteFrames * 4, Qt::Uninitialized);
         for (int i = 0; i < noteFrames; ++i) {

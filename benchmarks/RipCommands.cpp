@@ -87,7 +87,8 @@ int ripWithWorker(int argc, char** argv, const QString& cue, int format, const Q
     });
     const DiscToc disc = drive.readToc();
     worker.configure(&drive, disc, folder, QStringLiteral("Artist"), QStringLiteral("Album"),
-                     QStringLiteral("1998"), QPixmap(), QString(), 1, 1, 300, OutputFormat(format), QString(), 20);
+                     QStringLiteral("1998"), QPixmap(), QString(), 1, 1, 300, OutputFormat(format), QString(),
+                     20);
     worker.run();
     watch.report(0);
     return whole == disc.tracks.size() ? 0 : exitFailed;
@@ -120,5 +121,6 @@ int ripThroughWindow(int argc, char** argv, const QString& cue, const QString& f
     });
     WindowDriver::click(driver.rip());
     QApplication::exec();
-    return filesBelow(folder, QStringLiteral("*.flac")) == CdDrive::parseCue(cue).tracks.size() ? 0 : exitFailed;
+    return filesBelow(folder, QStringLiteral("*.flac")) == CdDrive::parseCue(cue).tracks.size() ? 0
+                                                                                                : exitFailed;
 }

@@ -38,7 +38,8 @@ void insertDisc(SimulatedDrive& drive, const Plan& plan, bool c2)
     drive.leadOutLba = static_cast<quint32>(plan.minutes * 60 * SECTORS_PER_SECOND);
     drive.tracks.clear();
     for (int i = 0; i < plan.tracks; ++i)
-        drive.tracks.append(SimulatedTrack{drive.leadOutLba / static_cast<quint32>(plan.tracks) * static_cast<quint32>(i)});
+        drive.tracks.append(
+            SimulatedTrack{drive.leadOutLba / static_cast<quint32>(plan.tracks) * static_cast<quint32>(i)});
     drive.c2Available = c2;
     drive.commandNanoseconds = 0;
 }
@@ -86,7 +87,8 @@ qint64 expectedCompareReads(const SimulatedDrive& drive)
     Batches batches;
     for (qsizetype i = 0; i < drive.tracks.size(); ++i) {
         const quint32 first = drive.tracks[i].startLba;
-        const quint32 last = (i + 1 < drive.tracks.size() ? drive.tracks[i + 1].startLba : drive.leadOut()) - 1;
+        const quint32 last =
+            (i + 1 < drive.tracks.size() ? drive.tracks[i + 1].startLba : drive.leadOut()) - 1;
         batches.walk(first, last);
         batches.read(last); // the flush
         batches.drop();
@@ -104,8 +106,8 @@ qint64 expectedFarReads(const SimulatedDrive& drive, bool c2)
 
 bool printCount(const char* what, qint64 sent, qint64 expected)
 {
-    std::printf("%-52s %8lld %8lld  %s\n", what, static_cast<long long>(sent), static_cast<long long>(expected),
-                sent == expected ? "ok" : "DIFFERS");
+    std::printf("%-52s %8lld %8lld  %s\n", what, static_cast<long long>(sent),
+                static_cast<long long>(expected), sent == expected ? "ok" : "DIFFERS");
     return sent == expected;
 }
 
@@ -144,8 +146,18 @@ double driveShare(const Plan& plan)
     std::vector<quint8> data(size_t{batch} * RAW_PLUS_C2_BYTES);
     const double before = ownProcessorSeconds();
     for (quint32 lba = 0; lba + batch <= drive.leadOut(); lba += batch) {
-        const quint8 command[12] = {0xBE, 0x04, 0, static_cast<quint8>(lba >> 16), static_cast<quint8>(lba >> 8),
-                                    static_cast<quint8>(lba), 0, 0, batch, 0x12, 0, 0};
+        const quint8 command[12] = {0xBE,
+                                    0x04,
+                                    0,
+                                    static_cast<quint8>(lba >> 16),
+                                    static_cast<quint8>(lba >> 8),
+                                    static_cast<quint8>(lba),
+                                    0,
+                                    0,
+                                    batch,
+                                    0x12,
+                                    0,
+                                    0};
         device->passThrough(command, data);
     }
     return ownProcessorSeconds() - before;
@@ -200,7 +212,8 @@ bool measureGuard()
 {
     constexpr int reads = 300;
     bool unnoticed = true;
-    std::printf("\n%-52s %10s %10s %10s\n", "time of a read, milliseconds, median", "guarded", "unguarded", "added");
+    std::printf("\n%-52s %10s %10s %10s\n", "time of a read, milliseconds, median", "guarded", "unguarded",
+                "added");
     for (const int length : {0, 2, 9, 60}) {
         std::vector<double> times[2];
         for (int i = 0; i < reads / (length > 10 ? 10 : 1); ++i) {

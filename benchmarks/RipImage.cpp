@@ -28,12 +28,27 @@ constexpr double copyAim = 1.5;
 constexpr double memoryAim = 1.6;
 constexpr double stallAim = 0.1;
 
-double processorOf(const RunCost& cost) { return cost.processor; }
+double processorOf(const RunCost& cost)
+{
+    return cost.processor;
+}
 // The figures of the result line that a run of this program prints.
-double reported(const RunCost& cost, int place) { return cost.output.simplified().split(' ').value(place).toDouble(); }
-double ripProcessorOf(const RunCost& cost) { return reported(cost, 0); }
-double ripWallOf(const RunCost& cost) { return reported(cost, 1); }
-double stallOf(const RunCost& cost) { return reported(cost, 2); }
+double reported(const RunCost& cost, int place)
+{
+    return cost.output.simplified().split(' ').value(place).toDouble();
+}
+double ripProcessorOf(const RunCost& cost)
+{
+    return reported(cost, 0);
+}
+double ripWallOf(const RunCost& cost)
+{
+    return reported(cost, 1);
+}
+double stallOf(const RunCost& cost)
+{
+    return reported(cost, 2);
+}
 
 struct Plan {
     int minutes = 48;
@@ -48,9 +63,7 @@ struct Plan {
 class Benchmark {
 public:
     Benchmark(const Plan& chosen, const QString& workFolder)
-        : plan(chosen)
-        , folder(workFolder)
-        , output(workFolder + QStringLiteral("/out"))
+        : plan(chosen), folder(workFolder), output(workFolder + QStringLiteral("/out"))
     {
     }
 
@@ -85,8 +98,8 @@ private:
 
     RunCost rip(const MusicImage& source, OutputFormat format)
     {
-        return inEmptyFolder({{QCoreApplication::applicationFilePath(), QLatin1String(workerCommand), source.cue,
-                               output, QString::number(format)}});
+        return inEmptyFolder({{QCoreApplication::applicationFilePath(), QLatin1String(workerCommand),
+                               source.cue, output, QString::number(format)}});
     }
 
     RunCost window(const char* command)
@@ -97,8 +110,8 @@ private:
 
     void toolRow(const QString& what, const PairedCosts& costs, double aim)
     {
-        printRow(what, QStringLiteral("s"), medianOf(costs.ours, processorOf), medianOf(costs.other, processorOf),
-                 costs.ratio(processorOf), aim);
+        printRow(what, QStringLiteral("s"), medianOf(costs.ours, processorOf),
+                 medianOf(costs.other, processorOf), costs.ratio(processorOf), aim);
         std::printf("%-40s %-5s %10.3f\n", "  of that the rip, without the start", "s",
                     medianOf(costs.ours, ripProcessorOf));
     }
@@ -114,13 +127,15 @@ private:
 
     void flacRow()
     {
-        QStringList command{QStringLiteral("flac"), QStringLiteral("-5"), QStringLiteral("-s"), QStringLiteral("-f"),
+        QStringList command{QStringLiteral("flac"), QStringLiteral("-5"), QStringLiteral("-s"),
+                            QStringLiteral("-f"),
                             QStringLiteral("--output-prefix=") + output + QLatin1Char('/')};
         command += waves(image);
-        toolRow(QStringLiteral("FLAC: worker / flac -5"),
-                runPairs(plan.pairs, [&] { return rip(image, OutputFlac); },
-                         [&] { return inEmptyFolder({command}); }),
-                toolAim);
+        toolRow(
+            QStringLiteral("FLAC: worker / flac -5"),
+            runPairs(
+                plan.pairs, [&] { return rip(image, OutputFlac); }, [&] { return inEmptyFolder({command}); }),
+            toolAim);
         dropWaves();
     }
 
@@ -134,24 +149,26 @@ private:
                            QStringLiteral("skip=%1").arg(track * image.trackBytes()),
                            QStringLiteral("count=%1").arg(image.trackBytes())});
         toolRow(QStringLiteral("WAV: worker / dd"),
-                runPairs(plan.pairs, [&] { return rip(image, OutputWav); }, [&] { return inEmptyFolder(copies); }),
+                runPairs(
+                    plan.pairs, [&] { return rip(image, OutputWav); }, [&] { return inEmptyFolder(copies); }),
                 copyAim);
     }
 
     void mp3Row()
     {
-        const MusicImage shorter =
-            makeMusicImage(folder + QStringLiteral("/short"), plan.mp3Minutes, std::min(plan.tracks, plan.mp3Minutes));
+        const MusicImage shorter = makeMusicImage(folder + QStringLiteral("/short"), plan.mp3Minutes,
+                                                  std::min(plan.tracks, plan.mp3Minutes));
         QList<QStringList> commands;
         for (const QString& wave : waves(shorter))
             commands.append({QStringLiteral("lame"), QStringLiteral("--cbr"), QStringLiteral("-b"),
                              QStringLiteral("320"), QStringLiteral("-q"), QStringLiteral("2"),
                              QStringLiteral("--quiet"), wave,
                              QStringLiteral("%1/%2.mp3").arg(output).arg(commands.size())});
-        toolRow(QStringLiteral("MP3: worker / lame -b 320 -q 2"),
-                runPairs(plan.pairs, [&] { return rip(shorter, OutputMp3); },
-                         [&] { return inEmptyFolder(commands); }),
-                toolAim);
+        toolRow(
+            QStringLiteral("MP3: worker / lame -b 320 -q 2"),
+            runPairs(
+                plan.pairs, [&] { return rip(shorter, OutputMp3); }, [&] { return inEmptyFolder(commands); }),
+            toolAim);
         dropWaves();
     }
 
@@ -162,13 +179,14 @@ private:
         printRow(QStringLiteral("FLAC: window / worker, processor"), QStringLiteral("s"),
                  medianOf(costs.ours, ripProcessorOf), medianOf(costs.other, ripProcessorOf),
                  costs.ratio(ripProcessorOf), toolAim);
-        printRow(QStringLiteral("FLAC: window / worker, wall"), QStringLiteral("s"), medianOf(costs.ours, ripWallOf),
-                 medianOf(costs.other, ripWallOf), costs.ratio(ripWallOf), toolAim);
+        printRow(QStringLiteral("FLAC: window / worker, wall"), QStringLiteral("s"),
+                 medianOf(costs.ours, ripWallOf), medianOf(costs.other, ripWallOf), costs.ratio(ripWallOf),
+                 toolAim);
         double longest = 0;
         for (int i = 0; i < (plan.pairs + 1) / 2; ++i)
             longest = std::max(longest, stallOf(window(stallCommand)));
-        printRow(QStringLiteral("FLAC: longest stall of the window"), QStringLiteral("s"), longest, 0, longest,
-                 stallAim);
+        printRow(QStringLiteral("FLAC: longest stall of the window"), QStringLiteral("s"), longest, 0,
+                 longest, stallAim);
     }
 
     void memoryRows()
@@ -178,8 +196,8 @@ private:
         for (const auto& [format, name] : {std::pair{OutputFlac, "FLAC"}, std::pair{OutputWav, "WAV"}}) {
             const auto peak = static_cast<double>(rip(whole, format).peakBytes);
             printRow(QStringLiteral("%1: peak memory / 4 bytes a sample").arg(QLatin1String(name)),
-                     QStringLiteral("MiB"), peak / mebibyte, longSampleBytes / mebibyte, peak / longSampleBytes,
-                     memoryAim);
+                     QStringLiteral("MiB"), peak / mebibyte, longSampleBytes / mebibyte,
+                     peak / longSampleBytes, memoryAim);
         }
     }
 

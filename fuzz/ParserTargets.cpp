@@ -78,8 +78,10 @@ void fuzz::dbar(const char* bytes, size_t size)
         for (const ArEntry& entry : track) {
             require(entry.crc != 0 || entry.crc450 != 0, "no entry is without any checksum");
             const ArTrackVerdict verdict = accurateRipMatch(0, entry.crc, track);
-            require(verdict.matched == (entry.crc != 0), "an entry matches its own checksum, and zero matches none");
-            require(!verdict.matched || verdict.confidence >= entry.confidence, "the largest confidence counts");
+            require(verdict.matched == (entry.crc != 0),
+                    "an entry matches its own checksum, and zero matches none");
+            require(!verdict.matched || verdict.confidence >= entry.confidence,
+                    "the largest confidence counts");
         }
     }
     const qsizetype room = std::max<qsizetype>(body.size() - headerBytes, 0) / entryBytes;

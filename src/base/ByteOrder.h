@@ -8,7 +8,7 @@
 /// order. The pointers need no alignment; the caller has checked the length.
 namespace byteorder {
 
-template <typename Integer>
+template<typename Integer>
 constexpr Integer readLittle(const void* bytes)
 {
     const auto* source = static_cast<const unsigned char*>(bytes);
@@ -18,7 +18,7 @@ constexpr Integer readLittle(const void* bytes)
     return static_cast<Integer>(value);
 }
 
-template <typename Integer>
+template<typename Integer>
 constexpr Integer readBig(const void* bytes)
 {
     const auto* source = static_cast<const unsigned char*>(bytes);
@@ -28,7 +28,7 @@ constexpr Integer readBig(const void* bytes)
     return static_cast<Integer>(value);
 }
 
-template <typename Integer>
+template<typename Integer>
 constexpr void writeLittle(void* bytes, Integer value)
 {
     auto* target = static_cast<unsigned char*>(bytes);
@@ -37,7 +37,7 @@ constexpr void writeLittle(void* bytes, Integer value)
         target[i] = static_cast<unsigned char>(std::uint64_t{bits} >> (8 * i));
 }
 
-template <typename Integer>
+template<typename Integer>
 constexpr void writeBig(void* bytes, Integer value)
 {
     auto* target = static_cast<unsigned char*>(bytes);

@@ -16,8 +16,7 @@ void loadLanguage()
 {
     const int mode = QSettings().value(QLatin1String(settings::language), 0).toInt();
     storedMode = mode >= 0 && mode <= 2 ? mode : 0;
-    japanese = storedMode == 1
-        || (storedMode == 0 && QLocale::system().language() == QLocale::Japanese);
+    japanese = storedMode == 1 || (storedMode == 0 && QLocale::system().language() == QLocale::Japanese);
 }
 
 bool isJapanese()

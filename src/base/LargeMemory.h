@@ -15,7 +15,7 @@ std::size_t largeBlockBytes(std::size_t bytes);
 
 /// Reserves room for count values, in large pages. A list that has the room
 /// keeps its memory and its values; any other is emptied.
-template <typename Value>
+template<typename Value>
 void reserveLarge(QList<Value>& list, qsizetype count)
 {
     if (list.capacity() >= count)

@@ -57,8 +57,8 @@ private:
 
     QString runFolder;
     bool hasFolder = false; ///< runFolder came into being for this run
-    QString currentFolder; ///< of the source file before; empty at the start
-    QString targetFolder;  ///< what becomes of currentFolder
+    QString currentFolder;  ///< of the source file before; empty at the start
+    QString targetFolder;   ///< what becomes of currentFolder
     ConversionCounts counts;
     QList<ReplayGainTrack> gainTracks; ///< of currentFolder
 };

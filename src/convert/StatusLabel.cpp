@@ -31,7 +31,7 @@ int StatusLabel::heightForWidth(int width) const
     const QMargins around = contentsMargins() + margin();
     QTextLayout lines(paragraphs(text()), font());
     return static_cast<int>(std::ceil(layOut(lines, width - around.left() - around.right()))) + around.top()
-        + around.bottom();
+           + around.bottom();
 }
 
 void StatusLabel::paintEvent(QPaintEvent*)
@@ -42,7 +42,8 @@ void StatusLabel::paintEvent(QPaintEvent*)
     QTextLayout lines(paragraphs(text()), font());
     const qreal height = layOut(lines, area.width());
     painter.setPen(palette().color(foregroundRole()));
-    lines.draw(&painter, QPointF(area.left(), area.top() + std::max(0.0, std::floor((area.height() - height) / 2))));
+    lines.draw(&painter,
+               QPointF(area.left(), area.top() + std::max(0.0, std::floor((area.height() - height) / 2))));
 }
 
 qreal StatusLabel::layOut(QTextLayout& lines, int width) const

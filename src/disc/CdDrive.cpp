@@ -102,7 +102,8 @@ QByteArray CdDrive::readPhysicalSector(quint32 lba, Purpose purpose)
     QByteArray sector;
     if (isCached(lba)) {
         retriesOfLastRead = 0;
-        c2OfLastRead = static_cast<quint32>(batchC2Counts.value(static_cast<qsizetype>(lba - batchStartLba), 0));
+        c2OfLastRead =
+            static_cast<quint32>(batchC2Counts.value(static_cast<qsizetype>(lba - batchStartLba), 0));
         sector = cachedSector(lba);
     } else {
         sector = readBatch(lba, purpose);

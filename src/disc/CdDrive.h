@@ -66,9 +66,9 @@ public:
     QString name() const { return driveName; }
     int readOffset() const { return offsetSamples; }
     void setReadOffset(int samples) { offsetSamples = samples; }
-    quint32 lastRetries() const { return retriesOfLastRead; }   ///< failed attempts before the last batch
+    quint32 lastRetries() const { return retriesOfLastRead; } ///< failed attempts before the last batch
     quint32 lastC2Errors() const { return c2OfLastRead; }
-    quint32 speedKBs() const { return speed; }                  ///< average since the first batch, KiB/s
+    quint32 speedKBs() const { return speed; } ///< average since the first batch, KiB/s
     bool c2Enabled() const { return c2On; }
 
 private:
@@ -113,7 +113,7 @@ private:
 
     bool c2Supported = false;
     bool c2On = false;
-    quint32 sectorLimit = 0; ///< lead-out; 0 means no bound
+    quint32 sectorLimit = 0;    ///< lead-out; 0 means no bound
     QList<quint32> batchBounds; ///< no batch passes one of these from below
 
     quint64 bytesRead = 0;

@@ -18,10 +18,7 @@ constexpr quint32 beyondBuffer = 400; // sectors
 
 } // namespace
 
-ColdReads::ColdReads(std::unique_ptr<DriveDevice> behind)
-    : device(std::move(behind))
-{
-}
+ColdReads::ColdReads(std::unique_ptr<DriveDevice> behind) : device(std::move(behind)) {}
 
 DriveReply ColdReads::readRaw(quint32 lba, quint32 count, std::span<quint8> data, bool guarded)
 {

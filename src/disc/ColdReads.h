@@ -68,5 +68,5 @@ private:
     quint32 highestRead = 0; ///< one past it
     quint32 farEnough = FAR_DISTANCE;
     bool askedForBuffer = false;
-    quint32 position = 0;    ///< where the last command left the drive
+    quint32 position = 0; ///< where the last command left the drive
 };

@@ -78,7 +78,8 @@ void buildTracks(DiscToc& disc, const QList<CueEntry>& entries)
         if (i + 1 < entries.size()) {
             track.endLba = entries[i + 1].index01 - 1;
         } else if (QFile file; openRegular(file, entry.file)) {
-            track.endLba = lastTrackEnd(track.startLba, static_cast<quint64>(file.size()), disc.imageDataOffset);
+            track.endLba =
+                lastTrackEnd(track.startLba, static_cast<quint64>(file.size()), disc.imageDataOffset);
         }
         track.seconds = trackSeconds(track.startLba, track.endLba);
         disc.tracks.append(track);
@@ -127,7 +128,8 @@ QByteArray CdDrive::readImageSector(quint32 lba)
 {
     const auto position = static_cast<qint64>(quint64{lba} * RAW_SECTOR_BYTES + imageDisc.imageDataOffset);
     const auto held = [&] {
-        return position >= imagePieceStart && position + RAW_SECTOR_BYTES <= imagePieceStart + imagePiece.size();
+        return position >= imagePieceStart
+               && position + RAW_SECTOR_BYTES <= imagePieceStart + imagePiece.size();
     };
     if (!held())
         loadImagePiece(position);

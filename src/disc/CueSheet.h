@@ -7,9 +7,9 @@
 /// One TRACK line of a sheet with what belongs to it, in the sheet's order.
 struct CueEntry {
     int number = 0;
-    QString file;         ///< absolute path of the FILE line in force
-    bool isWave = false;  ///< that FILE line said WAVE
-    quint32 index01 = 0;  ///< sector of INDEX 01 from the start of the file
+    QString file;        ///< absolute path of the FILE line in force
+    bool isWave = false; ///< that FILE line said WAVE
+    quint32 index01 = 0; ///< sector of INDEX 01 from the start of the file
     QString title;
 };
 

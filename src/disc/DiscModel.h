@@ -7,13 +7,13 @@
 /// The vocabulary of an audio disc. Audio is 44100 Hz, two channels, 16 bits,
 /// little endian, left first. A sector lasts 1/75 s.
 
-inline constexpr int RAW_SECTOR_BYTES = 2352;    ///< audio bytes in a sector: 588 stereo frames
-inline constexpr int C2_BLOCK_BYTES = 294;       ///< C2 error pointers of a sector, one bit a byte
+inline constexpr int RAW_SECTOR_BYTES = 2352; ///< audio bytes in a sector: 588 stereo frames
+inline constexpr int C2_BLOCK_BYTES = 294;    ///< C2 error pointers of a sector, one bit a byte
 inline constexpr int RAW_PLUS_C2_BYTES = RAW_SECTOR_BYTES + C2_BLOCK_BYTES;
-inline constexpr int READ_BATCH_SECTORS = 27;    ///< sectors in one read command
+inline constexpr int READ_BATCH_SECTORS = 27;              ///< sectors in one read command
 inline constexpr int SECTOR_VALUES = RAW_SECTOR_BYTES / 2; ///< 16-bit values in a sector
 inline constexpr int SECTORS_PER_SECOND = 75;
-inline constexpr int LEAD_IN_SECTORS = 150;      ///< offset of a drive's addresses
+inline constexpr int LEAD_IN_SECTORS = 150; ///< offset of a drive's addresses
 
 /// One track, in the order of the disc. Sector numbers are inclusive.
 struct TrackInfo {
@@ -36,7 +36,7 @@ struct DiscToc {
     QString albumArtist;
     QString albumYear;
     QList<TrackInfo> tracks;
-    quint32 totalSectors = 0;   ///< lead-out, or one past the last sector of an image
+    quint32 totalSectors = 0; ///< lead-out, or one past the last sector of an image
     bool isImage = false;
     quint64 imageDataOffset = 0; ///< byte position of sector 0 in the image file
 };

@@ -33,7 +33,7 @@ struct DriveReply {
 
 /// What the platform says of a drive without asking the disc.
 struct DriveDescriptor {
-    QByteArray vendor;  ///< Latin-1, as reported, blanks included
+    QByteArray vendor; ///< Latin-1, as reported, blanks included
     QByteArray product;
     bool usb = false;
 };

@@ -12,8 +12,7 @@ DrivePlatform& drivePlatform()
     return replacementPlatform ? *replacementPlatform : *own;
 }
 
-DrivePlatformOverride::DrivePlatformOverride(DrivePlatform& replacement)
-    : previous(replacementPlatform)
+DrivePlatformOverride::DrivePlatformOverride(DrivePlatform& replacement) : previous(replacementPlatform)
 {
     replacementPlatform = &replacement;
 }

@@ -38,8 +38,7 @@ void driveWatchdog(ReadEnd& end, const CancelRead& cancel, quint32 lba)
 }
 
 ReadGuard::ReadGuard(CancelRead cancel, quint32 lba)
-    : cancelRead(std::move(cancel))
-    , watchdog([this, lba] { driveWatchdog(end, cancelRead, lba); })
+    : cancelRead(std::move(cancel)), watchdog([this, lba] { driveWatchdog(end, cancelRead, lba); })
 {
 }
 

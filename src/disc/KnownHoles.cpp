@@ -34,8 +34,9 @@ void KnownHoles::delivered(quint32 lba, quint32 count)
 
 bool KnownHoles::isExhausted(quint32 lba) const
 {
-    const bool failedABatch = std::any_of(stretches.cbegin(), stretches.cend(),
-                                          [lba](const Stretch& stretch) { return stretch.first == lba && !stretch.blamed; });
+    const bool failedABatch =
+        std::any_of(stretches.cbegin(), stretches.cend(),
+                    [lba](const Stretch& stretch) { return stretch.first == lba && !stretch.blamed; });
     return failures.value(lba) >= (failedABatch ? attemptsAfterBatch : LADDER_ATTEMPTS);
 }
 
@@ -69,9 +70,9 @@ bool KnownHoles::anyHole(quint32 lba, quint32 count) const
 bool KnownHoles::anyTrouble(quint32 lba, quint32 count) const
 {
     return anyHole(lba, count)
-        || std::any_of(stretches.cbegin(), stretches.cend(), [=](const Stretch& stretch) {
-               return stretch.first < lba + count && lba < stretch.end;
-           });
+           || std::any_of(stretches.cbegin(), stretches.cend(), [=](const Stretch& stretch) {
+                  return stretch.first < lba + count && lba < stretch.end;
+              });
 }
 
 quint32 KnownHoles::boundedBatch(quint32 lba, quint32 count) const

@@ -81,9 +81,7 @@ FileDescriptor::~FileDescriptor()
 }
 
 LinuxDriveDevice::LinuxDriveDevice(DriveNodes opened, QString folder)
-    : nodes(std::move(opened))
-    , blockFolder(std::move(folder))
-    , largestTransfer(transferLimitOf(blockFolder))
+    : nodes(std::move(opened)), blockFolder(std::move(folder)), largestTransfer(transferLimitOf(blockFolder))
 {
 }
 
@@ -191,6 +189,7 @@ std::optional<DriveDescriptor> LinuxDriveDevice::descriptor()
     DriveDescriptor found;
     found.vendor = firstLine(blockFolder + QStringLiteral("/device/vendor"));
     found.product = firstLine(blockFolder + QStringLiteral("/device/model"));
-    found.usb = std::ranges::any_of(path, [](const QString& part) { return part.startsWith(QLatin1String("usb")); });
+    found.usb =
+        std::ranges::any_of(path, [](const QString& part) { return part.startsWith(QLatin1String("usb")); });
     return found;
 }

@@ -74,8 +74,7 @@ QStringList drivesInKernelList(const QByteArray& list)
 }
 
 LinuxDrivePlatform::LinuxDrivePlatform(QString list, QString root)
-    : driveList(std::move(list))
-    , sysRoot(std::move(root))
+    : driveList(std::move(list)), sysRoot(std::move(root))
 {
 }
 

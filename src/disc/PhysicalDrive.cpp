@@ -36,7 +36,8 @@ quint8* alignedStart(QByteArray& block)
 
 QString cleanText(const QByteArray& text)
 {
-    return QString::fromLatin1(text.left(text.indexOf('\0') < 0 ? text.size() : text.indexOf('\0'))).simplified();
+    return QString::fromLatin1(text.left(text.indexOf('\0') < 0 ? text.size() : text.indexOf('\0')))
+        .simplified();
 }
 
 QString joinModel(const QString& vendor, const QString& product)
@@ -137,7 +138,8 @@ void CdDrive::seekNear(quint32 lba)
 {
     QByteArray thrownAway(READ_BATCH_SECTORS * RAW_SECTOR_BYTES, Qt::Uninitialized);
     device->readRaw(lba > seekDistance ? lba - seekDistance : lba + seekDistance, READ_BATCH_SECTORS,
-                    {reinterpret_cast<quint8*>(thrownAway.data()), static_cast<size_t>(thrownAway.size())}, false);
+                    {reinterpret_cast<quint8*>(thrownAway.data()), static_cast<size_t>(thrownAway.size())},
+                    false);
 }
 
 QByteArray CdDrive::readBatch(quint32 lba, Purpose purpose)
@@ -241,7 +243,8 @@ bool CdDrive::probeC2(quint32 lba)
     QList<int> c2Counts;
     bool answered = answersProbe(lba, count, c2Counts);
     // A hole in the batch tells nothing of the pointers; a sector beside it may.
-    const bool mayBeAHole = lastReply.failure == DriveFailure::unreadable || lastReply.failure == DriveFailure::timedOut;
+    const bool mayBeAHole =
+        lastReply.failure == DriveFailure::unreadable || lastReply.failure == DriveFailure::timedOut;
     for (const quint32 alone : {lba, lba + count / 2, lba + count - 1}) {
         if (!answered && mayBeAHole && count > 1)
             answered = answersProbe(alone, 1, c2Counts);

@@ -143,7 +143,8 @@ DiscToc CdDrive::readToc()
             return disc;
         }
         if (!reply.ok) {
-            qWarning() << "CdDrive: IOCTL_CDROM_READ_TOC failed (attempt" << attempt << "):" << reply.errorNumber;
+            qWarning() << "CdDrive: IOCTL_CDROM_READ_TOC failed (attempt" << attempt
+                       << "):" << reply.errorNumber;
         } else {
             qWarning() << "CdDrive: invalid TOC returned (attempt" << attempt << ") FirstTrack=" << table[2]
                        << "LastTrack=" << table[3];

@@ -40,8 +40,8 @@ struct HttpLimits {
     int connectMilliseconds = 20'000; ///< name, connection and TLS together
     int silenceMilliseconds = 30'000; ///< without a byte, before or within the answer
     int redirects = 10;
-    qsizetype headBytes = 256 * 1024;        ///< a longer response head is no answer
-    qsizetype bodyBytes = 64 * 1024 * 1024;  ///< an endless body ends here, as one that breaks off
+    qsizetype headBytes = 256 * 1024;       ///< a longer response head is no answer
+    qsizetype bodyBytes = 64 * 1024 * 1024; ///< an endless body ends here, as one that breaks off
 };
 
 /// Leads every connection of a transport to this machine: a test's seam. The

@@ -37,9 +37,8 @@ double loudnessAbove(const QList<double>& blocks, double gate)
 } // namespace
 
 LoudnessMeter::LoudnessMeter(quint32 sampleRate, int channelCount)
-    : channels(std::max(channelCount, 1))
-    , hop(std::max(sampleRate / blocksPerSecond, 1u))
-    , pairs((static_cast<std::size_t>(channels) + 1) / 2)
+    : channels(std::max(channelCount, 1)), hop(std::max(sampleRate / blocksPerSecond, 1u)),
+      pairs((static_cast<std::size_t>(channels) + 1) / 2)
 {
     const double rate = sampleRate == 0 ? defaultRate : sampleRate;
     const auto design = [rate](double frequency, double q, Biquad& stage) {
@@ -160,7 +159,8 @@ void LoudnessMeter::finish()
 {
     if (!gated.isEmpty())
         return;
-    const double total = energy + static_cast<double>(hop) * std::accumulate(blocks.begin(), blocks.end(), 0.0);
+    const double total =
+        energy + static_cast<double>(hop) * std::accumulate(blocks.begin(), blocks.end(), 0.0);
     const quint64 count = frames + hop * static_cast<quint64>(blocks.size());
     if (count > 0)
         gated.append(total / static_cast<double>(count));

@@ -48,7 +48,8 @@ bool setAndSave(TagLib::File& file, const TagLib::PropertyMap& properties)
 
 } // namespace
 
-bool writeReplayGain(const QString& path, double trackGain, double trackPeak, double albumGain, double albumPeak)
+bool writeReplayGain(const QString& path, double trackGain, double trackPeak, double albumGain,
+                     double albumPeak)
 {
     try {
         TagStream stream(QFile::encodeName(path).constData());
@@ -58,7 +59,8 @@ bool writeReplayGain(const QString& path, double trackGain, double trackPeak, do
         TagLib::PropertyMap properties = reference.file()->properties();
         setGainAndPeak(properties, "REPLAYGAIN_TRACK_GAIN", trackGain, "REPLAYGAIN_TRACK_PEAK", trackPeak);
         if (!std::isnan(albumGain))
-            setGainAndPeak(properties, "REPLAYGAIN_ALBUM_GAIN", albumGain, "REPLAYGAIN_ALBUM_PEAK", albumPeak);
+            setGainAndPeak(properties, "REPLAYGAIN_ALBUM_GAIN", albumGain, "REPLAYGAIN_ALBUM_PEAK",
+                           albumPeak);
         return setAndSave(*reference.file(), properties);
     } catch (...) {
         return false;

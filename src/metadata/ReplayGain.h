@@ -6,8 +6,8 @@
 /// One finished file that waits for its gain tags.
 struct ReplayGainTrack {
     QString path;
-    double gain = 0.0; ///< dB
-    double peak = 0.0; ///< full scale is 1.0
+    double gain = 0.0;    ///< dB
+    double peak = 0.0;    ///< full scale is 1.0
     QList<double> blocks; ///< the gating blocks, for the album
 };
 
@@ -16,7 +16,8 @@ struct ReplayGainTrack {
 ///
 /// @param albumGain  dB; not a number leaves the album keys as they stand in the file
 /// @return false when the file can't be read as audio or not be saved
-bool writeReplayGain(const QString& path, double trackGain, double trackPeak, double albumGain, double albumPeak);
+bool writeReplayGain(const QString& path, double trackGain, double trackPeak, double albumGain,
+                     double albumPeak);
 
 /// Tags every track with its own gain and peak and with those of the album that
 /// they make up together: the gates run over all blocks as one programme. A file

@@ -8,7 +8,7 @@ namespace TagLib {
 class ByteVector;
 class String;
 class Tag;
-}
+} // namespace TagLib
 
 struct TagData;
 

@@ -40,12 +40,11 @@ bool failToSave(const QString& path)
 }
 
 /// One kind of TagLib file on a stream of ours.
-template <typename File>
+template<typename File>
 class TaggedFile {
 public:
     explicit TaggedFile(const QString& path)
-        : stream(QFile::encodeName(path).constData())
-        , file(open(&stream))
+        : stream(QFile::encodeName(path).constData()), file(open(&stream))
     {
     }
 
@@ -83,7 +82,7 @@ bool writeTagsMp3(const QString& path, const TagData& tags, bool& coverTaken)
     coverTaken = fillId3v2Tag(tag, tags);
     TagLib::Tag::duplicate(tag, oldTag, true);
     return file->save(File::AllTags, File::StripOthers, TagLib::ID3v2::v4, File::DoNotDuplicate)
-        || failToSave(path);
+           || failToSave(path);
 }
 
 void addCount(TagLib::Ogg::XiphComment& comment, const char* key, int count)

@@ -12,9 +12,9 @@ struct TagData {
     QString label;       ///< publisher; not written to M4A
     int trackNumber = 0; ///< this and the three below are written only above 0
     int trackTotal = 0;
-    int discNumber = 0;  ///< 0: no disc value at all is written
+    int discNumber = 0; ///< 0: no disc value at all is written
     int discTotal = 0;
-    QPixmap cover;       ///< embedded as JPEG; null leaves earlier pictures
+    QPixmap cover; ///< embedded as JPEG; null leaves earlier pictures
 };
 
 /// Words of the last failure of writeTags on this thread; never cleared.

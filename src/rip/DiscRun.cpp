@@ -94,12 +94,14 @@ RipWorker::DiscRun RipWorker::beginDiscRun()
     run.usb = drive->isUsb();
     qDebug().noquote() << "[RipWorker] Drive is USB:" << run.usb << "-> keepalive"
                        << (run.usb ? "enabled" : "disabled");
-    const bool c2 = drive->probeC2(run.firstAudioLba + std::min(probeDistance, lastAudioLba - run.firstAudioLba));
+    const bool c2 =
+        drive->probeC2(run.firstAudioLba + std::min(probeDistance, lastAudioLba - run.firstAudioLba));
     drive->setC2Enabled(c2);
     run.c2Mode = drive->c2Enabled();
-    const QString mode = run.c2Mode
-        ? QStringLiteral("Read mode   : secure - C2 error pointers (max %1 re-reads / sector)")
-        : QStringLiteral("Read mode   : secure - double read & compare (max %1 re-reads / sector)");
+    const QString mode =
+        run.c2Mode
+            ? QStringLiteral("Read mode   : secure - C2 error pointers (max %1 re-reads / sector)")
+            : QStringLiteral("Read mode   : secure - double read & compare (max %1 re-reads / sector)");
     Q_EMIT logLine(mode.arg(rereadLimit));
     return run;
 }
@@ -132,8 +134,9 @@ void RipWorker::ripDiscTrack(DiscRun& run, qsizetype place)
         QList<QByteArray> firstPass;
         if (!run.c2Mode) {
             const auto status = [&](const QString& pass) {
-                Q_EMIT statusText(QStringLiteral("Track %1/%2: %3  —  %4")
-                                      .arg(QString::number(place + 1), QString::number(run.audioCount), name, pass));
+                Q_EMIT statusText(
+                    QStringLiteral("Track %1/%2: %3  —  %4")
+                        .arg(QString::number(place + 1), QString::number(run.audioCount), name, pass));
             };
             status(QStringLiteral("1st read"));
             firstPass = readFirstPass(run, track.startLba, count);
@@ -161,15 +164,15 @@ QList<QByteArray> RipWorker::readFirstPass(const DiscRun& run, quint32 firstLba,
     return firstPass;
 }
 
-bool RipWorker::readTrackSamples(DiscRun& run, quint32 firstLba, quint32 count, const QList<QByteArray>& firstPass,
-                                 QList<int>& samples, RipResult& result)
+bool RipWorker::readTrackSamples(DiscRun& run, quint32 firstLba, quint32 count,
+                                 const QList<QByteArray>& firstPass, QList<int>& samples, RipResult& result)
 {
     for (quint32 place = 0; place < count; ++place) {
         if (stopping)
             return false;
         QByteArray data = drive->readSector(firstLba + place);
-        Q_EMIT sectorDone(
-            judgeSector(run, firstLba + place, firstPass.isEmpty() ? nullptr : &firstPass[place], data, result));
+        Q_EMIT sectorDone(judgeSector(run, firstLba + place,
+                                      firstPass.isEmpty() ? nullptr : &firstPass[place], data, result));
         if (data.isEmpty())
             data = silentSector();
         appendSampleValues(samples, data);
@@ -192,10 +195,12 @@ SectorResult RipWorker::judgeSector(DiscRun& run, quint32 lba, const QByteArray*
     record.c2Errors = run.c2Mode ? drive->lastC2Errors() : 0;
     keepAlive(run, lba);
 
-    const bool trusted = run.c2Mode ? !data.isEmpty() && record.c2Errors == 0 : !data.isEmpty() && *first == data;
+    const bool trusted =
+        run.c2Mode ? !data.isEmpty() && record.c2Errors == 0 : !data.isEmpty() && *first == data;
     if (trusted) {
         record.clean = true;
-        if (run.c2Mode && (lba - run.firstAudioLba) % crossCheckInterval == 0 && !passesCrossCheck(lba, data)) {
+        if (run.c2Mode && (lba - run.firstAudioLba) % crossCheckInterval == 0
+            && !passesCrossCheck(lba, data)) {
             record.clean = false;
             record.mismatch = true;
             ++run.mismatches;

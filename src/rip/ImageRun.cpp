@@ -93,17 +93,18 @@ RipResult RipWorker::ripImageTrack(ParanoiaReader& reader, const TrackInfo& trac
     QList<qint16> samples = reader.readTrack(*drive, track);
     if (samples.isEmpty())
         return result;
-    result.errorSectors = static_cast<quint32>(
-        std::count_if(reader.results.cbegin(), reader.results.cend(), [](const SectorResult& r) { return r.bad; }));
-    result.suspectSectors =
-        std::accumulate(reader.results.cbegin(), reader.results.cend(), quint32{0},
-                        [](quint32 sum, const SectorResult& r) { return sum + static_cast<quint32>(r.retries); });
+    result.errorSectors = static_cast<quint32>(std::count_if(reader.results.cbegin(), reader.results.cend(),
+                                                             [](const SectorResult& r) { return r.bad; }));
+    result.suspectSectors = std::accumulate(
+        reader.results.cbegin(), reader.results.cend(), quint32{0},
+        [](quint32 sum, const SectorResult& r) { return sum + static_cast<quint32>(r.retries); });
 
     QList<int> pcm = std::exchange(spareSamples, {});
     leftJustify(samples, pcm);
     samples = QList<qint16>();
-    result.ok = encodeTrack(std::move(pcm), AudioFormat(), outputBasePath(track.number, name), name, track.number,
-                            static_cast<int>(disc.tracks.size()), trackCover);
-    accurateRipCrc(spareSamples, track.number, static_cast<int>(disc.tracks.size()), result.crcV1, result.crcV2);
+    result.ok = encodeTrack(std::move(pcm), AudioFormat(), outputBasePath(track.number, name), name,
+                            track.number, static_cast<int>(disc.tracks.size()), trackCover);
+    accurateRipCrc(spareSamples, track.number, static_cast<int>(disc.tracks.size()), result.crcV1,
+                   result.crcV2);
     return result;
 }

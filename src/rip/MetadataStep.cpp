@@ -19,7 +19,7 @@ void fillIfEmpty(QString& field, const QString& value)
         field = takenOver(value);
 }
 
-template <typename Track>
+template<typename Track>
 void fillTitles(QList<TrackInfo>& tracks, const QList<Track>& found)
 {
     const qsizetype count = std::min(tracks.size(), found.size());

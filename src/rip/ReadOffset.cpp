@@ -36,9 +36,9 @@ bool RipWorker::mayHoldAudio(qint64 lba) const
 {
     const qint64 bound = lastAudioLba != 0 ? lastAudioLba : std::numeric_limits<quint32>::max();
     return lba >= 0 && lba <= bound
-        && std::none_of(disc.tracks.cbegin(), disc.tracks.cend(), [lba](const TrackInfo& track) {
-               return track.isData && track.startLba <= lba && lba <= track.endLba;
-           });
+           && std::none_of(disc.tracks.cbegin(), disc.tracks.cend(), [lba](const TrackInfo& track) {
+                  return track.isData && track.startLba <= lba && lba <= track.endLba;
+              });
 }
 
 QList<int> RipWorker::neighbourValues(qint64 firstFrame, qsizetype count)

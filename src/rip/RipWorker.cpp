@@ -38,8 +38,8 @@ constexpr const FormatOfRip& wavFormat = formats[1];
 
 const FormatOfRip& formatOfRip(OutputFormat format)
 {
-    const auto* found =
-        std::find_if(std::begin(formats), std::end(formats), [format](const auto& f) { return f.format == format; });
+    const auto* found = std::find_if(std::begin(formats), std::end(formats),
+                                     [format](const auto& f) { return f.format == format; });
     return found == std::end(formats) ? wavFormat : *found;
 }
 
@@ -56,8 +56,7 @@ bool roomForTags(const QString& path, const QPixmap& cover)
 } // namespace
 
 RipWorker::RipWorker(QObject* parent)
-    : QObject(parent)
-    , namingRule(QLatin1String(settings::defaultNamingRule))
+    : QObject(parent), namingRule(QLatin1String(settings::defaultNamingRule))
 {
     qRegisterMetaType<SectorResult>();
     qRegisterMetaType<RipResult>();

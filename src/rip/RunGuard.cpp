@@ -12,8 +12,7 @@ RunGuard& runGuard()
     return replacementGuard ? *replacementGuard : *own;
 }
 
-RunGuardOverride::RunGuardOverride(RunGuard& replacement)
-    : previous(replacementGuard)
+RunGuardOverride::RunGuardOverride(RunGuard& replacement) : previous(replacementGuard)
 {
     replacementGuard = &replacement;
 }

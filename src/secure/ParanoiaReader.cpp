@@ -23,10 +23,7 @@ void appendSector(QList<qint16>& samples, const QByteArray& sector)
 
 } // namespace
 
-ParanoiaReader::ParanoiaReader(QObject* parent)
-    : QObject(parent)
-{
-}
+ParanoiaReader::ParanoiaReader(QObject* parent) : QObject(parent) {}
 
 QList<qint16> ParanoiaReader::readTrack(CdDrive& drive, const TrackInfo& track)
 {
@@ -71,8 +68,8 @@ QByteArray ParanoiaReader::readSectorDirect(CdDrive& drive, quint32 lba, SectorR
 
 QByteArray ParanoiaReader::readSectorVerified(CdDrive& drive, quint32 lba, SectorResult& record)
 {
-    return voteOnSector([&drive](quint32 sector) { return drive.readSector(sector); }, lba, maxReads, abortFlag,
-                        record);
+    return voteOnSector([&drive](quint32 sector) { return drive.readSector(sector); }, lba, maxReads,
+                        abortFlag, record);
 }
 
 void shiftWithSilence(QList<qint16>& samples, int offset)

@@ -23,9 +23,9 @@ public:
 
     std::function<void(const SectorResult&)> onSector;
     std::function<void(int trackNumber, int sectorIndex, int sectorCount)> onProgress;
-    bool abortFlag = false;   ///< ends a read before its next sector
-    bool forceVerify = false; ///< double reads for tracks that come from a file too
-    int maxReads = 20;        ///< reads of one sector at most, the first two included
+    bool abortFlag = false;      ///< ends a read before its next sector
+    bool forceVerify = false;    ///< double reads for tracks that come from a file too
+    int maxReads = 20;           ///< reads of one sector at most, the first two included
     QList<SectorResult> results; ///< one record a sector of the last readTrack
 
 private:

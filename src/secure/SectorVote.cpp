@@ -43,7 +43,8 @@ QByteArray voteOnSector(const std::function<QByteArray(quint32)>& read, quint32 
         if (again.isEmpty())
             continue;
         ++votes[again];
-        const auto trusted = std::find_if(votes.cbegin(), votes.cend(), [](int n) { return n >= trustedVotes; });
+        const auto trusted =
+            std::find_if(votes.cbegin(), votes.cend(), [](int n) { return n >= trustedVotes; });
         if (trusted != votes.cend())
             return trusted.key();
     }

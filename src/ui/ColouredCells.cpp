@@ -4,7 +4,8 @@
 #include <QBrush>
 #include <QPainter>
 
-void ColouredCells::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
+void ColouredCells::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const
 {
     const QVariant colour = index.data(Qt::ForegroundRole);
     if (!colour.isValid()) {

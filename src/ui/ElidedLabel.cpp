@@ -21,6 +21,6 @@ void ElidedLabel::paintEvent(QPaintEvent*)
     QPainter painter(this);
     drawFrame(&painter);
     const Qt::Alignment place = QStyle::visualAlignment(layoutDirection(), alignment());
-    style()->drawItemText(&painter, contentsRect(), static_cast<int>(place), palette(), isEnabled(), shownText(),
-                          foregroundRole());
+    style()->drawItemText(&painter, contentsRect(), static_cast<int>(place), palette(), isEnabled(),
+                          shownText(), foregroundRole());
 }

@@ -16,8 +16,7 @@ void substitute(const QString& family, const QStringList& substitutes)
 
 void installFontSubstitutes()
 {
-    substitute(QStringLiteral("Segoe UI"),
-               {QStringLiteral("Noto Sans"), QStringLiteral("Noto Sans CJK JP")});
+    substitute(QStringLiteral("Segoe UI"), {QStringLiteral("Noto Sans"), QStringLiteral("Noto Sans CJK JP")});
     substitute(QStringLiteral("Consolas"),
                {QStringLiteral("Noto Sans Mono"), QStringLiteral("Noto Sans Mono CJK JP")});
 }

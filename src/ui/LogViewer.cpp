@@ -9,8 +9,7 @@
 #include <QTextEdit>
 #include <QVBoxLayout>
 
-LogViewer::LogViewer(QWidget* parent)
-    : QWidget(parent), text(new QTextEdit(this))
+LogViewer::LogViewer(QWidget* parent) : QWidget(parent), text(new QTextEdit(this))
 {
     text->setReadOnly(true);
     text->setTabChangesFocus(true);

@@ -20,7 +20,8 @@ QPixmap coverOfRelease(const MusicBrainzResult& release)
     if (release.mbid.isEmpty())
         return {};
     const QPixmap front = CoverArt::pictureAt(CoverArt::archiveImageUrl(release.mbid));
-    return front.isNull() ? CoverArt::pictureAt(CoverArt::iTunesImageUrl(release.artist, release.title)) : front;
+    return front.isNull() ? CoverArt::pictureAt(CoverArt::iTunesImageUrl(release.artist, release.title))
+                          : front;
 }
 
 MetaResult discChain(const DiscToc& disc)
@@ -69,7 +70,8 @@ MetaResult sheetChain(const DiscToc& disc)
 
     qDebug().noquote() << QStringLiteral("[Meta/CUE] MusicBrainz miss → iTunes fallback");
     found.iTunes = CoverArt::lookupITunes(disc.albumArtist, disc.albumTitle);
-    qDebug().noquote() << "[Meta/CUE] iTunes:" << found.iTunes.album << "tracks:" << found.iTunes.tracks.size();
+    qDebug().noquote() << "[Meta/CUE] iTunes:" << found.iTunes.album
+                       << "tracks:" << found.iTunes.tracks.size();
     found.cover = storePicture(found.iTunes);
     if (found.iTunes.album.isEmpty())
         found.cover = CoverArt::pictureAt(covers.discogsImageUrl(disc.albumArtist, disc.albumTitle));

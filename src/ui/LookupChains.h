@@ -11,9 +11,9 @@
 /// get to, or that missed, are at their defaults.
 struct MetaResult {
     MusicBrainzResult musicBrainz;
-    GnuDbResult gnuDb;    ///< of a physical disc alone
+    GnuDbResult gnuDb; ///< of a physical disc alone
     ITunesResult iTunes;
-    QPixmap cover;        ///< null when no picture was found
+    QPixmap cover; ///< null when no picture was found
 };
 
 /// MusicBrainz, then GnuDB, then iTunes, each only after a miss of the one

@@ -56,8 +56,9 @@ QString whyThereIsNoDisc(DriveFailure failure)
 {
     switch (failure) {
     case DriveFailure::becomingReady:
-        return pickLang("ドライブの準備がまだできていません。少し待ってから Back、Next の順に押してください。",
-                        "The drive is still getting ready. Wait a moment, then press Back and Next.");
+        return pickLang(
+            "ドライブの準備がまだできていません。少し待ってから Back、Next の順に押してください。",
+            "The drive is still getting ready. Wait a moment, then press Back and Next.");
     case DriveFailure::notReady:
         return pickLang("ディスクが入っていないか、ドライブの準備ができていません。"
                         "ディスクを入れて Back、Next の順に押してください。",
@@ -88,8 +89,8 @@ MainWindow::MainWindow()
     layout->addWidget(buildStepBar());
     layout->addWidget(pageparts::line());
     pages = new QStackedWidget;
-    for (QWidget* page : {buildSourcePage(), buildOutputPage(), buildMetadataPage(), buildRipPage(),
-                          buildVerifyPage()})
+    for (QWidget* page :
+         {buildSourcePage(), buildOutputPage(), buildMetadataPage(), buildRipPage(), buildVerifyPage()})
         pages->addWidget(new PageArea(page));
     layout->addWidget(pages, 1);
     layout->addWidget(buildNavBar());
@@ -157,9 +158,9 @@ QWidget* MainWindow::buildTitleBar()
 
 QWidget* MainWindow::buildStepBar()
 {
-    static const std::array<QString, stepCount> names{
-        QStringLiteral("① Source"), QStringLiteral("② Output"), QStringLiteral("③ Metadata"),
-        QStringLiteral("④ RIP"), QStringLiteral("⑤ Verify")};
+    static const std::array<QString, stepCount> names{QStringLiteral("① Source"), QStringLiteral("② Output"),
+                                                      QStringLiteral("③ Metadata"), QStringLiteral("④ RIP"),
+                                                      QStringLiteral("⑤ Verify")};
 
     stepBar = bar("stepBar", 48);
     auto* row = new QHBoxLayout(stepBar);
@@ -274,8 +275,9 @@ void MainWindow::enterDrive(const QString& letter)
         return;
     const WaitCursor cursor;
     if (!drive->open(letter)) {
-        showDriveNotice(pickLang("ドライブを開けませんでした。使用中でないか、権限があるかを確認してください。",
-                                 "The drive could not be opened. Is it in use, or is the permission missing?"));
+        showDriveNotice(
+            pickLang("ドライブを開けませんでした。使用中でないか、権限があるかを確認してください。",
+                     "The drive could not be opened. Is it in use, or is the permission missing?"));
         return;
     }
     applyDriveOffset();
@@ -291,7 +293,8 @@ void MainWindow::enterDrive(const QString& letter)
 
 bool MainWindow::sourceIsAudioFile() const
 {
-    return !audioPathEdit->text().isEmpty() && disc.tracks.size() == 1 && disc.tracks.first().sourceIsAudioFile;
+    return !audioPathEdit->text().isEmpty() && disc.tracks.size() == 1
+           && disc.tracks.first().sourceIsAudioFile;
 }
 
 void MainWindow::onNext()

@@ -179,7 +179,7 @@ private:
 
     std::unique_ptr<CdDrive> drive; ///< left behind when a rip does not end in time
     DiscToc disc;
-    QPixmap coverPixmap;            ///< full size; null for none
+    QPixmap coverPixmap; ///< full size; null for none
 
     qint32 sectorsDone = 0;
     qint32 sectorsTotal = 0;

@@ -3,8 +3,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-MetadataEditor::MetadataEditor(QWidget* parent)
-    : QWidget(parent)
+MetadataEditor::MetadataEditor(QWidget* parent) : QWidget(parent)
 {
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(new QLabel(QStringLiteral("Metadata Editor — coming soon"), this));

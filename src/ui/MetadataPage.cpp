@@ -49,11 +49,17 @@ QSpinBox* discSpin()
 }
 
 /// What a list of found tracks or titles says at a place.
-const QString& titleOf(const QString& title) { return title; }
-template <typename Track>
-const QString& titleOf(const Track& track) { return track.title; }
+const QString& titleOf(const QString& title)
+{
+    return title;
+}
+template<typename Track>
+const QString& titleOf(const Track& track)
+{
+    return track.title;
+}
 
-template <typename Tracks>
+template<typename Tracks>
 void fillTitles(QTableWidget* table, const Tracks& found, bool emptyToo)
 {
     const int rows = static_cast<int>(std::min<qsizetype>(found.size(), table->rowCount()));
@@ -152,10 +158,9 @@ void MainWindow::fillTrackTable()
 {
     trackTable->setRowCount(0);
     for (const TrackInfo& track : disc.tracks) {
-        const QString title = track.isData
-            ? pickLang("（データトラック・音声ではないため取り込みません）",
-                       "(data track - not audio, will not be ripped)")
-            : pageparts::shownTitle(track);
+        const QString title = track.isData ? pickLang("（データトラック・音声ではないため取り込みません）",
+                                                      "(data track - not audio, will not be ripped)")
+                                           : pageparts::shownTitle(track);
         pageparts::addTrackRow(trackTable, pageparts::twoDigits(track.number), title,
                                pageparts::playingTime(track.seconds));
     }
@@ -213,9 +218,9 @@ void MainWindow::applyLookup(LookupChain chain, const MetaResult& found)
         if (chain == LookupChain::disc && release.discCount >= 2) {
             discTotalSpin->setValue(release.discCount);
             // The disc of a set is told by its track count alone.
-            const auto medium = std::find_if(release.media.cbegin(), release.media.cend(), [this](const auto& m) {
-                return m.tracks.size() == disc.tracks.size();
-            });
+            const auto medium =
+                std::find_if(release.media.cbegin(), release.media.cend(),
+                             [this](const auto& m) { return m.tracks.size() == disc.tracks.size(); });
             if (medium != release.media.cend())
                 discNumberSpin->setValue(medium->position);
         }
@@ -227,8 +232,8 @@ void MainWindow::applyLookup(LookupChain chain, const MetaResult& found)
         fillAlbum(found.iTunes.album, found.iTunes.artist, found.iTunes.year);
         fillTitles(trackTable, found.iTunes.tracks, true);
     } else {
-        albumEdit->setPlaceholderText(pickLang("見つかりませんでした。手動で入力してください",
-                                               "Not found. Please enter it manually"));
+        albumEdit->setPlaceholderText(
+            pickLang("見つかりませんでした。手動で入力してください", "Not found. Please enter it manually"));
         artistEdit->setPlaceholderText(pickLang("アーティスト名を入力", "Enter artist name"));
         yearEdit->setPlaceholderText(pickLang("年", "Year"));
     }

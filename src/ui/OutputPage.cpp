@@ -105,20 +105,19 @@ QString MainWindow::folderToStartWith() const
 void MainWindow::updateFolderPreview()
 {
     const int chosen = formatCombo->currentIndex();
-    const bool known = chosen >= 0 && chosen < formatCombo->count()
-        && chosen < static_cast<int>(extensions.size());
+    const bool known =
+        chosen >= 0 && chosen < formatCombo->count() && chosen < static_cast<int>(extensions.size());
     const QString extension = QLatin1String(extensions[known ? static_cast<std::size_t>(chosen) : 0]);
     const QString artist = pickLang("アーティスト名", "Artist");
     const QString album = pickLang("アルバム名", "Album");
 
-    folderPreview->setText(pickLang("出力先", "Output folder") + QStringLiteral("\\\n  └─ ") + artist
-                           + QStringLiteral(" - ") + album + QStringLiteral("\\\n        ├─ ")
-                           + sampleFileName(namingRule, 1, artist, album, extension)
-                           + QStringLiteral("\n        ├─ ")
-                           + sampleFileName(namingRule, 2, artist, album, extension)
-                           + QStringLiteral("\n        └─ cover.jpg\n\n")
-                           + pickLang("※ 複数枚組は Disc1\\ Disc2\\ … に分かれます",
-                                      "* Multi-disc sets are split into Disc1\\ Disc2\\ …"));
+    folderPreview->setText(
+        pickLang("出力先", "Output folder") + QStringLiteral("\\\n  └─ ") + artist + QStringLiteral(" - ")
+        + album + QStringLiteral("\\\n        ├─ ") + sampleFileName(namingRule, 1, artist, album, extension)
+        + QStringLiteral("\n        ├─ ") + sampleFileName(namingRule, 2, artist, album, extension)
+        + QStringLiteral("\n        └─ cover.jpg\n\n")
+        + pickLang("※ 複数枚組は Disc1\\ Disc2\\ … に分かれます",
+                   "* Multi-disc sets are split into Disc1\\ Disc2\\ …"));
 }
 
 void MainWindow::onBrowseOutput()

@@ -32,7 +32,8 @@ void PageArea::fitPage()
     const QLayout* layout = widget()->layout();
     const QSize room = maximumViewportSize();
     const auto leastHeight = [layout](int width) {
-        return layout->hasHeightForWidth() ? layout->minimumHeightForWidth(width) : layout->minimumSize().height();
+        return layout->hasHeightForWidth() ? layout->minimumHeightForWidth(width)
+                                           : layout->minimumSize().height();
     };
     const int leastWidth = layout->minimumSize().width();
     QSize fitting(qMax(room.width(), leastWidth), 0);

@@ -13,15 +13,15 @@ QString doubleRule();
 
 /// What a rip starts with, as the user typed it.
 struct Header {
-    QString startTime;      ///< "yyyy-MM-dd  hh:mm:ss", local
+    QString startTime; ///< "yyyy-MM-dd  hh:mm:ss", local
     QString album;
     QString artist;
     QString outputFolder;
     bool physicalDrive = false;
-    QString driveModel;     ///< physical drives
-    int sampleOffset = 0;   ///< physical drives
-    QString offsetSource;   ///< physical drives
-    QString sourcePath;     ///< any other source
+    QString driveModel;   ///< physical drives
+    int sampleOffset = 0; ///< physical drives
+    QString offsetSource; ///< physical drives
+    QString sourcePath;   ///< any other source
     QString format;
     QString namingRule;
 };

@@ -299,8 +299,9 @@ void MainWindow::drawCounters()
     setCardValue(statQuality, counters.readQualityText() + QLatin1Char('%'));
     setCardValue(statSuspect, QString::number(suspectSectors));
     setCardValue(statErrors, QString::number(errorSectors));
-    setCardValue(statSpeed, lastSpeed > 0 ? QString::number(lastSpeed / singleSpeedKBs, 'f', 1) + QLatin1Char('x')
-                                          : QStringLiteral("—"));
+    setCardValue(statSpeed, lastSpeed > 0
+                                ? QString::number(lastSpeed / singleSpeedKBs, 'f', 1) + QLatin1Char('x')
+                                : QStringLiteral("—"));
 }
 
 void MainWindow::handleTrackStarted(int number, int total, const QString& title)
@@ -344,5 +345,6 @@ void MainWindow::onRipFinished()
     if (currentStep == ripStep)
         nextBtn->setFocus();
     QMessageBox::information(this, pickLang("リッピング完了", "Rip Complete"),
-                             pickLang("リッピングが完了しました。\n\n", "Ripping is complete.\n\n") + summary);
+                             pickLang("リッピングが完了しました。\n\n", "Ripping is complete.\n\n")
+                                 + summary);
 }

@@ -81,10 +81,7 @@ private:
     bool closed = false;
 };
 
-RipRelay::RipRelay(QObject* parent)
-    : QObject(parent), channel(std::make_shared<Channel>(this))
-{
-}
+RipRelay::RipRelay(QObject* parent) : QObject(parent), channel(std::make_shared<Channel>(this)) {}
 
 RipRelay::~RipRelay()
 {
@@ -96,18 +93,26 @@ void RipRelay::attach(RipWorker* worker)
     // Connected to the channel rather than to this object, which may go while
     // the worker is inside one of these functions.
     const auto to = channel;
-    connect(worker, &RipWorker::sectorDone, worker,
-            [to](const SectorResult& sector) { to->push(sector); }, Qt::DirectConnection);
-    connect(worker, &RipWorker::trackStarted, worker,
-            [to](int number, int total, const QString& title) { to->push(TrackStart{number, total, title}); },
-            Qt::DirectConnection);
-    connect(worker, &RipWorker::trackDone, worker,
-            [to](const RipResult& result) { to->push(result); }, Qt::DirectConnection);
-    connect(worker, &RipWorker::logLine, worker,
-            [to](const QString& line) { to->push(LogLine{line}); }, Qt::DirectConnection);
-    connect(worker, &RipWorker::statusText, worker,
-            [to](const QString& text) { to->push(StatusText{text}); }, Qt::DirectConnection);
-    connect(worker, &RipWorker::finished, worker, [to] { to->push(Finish{}); }, Qt::DirectConnection);
+    connect(
+        worker, &RipWorker::sectorDone, worker, [to](const SectorResult& sector) { to->push(sector); },
+        Qt::DirectConnection);
+    connect(
+        worker, &RipWorker::trackStarted, worker,
+        [to](int number, int total, const QString& title) {
+            to->push(TrackStart{number, total, title});
+        },
+        Qt::DirectConnection);
+    connect(
+        worker, &RipWorker::trackDone, worker, [to](const RipResult& result) { to->push(result); },
+        Qt::DirectConnection);
+    connect(
+        worker, &RipWorker::logLine, worker, [to](const QString& line) { to->push(LogLine{line}); },
+        Qt::DirectConnection);
+    connect(
+        worker, &RipWorker::statusText, worker, [to](const QString& text) { to->push(StatusText{text}); },
+        Qt::DirectConnection);
+    connect(
+        worker, &RipWorker::finished, worker, [to] { to->push(Finish{}); }, Qt::DirectConnection);
 }
 
 void RipRelay::close()

@@ -42,8 +42,7 @@ CellState stateOf(const SectorResult& sector)
 
 } // namespace
 
-SectorMap::SectorMap(QWidget* parent)
-    : QWidget(parent), drawing(new DrawThrottle([this] { update(); }, this))
+SectorMap::SectorMap(QWidget* parent) : QWidget(parent), drawing(new DrawThrottle([this] { update(); }, this))
 {
     setMinimumSize(200, 120);
 }

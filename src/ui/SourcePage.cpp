@@ -150,7 +150,8 @@ void MainWindow::pickAudio()
 {
     const QString path = QFileDialog::getOpenFileName(
         this, QStringLiteral("Select audio file"), QString(),
-        QStringLiteral("Audio Files (*.wav *.aiff *.aif *.mp3 *.flac *.aac *.m4a *.ogg *.opus *.wv *.dsf *.dff)"));
+        QStringLiteral(
+            "Audio Files (*.wav *.aiff *.aif *.mp3 *.flac *.aac *.m4a *.ogg *.opus *.wv *.dsf *.dff)"));
     if (path.isEmpty())
         return;
     audioPathEdit->setText(path);

@@ -134,8 +134,8 @@ QTabBar::tab:selected:focus { color: #c0d8f0; }
 QString styleSheetText()
 {
     return QString::fromUtf8(frameRules) + QString::fromUtf8(pageRules) + QString::fromUtf8(ripRules)
-        + QString::fromUtf8(choiceRules) + QString::fromUtf8(scrollBarRules)
-        + QString::fromUtf8(focusRules);
+           + QString::fromUtf8(choiceRules) + QString::fromUtf8(scrollBarRules)
+           + QString::fromUtf8(focusRules);
 }
 
 QString settingsStyleSheetText()

@@ -65,7 +65,8 @@ DiscText textOf(int matched, qsizetype audioTracks, int lowestConfidence)
                          "Exact match with the AccurateRip database.\nThis rip is accurate.")};
     if (matched >= 1)
         return {pickLang("◈  一部不一致", "◈  Partial mismatch"),
-                pickLang("一部のトラックがAccurateRip DBと一致しませんでした。\n傷やドライブの問題の可能性があります。",
+                pickLang("一部のトラックがAccurateRip "
+                         "DBと一致しませんでした。\n傷やドライブの問題の可能性があります。",
                          "Some tracks did not match the AccurateRip database.\n"
                          "The disc may be scratched or the drive may have a problem.")};
     return {pickLang("—  未登録/不一致", "—  Not found / Mismatch"),
@@ -112,12 +113,11 @@ QWidget* MainWindow::buildVerifyPage()
     auto* page = new QWidget;
     auto* layout = pageparts::pageLayout(page, 20);
     layout->addWidget(pageparts::heading(pickLang("AccurateRip ベリファイ", "AccurateRip Verify")));
-    layout->addWidget(pageparts::label(
-        pickLang("リッピング結果を AccurateRip データベースと照合します。\n"
-                 "他のユーザーと同一のデータが取れているか確認します。",
-                 "Compares your rip with the AccurateRip database.\n"
-                 "Checks that you got the same data as other users."),
-        "subLabel"));
+    layout->addWidget(pageparts::label(pickLang("リッピング結果を AccurateRip データベースと照合します。\n"
+                                                "他のユーザーと同一のデータが取れているか確認します。",
+                                                "Compares your rip with the AccurateRip database.\n"
+                                                "Checks that you got the same data as other users."),
+                                       "subLabel"));
     layout->addWidget(verifyProgress);
     layout->addWidget(verifyBox);
     layout->addWidget(verifyTable);

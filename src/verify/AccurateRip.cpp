@@ -61,7 +61,8 @@ QString accurateRipDiscId(const DiscToc& disc)
 
 // The position counts in 32 bits beside a 64-bit index, so that the compiler sees
 // a product of two 32-bit numbers and turns the loop into vector code.
-void accurateRipCrc(const QList<int>& samples, int trackNumber, int lastTrackNumber, quint32& crcV1, quint32& crcV2)
+void accurateRipCrc(const QList<int>& samples, int trackNumber, int lastTrackNumber, quint32& crcV1,
+                    quint32& crcV2)
 {
     crcV1 = 0;
     crcV2 = 0;

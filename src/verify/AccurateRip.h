@@ -30,4 +30,5 @@ QString accurateRipDiscId(const DiscToc& disc);
 ///
 /// @param samples  interleaved left/right, 16-bit values shifted left by 16; a
 ///                 last odd value is left out
-void accurateRipCrc(const QList<int>& samples, int trackNumber, int lastTrackNumber, quint32& crcV1, quint32& crcV2);
+void accurateRipCrc(const QList<int>& samples, int trackNumber, int lastTrackNumber, quint32& crcV1,
+                    quint32& crcV2);

@@ -43,9 +43,9 @@ QString databaseAddress(const AccurateRipIds& ids)
 bool isOfDisc(const char* header, const AccurateRipIds& ids)
 {
     return static_cast<quint8>(header[0]) == ids.audioTracks
-        && byteorder::readLittle<quint32>(header + 1) == ids.discId1
-        && byteorder::readLittle<quint32>(header + 5) == ids.discId2
-        && byteorder::readLittle<quint32>(header + 9) == ids.cddbId;
+           && byteorder::readLittle<quint32>(header + 1) == ids.discId1
+           && byteorder::readLittle<quint32>(header + 5) == ids.discId2
+           && byteorder::readLittle<quint32>(header + 9) == ids.cddbId;
 }
 
 QString notReached()
@@ -77,9 +77,11 @@ bool fetchAndParse(const DiscToc& disc, QList<QList<ArEntry>>& tracks, QString& 
     }
     if (status != httpStatusOk || body.isEmpty()) {
         unreachable = true;
-        error = pickLang("AccurateRipのサーバーからエラーが返りました（HTTP %1）。時間をおいて再度お試しください。",
-                         "The AccurateRip server returned an error (HTTP %1). Please try again later.")
-                    .arg(status);
+        error =
+            pickLang(
+                "AccurateRipのサーバーからエラーが返りました（HTTP %1）。時間をおいて再度お試しください。",
+                "The AccurateRip server returned an error (HTTP %1). Please try again later.")
+                .arg(status);
         return false;
     }
     tracks = parseDbar(body, ids);

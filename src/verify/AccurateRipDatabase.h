@@ -20,9 +20,9 @@ struct ArEntry {
 
 /// What the fetch of a disc's database file came to.
 struct VerifyResult {
-    bool ok = false;           ///< some entry has a checksum
-    bool networkError = false; ///< no answer, or none of use; not set for a disc that is not there
-    QString error;             ///< for the user, in the language in force; empty when ok
+    bool ok = false;              ///< some entry has a checksum
+    bool networkError = false;    ///< no answer, or none of use; not set for a disc that is not there
+    QString error;                ///< for the user, in the language in force; empty when ok
     QList<QList<ArEntry>> tracks; ///< one list for each audio track in disc order, entries in file order
 };
 

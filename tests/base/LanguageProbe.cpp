@@ -18,6 +18,7 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(QStringLiteral("LanguageProbe"));
     QSettings().setValue(QLatin1String(settings::language), QString::fromLatin1(argv[1]).toInt());
     loadLanguage();
-    std::printf("%d %s %d\n", languageMode(), pickLang("ja", "en").toUtf8().constData(), isJapanese() ? 1 : 0);
+    std::printf("%d %s %d\n", languageMode(), pickLang("ja", "en").toUtf8().constData(),
+                isJapanese() ? 1 : 0);
     return 0;
 }

@@ -58,7 +58,8 @@ TEST_F(UniqueFolder, ALongNameIsCutAtAWholeCharacterForWhatComesBehindIt)
 TEST_F(UniqueFolder, ALinkToAFolderIsAFolder)
 {
     ASSERT_TRUE(QFile::link(place.path(), place.path() + QStringLiteral("/x")));
-    EXPECT_EQ(makeUniqueFolder(place.path(), QStringLiteral("x")).path, place.path() + QStringLiteral("/x - Copy"));
+    EXPECT_EQ(makeUniqueFolder(place.path(), QStringLiteral("x")).path,
+              place.path() + QStringLiteral("/x - Copy"));
 }
 
 TEST_F(UniqueFolder, AFileOfTheNameIsLeftAlone)

@@ -21,10 +21,11 @@ protected:
 
     ConversionCounts run(const char* format = "FLAC")
     {
-        ConversionRun conversion(place.source(), place.output(), QLatin1String(format), [this](const QString& text) {
-            texts << text;
-            return true;
-        });
+        ConversionRun conversion(place.source(), place.output(), QLatin1String(format),
+                                 [this](const QString& text) {
+                                     texts << text;
+                                     return true;
+                                 });
         return conversion.convert(audioFilesIn(place.source()));
     }
 
@@ -49,7 +50,8 @@ Counts numbers(const ConversionCounts& counts)
 
 QString gainTag(const QString& path, const QString& key)
 {
-    const ToolResult result = runTool(QStringLiteral("metaflac"), {QStringLiteral("--show-tag=") + key, path});
+    const ToolResult result =
+        runTool(QStringLiteral("metaflac"), {QStringLiteral("--show-tag=") + key, path});
     return QString::fromUtf8(result.output).trimmed().section(QLatin1Char('='), 1);
 }
 
@@ -95,8 +97,8 @@ TEST(ConversionFormat, EncoderAndEndingFollowTheDataExactly)
 
 TEST_F(ConversionRunTest, FindsTheTwelveEndingsInAnyCaseAndNothingElse)
 {
-    const QStringList wanted{"a.wav", "b.aiff", "c.aif", "d.mp3",  "e.flac", "f.aac",
-                             "g.m4a", "h.OGG",  "i.opus", "j.Wv", "k.dsf",  "l.dff"};
+    const QStringList wanted{"a.wav", "b.aiff", "c.aif",  "d.mp3", "e.flac", "f.aac",
+                             "g.m4a", "h.OGG",  "i.opus", "j.Wv",  "k.dsf",  "l.dff"};
     for (const QString& name : wanted + QStringList{"m.wma", "n.txt", "wav", "o.wav.bak", ".p.wav"})
         place.add(name, "x");
     QDir().mkpath(place.source() + QStringLiteral("/folder.wav"));
@@ -122,7 +124,8 @@ TEST_F(ConversionRunTest, FlacAndWavHoldTheSamplesOfTheSource)
     EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/one.flac", "Album/two.flac"}));
     EXPECT_EQ(samplesOf(place.runFolder() + QStringLiteral("/one.flac")), makeAudio(1, 1));
     EXPECT_EQ(samplesOf(place.runFolder() + QStringLiteral("/two.flac")), makeAudio(1, 2));
-    EXPECT_TRUE(runTool(QStringLiteral("flac"), {"-t", "-s", place.runFolder() + QStringLiteral("/one.flac")}).ok());
+    EXPECT_TRUE(
+        runTool(QStringLiteral("flac"), {"-t", "-s", place.runFolder() + QStringLiteral("/one.flac")}).ok());
     EXPECT_EQ(texts, (QStringList{"Converting (1/2): one.wav", "Converting (2/2): two.wav"}));
 }
 
@@ -156,10 +159,11 @@ TEST_F(ConversionRunTest, TextsInJapanese)
     place.add(QStringLiteral("1.flac"), "x");
     place.addWave(QStringLiteral("2 %1 %3.wav"));
     run();
-    EXPECT_EQ(texts, (QStringList{"処理不可 (1/2): 1.flac — 変換元と出力先が同じ形式です", "変換中 (2/2): 2 %1 %3.wav"}));
+    EXPECT_EQ(texts, (QStringList{"処理不可 (1/2): 1.flac — 変換元と出力先が同じ形式です",
+                                  "変換中 (2/2): 2 %1 %3.wav"}));
     run();
-    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album - コピー", "Album - コピー/2 %1 %3.flac",
-                                               "Album/2 %1 %3.flac"}));
+    EXPECT_EQ(place.outputTree(),
+              (QStringList{"Album", "Album - コピー", "Album - コピー/2 %1 %3.flac", "Album/2 %1 %3.flac"}));
 }
 
 TEST_F(ConversionRunTest, OnlyTheLastSuffixIsReplaced)
@@ -195,9 +199,12 @@ TEST_F(ConversionRunTest, GainTagsAreWrittenOnlyWhenSwitchedOn)
 {
     const QString quiet = place.addWave(QStringLiteral("1.wav"), 3, 225);
     ASSERT_TRUE(
-        runTool(QStringLiteral("sox"), {"-v", "0.25", quiet, place.source() + QStringLiteral("/2.wav")}).ok());
+        runTool(QStringLiteral("sox"), {"-v", "0.25", quiet, place.source() + QStringLiteral("/2.wav")})
+            .ok());
     EXPECT_EQ(numbers(run()), (Counts{2, 0, 0}));
-    EXPECT_TRUE(gainTag(place.runFolder() + QStringLiteral("/1.flac"), QStringLiteral("REPLAYGAIN_TRACK_GAIN")).isEmpty());
+    EXPECT_TRUE(
+        gainTag(place.runFolder() + QStringLiteral("/1.flac"), QStringLiteral("REPLAYGAIN_TRACK_GAIN"))
+            .isEmpty());
 
     encoderOptions.replayGainEnabled = true;
     EXPECT_EQ(numbers(run()), (Counts{2, 0, 0}));
@@ -205,7 +212,8 @@ TEST_F(ConversionRunTest, GainTagsAreWrittenOnlyWhenSwitchedOn)
     const QString album = QString::number(-18 - loudnessOf(sources));
     for (int i = 0; i < 2; ++i) {
         const QString file = place.output() + QStringLiteral("/Album - Copy/%1.flac").arg(i + 1);
-        EXPECT_NEAR(decibels(gainTag(file, QStringLiteral("REPLAYGAIN_TRACK_GAIN"))), -18 - loudnessOf({sources[i]}), 0.1);
+        EXPECT_NEAR(decibels(gainTag(file, QStringLiteral("REPLAYGAIN_TRACK_GAIN"))),
+                    -18 - loudnessOf({sources[i]}), 0.1);
         EXPECT_NEAR(decibels(gainTag(file, QStringLiteral("REPLAYGAIN_ALBUM_GAIN"))), album.toDouble(), 0.1);
         EXPECT_EQ(gainTag(file, QStringLiteral("REPLAYGAIN_ALBUM_PEAK")),
                   gainTag(place.output() + QStringLiteral("/Album - Copy/1.flac"),

@@ -120,7 +120,8 @@ TEST_F(ConversionTrouble, WhatADiskHasNoRoomForFailsAndIsRemoved)
 
 TEST_F(ConversionTrouble, LinksToFilesAreTakenLinksToAnythingElseAreNot)
 {
-    const QString elsewhere = writeFile(place.top(), QStringLiteral("elsewhere.bin"), wrapInWave(makeAudio(1, 4)));
+    const QString elsewhere =
+        writeFile(place.top(), QStringLiteral("elsewhere.bin"), wrapInWave(makeAudio(1, 4)));
     const auto link = [this](const QString& target, const char* name) {
         ASSERT_TRUE(QFile::link(target, place.source() + QLatin1Char('/') + QLatin1String(name)));
     };
@@ -165,10 +166,12 @@ TEST_F(ConversionTrouble, ATargetNameThatIsTooLongFails)
 TEST_F(ConversionTrouble, TheOutputMayLieInsideTheSource)
 {
     place.addWave(QStringLiteral("1.wav"));
-    ConversionRun conversion(place.source(), place.source(), QStringLiteral("WAV"), [](const QString&) { return true; });
+    ConversionRun conversion(place.source(), place.source(), QStringLiteral("WAV"),
+                             [](const QString&) { return true; });
     EXPECT_EQ(conversion.convert(audioFilesIn(place.source())).skipped, 1);
     EXPECT_EQ(FolderOfAudio::below(place.source()), QStringList{"1.wav"});
-    ConversionRun again(place.source(), place.source(), QStringLiteral("FLAC"), [](const QString&) { return true; });
+    ConversionRun again(place.source(), place.source(), QStringLiteral("FLAC"),
+                        [](const QString&) { return true; });
     EXPECT_EQ(again.convert(audioFilesIn(place.source())).converted, 1);
     EXPECT_EQ(FolderOfAudio::below(place.source()), (QStringList{"1.wav", "Album", "Album/1.flac"}));
     EXPECT_EQ(contentOf(place.source() + QStringLiteral("/1.wav")), wrapInWave(makeAudio(1, 1)));
@@ -177,7 +180,8 @@ TEST_F(ConversionTrouble, TheOutputMayLieInsideTheSource)
 TEST_F(ConversionTrouble, ASourceInsideTheOutputKeepsItsFiles)
 {
     place.addWave(QStringLiteral("1.wav"));
-    ConversionRun conversion(place.source(), place.top(), QStringLiteral("FLAC"), [](const QString&) { return true; });
+    ConversionRun conversion(place.source(), place.top(), QStringLiteral("FLAC"),
+                             [](const QString&) { return true; });
     EXPECT_EQ(conversion.convert(audioFilesIn(place.source())).converted, 1);
     EXPECT_EQ(FolderOfAudio::below(place.top()),
               (QStringList{"Album", "Album - Copy", "Album - Copy/1.flac", "Album/1.wav"}));

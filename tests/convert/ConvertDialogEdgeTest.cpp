@@ -17,7 +17,8 @@ protected:
     /// An AIFF file of the source folder, with the audio of a seed.
     void addAiff(const QString& name, quint32 seed)
     {
-        const QString wave = writeFile(place.top(), QStringLiteral("for sox.wav"), wrapInWave(makeAudio(1, seed)));
+        const QString wave =
+            writeFile(place.top(), QStringLiteral("for sox.wav"), wrapInWave(makeAudio(1, seed)));
         ASSERT_TRUE(runTool(QStringLiteral("sox"), {wave, QStringLiteral("-t"), QStringLiteral("aiff"),
                                                     place.source() + QLatin1Char('/') + name})
                         .ok());
@@ -53,7 +54,8 @@ TEST_P(ConvertDialogEdge, EachRunMakesAFolderOfItsOwnAndDoneResetsTheForm)
         EXPECT_TRUE(view().status().isEmpty());
     }
     QStringList expected{"Album", "Album/1.mp3"};
-    for (const QString& copy : {text("Album - コピー", "Album - Copy"), text("Album - コピー (2)", "Album - Copy (2)")})
+    for (const QString& copy :
+         {text("Album - コピー", "Album - Copy"), text("Album - コピー (2)", "Album - Copy (2)")})
         expected << copy << copy + QStringLiteral("/1.mp3");
     expected.sort();
     EXPECT_EQ(place.outputTree(), expected);
@@ -79,8 +81,8 @@ TEST_P(ConvertDialogEdge, BothEndingsOfAiffAreConvertedToEveryFormat)
         const QString output = place.output() + endings[format];
         view().format()->setCurrentIndex(format);
         EXPECT_EQ(convert(place.source(), output), allDone(2));
-        EXPECT_EQ(FolderOfAudio::below(output), (QStringList{"Album", "Album/1." + endings[format],
-                                                             "Album/2." + endings[format]}));
+        EXPECT_EQ(FolderOfAudio::below(output),
+                  (QStringList{"Album", "Album/1." + endings[format], "Album/2." + endings[format]}));
         view().click();
     }
     EXPECT_EQ(samplesOf(place.output() + QStringLiteral("flac/Album/1.flac")), makeAudio(1, 1));

@@ -45,10 +45,14 @@ protected:
         });
         moment.start(0);
         view().click();
-        EXPECT_TRUE(runningStatus.startsWith(QStringLiteral("Converting (1/"))) << "acted in the middle of the run";
+        EXPECT_TRUE(runningStatus.startsWith(QStringLiteral("Converting (1/")))
+            << "acted in the middle of the run";
     }
 
-    int convertedFiles() const { return static_cast<int>(place.outputTree().filter(QStringLiteral(".flac")).size()); }
+    int convertedFiles() const
+    {
+        return static_cast<int>(place.outputTree().filter(QStringLiteral(".flac")).size());
+    }
 
     static constexpr int fileCount = 12;
     FolderOfAudio place;
@@ -64,8 +68,9 @@ TEST_F(ConvertDialogRun, OnlyTheButtonRestsAndTheRunKeepsItsValues)
     convertAnd([this] {
         EXPECT_FALSE(view().convert()->isEnabled());
         EXPECT_EQ(view().convert()->text(), QStringLiteral("Convert"));
-        for (const QWidget* field : std::initializer_list<QWidget*>{view().source(), view().output(), view().format(),
-                                                                    view().sourceBrowse(), view().outputBrowse()})
+        for (const QWidget* field :
+             std::initializer_list<QWidget*>{view().source(), view().output(), view().format(),
+                                             view().sourceBrowse(), view().outputBrowse()})
             EXPECT_TRUE(field->isEnabled());
         view().fill(QStringLiteral("/changed"), QStringLiteral("/changed too"));
         view().format()->setCurrentIndex(2);

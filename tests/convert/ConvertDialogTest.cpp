@@ -62,10 +62,13 @@ TEST_P(ConvertDialogTest, TextsAndDefaults)
     EXPECT_TRUE(view().source()->text().isEmpty());
     EXPECT_EQ(view().output()->text(), music());
     EXPECT_TRUE(view().warning()->isHidden());
-    EXPECT_EQ(view().warning()->text(),
-              text("⚠ DSF/DFF(DSD)の変換は実験的な機能です。音質は未検証のため、変換後は必ず試聴して確認してください。",
-                   "⚠ DSF/DFF (DSD) conversion is experimental. Sound quality has not been verified, so "
-                   "please listen to the converted files to check them."));
+    EXPECT_EQ(
+        view().warning()->text(),
+        text("⚠ "
+             "DSF/"
+             "DFF(DSD)の変換は実験的な機能です。音質は未検証のため、変換後は必ず試聴して確認してください。",
+             "⚠ DSF/DFF (DSD) conversion is experimental. Sound quality has not been verified, so "
+             "please listen to the converted files to check them."));
     EXPECT_EQ(view().warning()->styleSheet(), QStringLiteral("color: #ffaa00;"));
     EXPECT_TRUE(view().status().isEmpty());
     const std::array<const char*, 3> formats{"WAV", "FLAC", "MP3"};
@@ -163,12 +166,14 @@ TEST_P(ConvertDialogTest, TextThatWrapsIsNotCut)
 {
     place.add(QStringLiteral("1.dsf"), "x");
     pickPath(view().sourceBrowse(), place.source());
-    EXPECT_GT(view().warning()->heightForWidth(view().warning()->width()), view().warning()->fontMetrics().height());
+    EXPECT_GT(view().warning()->heightForWidth(view().warning()->width()),
+              view().warning()->fontMetrics().height());
     EXPECT_GE(view().warning()->height(), view().warning()->heightForWidth(view().warning()->width()));
 
     ASSERT_TRUE(QFile::remove(place.source() + QStringLiteral("/1.dsf")));
     convert();
-    EXPECT_GE(view().statusLabel()->height(), view().statusLabel()->heightForWidth(view().statusLabel()->width()));
+    EXPECT_GE(view().statusLabel()->height(),
+              view().statusLabel()->heightForWidth(view().statusLabel()->width()));
 }
 
 TEST_P(ConvertDialogTest, ALongNameWithoutBlanksIsPaintedToItsEnd)
@@ -200,8 +205,9 @@ TEST_P(ConvertDialogTest, FoldersMayBeWrittenInOddWays)
     const QString dotted = place.top() + QStringLiteral("/Vol. 1.5");
     QDir().mkpath(dotted);
     writeFile(dotted, QStringLiteral("1.wav"), wrapInWave(makeAudio(1, 1)));
-    for (const QString& spelling : {dotted + QStringLiteral("//"), place.source() + QStringLiteral("/../Vol. 1.5"),
-                                    dotted + QStringLiteral("/.")}) {
+    for (const QString& spelling :
+         {dotted + QStringLiteral("//"), place.source() + QStringLiteral("/../Vol. 1.5"),
+          dotted + QStringLiteral("/.")}) {
         EXPECT_EQ(convert(spelling, place.output() + QLatin1Char('/')), allDone(1));
         view().click();
     }

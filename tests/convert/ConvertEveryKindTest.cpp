@@ -19,7 +19,8 @@ constexpr double seconds = frameCount / 44100.0;
 constexpr int oneBitBytes = 43 * 4096;
 constexpr double oneBitSeconds = oneBitBytes * 8 / 2822400.0;
 
-const QStringList endings{"aac", "aif", "aiff", "dff", "dsf", "flac", "m4a", "mp3", "ogg", "opus", "wav", "wv"};
+const QStringList endings{"aac", "aif", "aiff", "dff",  "dsf", "flac",
+                          "m4a", "mp3", "ogg",  "opus", "wav", "wv"};
 
 bool isOneBit(const QString& ending)
 {
@@ -47,7 +48,8 @@ Probed probed(const QString& path)
     const ToolResult decoded =
         runTool(QStringLiteral("ffmpeg"), {"-v", "error", "-xerror", "-i", path, "-f", "s16le", "-"});
     if (!stream.ok() || !decoded.ok() || facts.size() != 2) {
-        ADD_FAILURE() << path.toStdString() << ": " << stream.errors.toStdString() << decoded.errors.toStdString();
+        ADD_FAILURE() << path.toStdString() << ": " << stream.errors.toStdString()
+                      << decoded.errors.toStdString();
         return {};
     }
     const int count = facts[1].toInt();
@@ -63,7 +65,8 @@ protected:
         for (const QString& ending : endings) {
             const QString made = workshop + QStringLiteral("/of.") + ending;
             ASSERT_NO_FATAL_FAILURE(decoderfiles::make(made, isOneBit(ending) ? oneBitBytes : frameCount));
-            ASSERT_TRUE(QFile::rename(made, place.source() + QStringLiteral("/from ") + ending + u'.' + ending));
+            ASSERT_TRUE(
+                QFile::rename(made, place.source() + QStringLiteral("/from ") + ending + u'.' + ending));
         }
     }
 
@@ -85,7 +88,8 @@ protected:
             const QString ending = path.section(u' ', 1).section(u'.', 0, 0);
             // Lossy encoders add a few frames of up to 1152 samples, and not all of them say so.
             const bool exact = target != QStringLiteral("mp3") && keepsEverySample(ending);
-            EXPECT_NEAR(found.seconds, isOneBit(ending) ? oneBitSeconds : seconds, exact ? 1e-9 : 4 * 1152 / 44100.0)
+            EXPECT_NEAR(found.seconds, isOneBit(ending) ? oneBitSeconds : seconds,
+                        exact ? 1e-9 : 4 * 1152 / 44100.0)
                 << path.toStdString();
         }
     }
@@ -98,7 +102,8 @@ protected:
         for (const QString& ending : endings) {
             if (ending == target || !keepsEverySample(ending))
                 continue;
-            EXPECT_EQ(samplesOf(place.runFolder() + QStringLiteral("/from ") + ending + u'.' + target), expected)
+            EXPECT_EQ(samplesOf(place.runFolder() + QStringLiteral("/from ") + ending + u'.' + target),
+                      expected)
                 << ending.toStdString();
         }
     }

@@ -44,9 +44,9 @@ QStringList FolderOfAudio::below(const QString& folder)
 
 QByteArray samplesOf(const QString& path)
 {
-    const ToolResult result = runTool(QStringLiteral("sox"), {path, QStringLiteral("-t"), QStringLiteral("raw"),
-                                                              QStringLiteral("-e"), QStringLiteral("signed"),
-                                                              QStringLiteral("-b"), QStringLiteral("16"),
-                                                              QStringLiteral("-L"), QStringLiteral("-")});
+    const ToolResult result =
+        runTool(QStringLiteral("sox"), {path, QStringLiteral("-t"), QStringLiteral("raw"),
+                                        QStringLiteral("-e"), QStringLiteral("signed"), QStringLiteral("-b"),
+                                        QStringLiteral("16"), QStringLiteral("-L"), QStringLiteral("-")});
     return result.ok() ? result.output : QByteArray();
 }

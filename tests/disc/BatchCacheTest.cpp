@@ -22,7 +22,10 @@ protected:
         platform.commands.clear();
     }
 
-    QByteArray truth(quint32 lba) const { return platform.audio.mid(qsizetype{lba} * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES); }
+    QByteArray truth(quint32 lba) const
+    {
+        return platform.audio.mid(qsizetype{lba} * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES);
+    }
 
     SimulatedDrive platform;
     DrivePlatformOverride override{platform};
@@ -80,7 +83,8 @@ TEST_F(BatchCache, FlushTravelsTwoThousandSectorsAndEmptiesTheCache)
     drive.flushDriveCache(2000);
     drive.flushDriveCache(2001);
     drive.readSector(1);
-    EXPECT_EQ(platform.commands, (QList<Command>{{Command::Raw, 4000, 27}, {Command::Raw, 1, 27}, {Command::Raw, 1, 27}}));
+    EXPECT_EQ(platform.commands,
+              (QList<Command>{{Command::Raw, 4000, 27}, {Command::Raw, 1, 27}, {Command::Raw, 1, 27}}));
 }
 
 TEST_F(BatchCache, CacheHitClearsTheRetriesOfTheBatch)

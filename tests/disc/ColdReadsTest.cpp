@@ -35,8 +35,18 @@ protected:
 
     DriveReply readWithC2(quint32 lba, quint32 count)
     {
-        const std::array<quint8, 12> command{0xBE, 0x04, 0, 0, static_cast<quint8>(lba >> 8), static_cast<quint8>(lba),
-                                             0, 0, static_cast<quint8>(count), 0x12, 0, 0};
+        const std::array<quint8, 12> command{0xBE,
+                                             0x04,
+                                             0,
+                                             0,
+                                             static_cast<quint8>(lba >> 8),
+                                             static_cast<quint8>(lba),
+                                             0,
+                                             0,
+                                             static_cast<quint8>(count),
+                                             0x12,
+                                             0,
+                                             0};
         std::vector<quint8> data(size_t{count} * RAW_PLUS_C2_BYTES);
         return cold.passThrough(command, data);
     }
@@ -134,7 +144,8 @@ TEST_F(ColdReadsTest, WhatTheDriveSaysOfItsBufferMakesTheWayLongerAndNeverShorte
         asked.makeCold(1000, 1, Effort::Once);
         EXPECT_EQ(drive.count(Command::ModeSense), 0) << "a disc without a fault is not charged for it";
         for (int turn = 0; turn < 3; ++turn) {
-            drive.commands.removeIf([](const Command& command) { return command.kind != Command::ModeSense; });
+            drive.commands.removeIf(
+                [](const Command& command) { return command.kind != Command::ModeSense; });
             asked.handedOut(1000);
             asked.makeCold(1000, 1, Effort::Thorough);
         }

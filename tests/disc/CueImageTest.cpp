@@ -13,7 +13,10 @@ namespace {
 
 class CueImage : public ::testing::Test {
 protected:
-    QString sheet(const QByteArray& text) { return writeFile(folder.path(), QStringLiteral("disc.cue"), text); }
+    QString sheet(const QByteArray& text)
+    {
+        return writeFile(folder.path(), QStringLiteral("disc.cue"), text);
+    }
     void bin(const QByteArray& bytes) { writeFile(folder.path(), QStringLiteral("disc.bin"), bytes); }
 
     QTemporaryDir folder;
@@ -54,7 +57,8 @@ TEST_F(CueImage, EverySectorOfABinIsRead)
 TEST_F(CueImage, TrailingBytesOfAPartialSectorAreIgnored)
 {
     bin(makeAudio(10, 1) + QByteArray(2351, 'x'));
-    const DiscToc disc = CdDrive::parseCue(sheet(QByteArray(binLine) + "TRACK 01 AUDIO\nINDEX 01 00:00:00\n"));
+    const DiscToc disc =
+        CdDrive::parseCue(sheet(QByteArray(binLine) + "TRACK 01 AUDIO\nINDEX 01 00:00:00\n"));
     EXPECT_EQ(disc.tracks[0].endLba, 9U);
 }
 
@@ -107,8 +111,8 @@ TEST_F(CueImage, TrackWithoutIndexStartsAtZero)
 TEST_F(CueImage, EqualIndexesWrapTheEndAndGiveNoSeconds)
 {
     bin(makeAudio(4, 1));
-    const DiscToc disc = CdDrive::parseCue(
-        sheet(QByteArray(binLine) + "TRACK 01 AUDIO\nINDEX 01 00:00:00\nTRACK 02 AUDIO\nINDEX 01 00:00:00\n"));
+    const DiscToc disc = CdDrive::parseCue(sheet(
+        QByteArray(binLine) + "TRACK 01 AUDIO\nINDEX 01 00:00:00\nTRACK 02 AUDIO\nINDEX 01 00:00:00\n"));
     EXPECT_EQ(disc.tracks[0].endLba, 0xFFFFFFFFU);
     EXPECT_EQ(disc.tracks[0].seconds, 0);
 }
@@ -116,7 +120,8 @@ TEST_F(CueImage, EqualIndexesWrapTheEndAndGiveNoSeconds)
 TEST_F(CueImage, LastTrackBehindTheFileIsAsLongAsTheFile)
 {
     bin(makeAudio(10, 1));
-    const DiscToc disc = CdDrive::parseCue(sheet(QByteArray(binLine) + "TRACK 01 AUDIO\nINDEX 01 00:01:00\n"));
+    const DiscToc disc =
+        CdDrive::parseCue(sheet(QByteArray(binLine) + "TRACK 01 AUDIO\nINDEX 01 00:01:00\n"));
     EXPECT_EQ(disc.tracks[0].startLba, 75U);
     EXPECT_EQ(disc.tracks[0].endLba, 84U);
 }
@@ -126,9 +131,9 @@ TEST_F(CueImage, SeveralFilesReadFromTheFirst)
     const QByteArray first = makeAudio(20, 1);
     bin(first);
     writeFile(folder.path(), QStringLiteral("second.bin"), makeAudio(30, 2));
-    ASSERT_TRUE(drive.openCue(sheet(QByteArray(binLine) +
-                                    "TRACK 01 AUDIO\nINDEX 01 00:00:00\n"
-                                    "FILE \"second.bin\" BINARY\nTRACK 02 AUDIO\nINDEX 01 00:00:10\n")));
+    ASSERT_TRUE(drive.openCue(sheet(QByteArray(binLine)
+                                    + "TRACK 01 AUDIO\nINDEX 01 00:00:00\n"
+                                      "FILE \"second.bin\" BINARY\nTRACK 02 AUDIO\nINDEX 01 00:00:10\n")));
     const DiscToc disc = drive.readToc();
     EXPECT_EQ(disc.tracks[0].endLba, 9U) << "whatever file the next index counts in";
     EXPECT_EQ(disc.tracks[1].endLba, 29U);
@@ -144,7 +149,8 @@ TEST_F(CueImage, FailuresLeaveTheDriveMarkedAsAnImageWithItsOldName)
     EXPECT_TRUE(drive.isImage());
     EXPECT_EQ(drive.name(), QStringLiteral("disc.cue"));
     EXPECT_TRUE(drive.readSector(0).isEmpty());
-    const QString noImage = writeFile(folder.path(), QStringLiteral("x.cue"), "FILE \"no.bin\" BINARY\nTRACK 01 AUDIO\n");
+    const QString noImage =
+        writeFile(folder.path(), QStringLiteral("x.cue"), "FILE \"no.bin\" BINARY\nTRACK 01 AUDIO\n");
     EXPECT_FALSE(drive.openCue(noImage));
     EXPECT_TRUE(drive.isImage());
 }

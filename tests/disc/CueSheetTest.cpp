@@ -41,7 +41,8 @@ TEST(CueSheet, CarriageReturnsChangeNothing)
 {
     const CueSheet unixSheet = scan(plainSheet);
     const CueSheet dosSheet =
-        scanCueSheet(QString::fromUtf8(plainSheet).replace(QLatin1Char('\n'), QStringLiteral("\r\n")), QStringLiteral("/music"));
+        scanCueSheet(QString::fromUtf8(plainSheet).replace(QLatin1Char('\n'), QStringLiteral("\r\n")),
+                     QStringLiteral("/music"));
     ASSERT_EQ(dosSheet.entries.size(), unixSheet.entries.size());
     EXPECT_EQ(dosSheet.albumArtist, unixSheet.albumArtist);
     EXPECT_EQ(dosSheet.entries[0].file, unixSheet.entries[0].file);
@@ -72,7 +73,8 @@ TEST(CueSheet, ASecondIndexOverwritesTheFirst)
 TEST(CueSheet, IndexWithoutThreePartsIsSkipped)
 {
     for (const char* time : {"", "00:01", "00:01:00:00", "garbage"}) {
-        const CueSheet sheet = scan((std::string("TRACK 01 AUDIO\nINDEX 01 00:03:00\nINDEX 01 ") + time + "\n").c_str());
+        const CueSheet sheet =
+            scan((std::string("TRACK 01 AUDIO\nINDEX 01 00:03:00\nINDEX 01 ") + time + "\n").c_str());
         EXPECT_EQ(sheet.entries[0].index01, 225U) << time;
     }
 }
@@ -86,7 +88,8 @@ TEST(CueSheet, WaveAnywhereInTheFileLineCounts)
 
 TEST(CueSheet, ALaterFileLineClearsTheType)
 {
-    const CueSheet sheet = scan("FILE \"a.wav\" WAVE\nTRACK 01 AUDIO\nFILE \"b.bin\" BINARY\nTRACK 02 AUDIO\n");
+    const CueSheet sheet =
+        scan("FILE \"a.wav\" WAVE\nTRACK 01 AUDIO\nFILE \"b.bin\" BINARY\nTRACK 02 AUDIO\n");
     EXPECT_TRUE(sheet.entries[0].isWave);
     EXPECT_FALSE(sheet.entries[1].isWave);
     EXPECT_EQ(sheet.entries[1].file, QStringLiteral("/music/b.bin"));

@@ -18,8 +18,10 @@ protected:
     void SetUp() override
     {
         shim.onDescriptor = [this](std::optional<DriveDescriptor>& found) { found = descriptor; };
-        shim.onPassThrough = [this](std::span<const quint8> command, std::span<quint8> data, DriveReply& reply) {
-            inquiry = QByteArray(reinterpret_cast<const char*>(command.data()), static_cast<qsizetype>(command.size()));
+        shim.onPassThrough = [this](std::span<const quint8> command, std::span<quint8> data,
+                                    DriveReply& reply) {
+            inquiry = QByteArray(reinterpret_cast<const char*>(command.data()),
+                                 static_cast<qsizetype>(command.size()));
             misalignment = reinterpret_cast<quintptr>(data.data()) % 64;
             answerLength = data.size();
             reply = inquiryReply;
@@ -29,7 +31,10 @@ protected:
         ASSERT_TRUE(drive.open(simulated.letter));
     }
 
-    void describe(const QByteArray& vendor, const QByteArray& product) { descriptor = DriveDescriptor{vendor, product, false}; }
+    void describe(const QByteArray& vendor, const QByteArray& product)
+    {
+        descriptor = DriveDescriptor{vendor, product, false};
+    }
 
     SimulatedDrive simulated;
     DriveShim shim{simulated};

@@ -37,7 +37,10 @@ public:
 /// A drive whose first guarded reads hang until the watchdog cancels them.
 class HangingDevice : public DriveDevice {
 public:
-    HangingDevice(std::unique_ptr<DriveDevice> below, int hangingReads) : device(std::move(below)), hangs(hangingReads) {}
+    HangingDevice(std::unique_ptr<DriveDevice> below, int hangingReads)
+        : device(std::move(below)), hangs(hangingReads)
+    {
+    }
 
     DriveReply checkVerify() override { return device->checkVerify(); }
     DriveReply readToc(std::span<quint8, 804> table) override { return device->readToc(table); }
@@ -95,7 +98,13 @@ TEST(DriveWatchdog, AReadThatEndsJustBelowTheTimeOutIsNotCancelled)
 {
     const LogCapture log;
     TimedReadEnd end(2999);
-    driveWatchdog(end, [] { ADD_FAILURE() << "cancelled"; return true; }, 7);
+    driveWatchdog(
+        end,
+        [] {
+            ADD_FAILURE() << "cancelled";
+            return true;
+        },
+        7);
     EXPECT_TRUE(log.warnings().isEmpty());
     EXPECT_LE(end.longestStep, milliseconds(50));
 }
@@ -105,11 +114,17 @@ TEST(DriveWatchdog, AReadThatEndsJustAboveTheTimeOutIsCancelledOnce)
     const LogCapture log;
     TimedReadEnd end(3001);
     int cancels = 0;
-    driveWatchdog(end, [&cancels] { ++cancels; return true; }, 123456);
+    driveWatchdog(
+        end,
+        [&cancels] {
+            ++cancels;
+            return true;
+        },
+        123456);
     EXPECT_EQ(cancels, 1);
     EXPECT_EQ(end.now, milliseconds(3000));
-    EXPECT_EQ(log.warnings(),
-              QStringList{QStringLiteral("[CdDrive] Sector 123456 unresponsive after 3000 ms, cancelling I/O")});
+    EXPECT_EQ(log.warnings(), QStringList{QStringLiteral(
+                                  "[CdDrive] Sector 123456 unresponsive after 3000 ms, cancelling I/O")});
 }
 
 TEST(DriveWatchdog, WithoutAThreadToCancelNothingIsLogged)
@@ -117,7 +132,13 @@ TEST(DriveWatchdog, WithoutAThreadToCancelNothingIsLogged)
     const LogCapture log;
     TimedReadEnd end(60000);
     int asked = 0;
-    driveWatchdog(end, [&asked] { ++asked; return false; }, 1);
+    driveWatchdog(
+        end,
+        [&asked] {
+            ++asked;
+            return false;
+        },
+        1);
     EXPECT_EQ(asked, 1);
     EXPECT_TRUE(log.warnings().isEmpty());
 }
@@ -127,7 +148,13 @@ TEST(DriveWatchdog, AReadThatHadEndedBeforeTheWatchBeganStopsItAtOnce)
     ReadEnd end;
     end.signal();
     const auto started = Clock::now();
-    driveWatchdog(end, [] { ADD_FAILURE() << "cancelled"; return true; }, 1);
+    driveWatchdog(
+        end,
+        [] {
+            ADD_FAILURE() << "cancelled";
+            return true;
+        },
+        1);
     EXPECT_LT(Clock::now() - started, milliseconds(1500)) << "half of the time out";
 }
 
@@ -135,7 +162,12 @@ TEST(ReadGuard, AHundredShortReadsAreNotMadeToWaitForASingleStep)
 {
     const auto started = Clock::now();
     for (quint32 lba = 0; lba < 100; ++lba)
-        const ReadGuard guard([] { ADD_FAILURE() << "cancelled"; return true; }, lba);
+        const ReadGuard guard(
+            [] {
+                ADD_FAILURE() << "cancelled";
+                return true;
+            },
+            lba);
     // Polling in steps of 50 ms would take up to 5 s.
     EXPECT_LT(Clock::now() - started, milliseconds(2500));
 }
@@ -148,18 +180,20 @@ TEST(ReadGuard, ABlockedReadIsCancelledAfterThreeSecondsFromAnotherThread)
     const auto started = Clock::now();
     bool cancelled = false;
     {
-        const ReadGuard guard([&] {
-            cancelledFrom = std::this_thread::get_id();
-            return read.cancel();
-        }, 4711);
+        const ReadGuard guard(
+            [&] {
+                cancelledFrom = std::this_thread::get_id();
+                return read.cancel();
+            },
+            4711);
         cancelled = read.run();
     }
     EXPECT_TRUE(cancelled);
     EXPECT_GE(Clock::now() - started, milliseconds(3000));
     EXPECT_LT(Clock::now() - started, milliseconds(10000));
     EXPECT_NE(cancelledFrom.load(), std::this_thread::get_id());
-    EXPECT_EQ(log.warnings(),
-              QStringList{QStringLiteral("[CdDrive] Sector 4711 unresponsive after 3000 ms, cancelling I/O")});
+    EXPECT_EQ(log.warnings(), QStringList{QStringLiteral(
+                                  "[CdDrive] Sector 4711 unresponsive after 3000 ms, cancelling I/O")});
 }
 
 TEST(ReadGuard, AHungReadOfADriveIsOneFailedAttemptAndTheNextDeliversTheSector)

@@ -59,7 +59,7 @@ protected:
         std::copy_if(simulated.commands.cbegin(), simulated.commands.cend(), std::back_inserter(found),
                      [=](const Command& command) {
                          return (command.kind == Command::Raw || command.kind == Command::RawWithC2)
-                             && command.lba <= lba && lba < command.lba + command.count;
+                                && command.lba <= lba && lba < command.lba + command.count;
                      });
         return found;
     }
@@ -81,11 +81,12 @@ TEST_P(Hole, CostsItselfWhereverItLies)
                             Case{"a batch's first", {540}}, Case{"a batch's last", {566}},
                             Case{"across two batches", {565, 566, 567, 568}},
                             Case{"two in one batch", {545, 546, 560}}, Case{"a whole batch and more", [] {
-                                QList<quint32> all;
-                                for (quint32 lba = 550; lba < 600; ++lba)
-                                    all.append(lba);
-                                return all;
-                            }()}}) {
+                                                                                QList<quint32> all;
+                                                                                for (quint32 lba = 550;
+                                                                                     lba < 600; ++lba)
+                                                                                    all.append(lba);
+                                                                                return all;
+                                                                            }()}}) {
         SCOPED_TRACE(one.name);
         simulated.mechanism.faults.clear();
         for (const quint32 lba : one.unreadable)
@@ -136,7 +137,8 @@ TEST_P(Hole, ASectorCalledUnreadableThroughALadderAndOnceMoreIsNotAskedForAgain)
     EXPECT_EQ(readsOf(561).size(), 35 + 35 + 1);
     EXPECT_EQ(readsOf(562).size(), 35 + 35 + 1);
     for (const quint32 lba : {560U, 561U, 562U}) {
-        const Command& far = simulated.commands.at(simulated.commands.lastIndexOf(readsOf(lba).constLast()) - 1);
+        const Command& far =
+            simulated.commands.at(simulated.commands.lastIndexOf(readsOf(lba).constLast()) - 1);
         EXPECT_EQ(far.kind, Command::Raw);
         EXPECT_GE(far.lba > lba ? far.lba - lba : lba - far.lba, 2900U) << "this disc has 6000 sectors";
     }

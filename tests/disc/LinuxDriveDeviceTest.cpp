@@ -34,7 +34,10 @@ protected:
         return device->readRaw(100, 1, data, guarded);
     }
 
-    QByteArray bytes() const { return {reinterpret_cast<const char*>(data.data()), static_cast<qsizetype>(data.size())}; }
+    QByteArray bytes() const
+    {
+        return {reinterpret_cast<const char*>(data.data()), static_cast<qsizetype>(data.size())};
+    }
 
     SgIoStandIn::Request lastRequest() const { return system.requests.value(system.requests.size() - 1); }
 
@@ -130,7 +133,9 @@ TEST_F(LinuxDriveDeviceTest, TheTableOfContentsIsAskedInMinutesSecondsFrames)
 
     // One track and the lead-out at 2000 + 150 frames = 00:28:50; 20 bytes in all.
     EXPECT_EQ(QByteArray(reinterpret_cast<const char*>(table.data()), 20).toHex(),
-              QByteArray("00120101" "0010010000000200" "0010aa0000001c32"));
+              QByteArray("00120101"
+                         "0010010000000200"
+                         "0010aa0000001c32"));
     EXPECT_EQ(std::count(table.begin() + 20, table.end(), quint8{0}), 784);
 }
 
@@ -215,8 +220,8 @@ TEST_F(LinuxDriveDeviceTest, NoRefusalPassesAsGoodData)
     const QList<Refusal> refusals{
         {"no medium", SgIoFault::checkCondition(2, 0x3A, 0), ENOMEDIUM, notReady},
         {"becoming ready", SgIoFault::checkCondition(2, 0x04, 1), EBUSY, becomingReady},
-        {"becoming ready, in the format of descriptors", withDriver(8, 0x02, descriptorSense(2, 0x04, 1)), EBUSY,
-         becomingReady},
+        {"becoming ready, in the format of descriptors", withDriver(8, 0x02, descriptorSense(2, 0x04, 1)),
+         EBUSY, becomingReady},
         {"not ready, cause unknown", SgIoFault::checkCondition(2, 0x04, 0), EBUSY, notReady},
         {"not ready, needs a hand", SgIoFault::checkCondition(2, 0x04, 3), EBUSY, notReady},
         {"not ready, another cause", SgIoFault::checkCondition(2, 0x30, 1), EBUSY, notReady},
@@ -245,7 +250,8 @@ TEST_F(LinuxDriveDeviceTest, NoRefusalPassesAsGoodData)
         {"driver: busy", withDriver(1), EIO, unknown},
         {"driver: time-out, guarded", withDriver(6), ECANCELED, timedOut},
         {"driver: hard error with advice", withDriver(0x17), EIO, unknown},
-        {"good status with the sense of a medium error", withDriver(8, 0, fixedSense(3, 0x11, 5)), EIO, unreadable},
+        {"good status with the sense of a medium error", withDriver(8, 0, fixedSense(3, 0x11, 5)), EIO,
+         unreadable},
         {"good status with a deferred error", withDriver(8, 0, deferredSense(4)), EIO, unknown},
         {"request: not permitted", withRequestError(EPERM), EPERM, unknown},
         {"request: busy", withRequestError(EBUSY), EBUSY, notReady},
@@ -271,9 +277,9 @@ TEST_F(LinuxDriveDeviceTest, NoRefusalPassesAsGoodData)
 
 TEST_F(LinuxDriveDeviceTest, SenseThatTellsOfNothingIsNoFailure)
 {
-    for (const SgIoFault& fault : {withDriver(8), withDriver(8, 0, fixedSense(0, 0, 0)),
-                                   withDriver(8, 0, fixedSense(1, 0x17, 1)), withDriver(0x10),
-                                   withDriver(8, 0, QByteArray(18, '\0'))}) {
+    for (const SgIoFault& fault :
+         {withDriver(8), withDriver(8, 0, fixedSense(0, 0, 0)), withDriver(8, 0, fixedSense(1, 0x17, 1)),
+          withDriver(0x10), withDriver(8, 0, QByteArray(18, '\0'))}) {
         system.faults = {fault};
         EXPECT_TRUE(readOne().delivered(RAW_SECTOR_BYTES));
         EXPECT_EQ(bytes(), truth(100));
@@ -314,8 +320,8 @@ TEST_F(LinuxDriveDeviceTest, AGuardedReadThatRunsOutOfTimeIsCancelledAndLogged)
         system.faults = {fault};
         const LogCapture log;
         EXPECT_EQ(readOne().errorNumber, ECANCELED);
-        EXPECT_EQ(log.warnings(),
-                  QStringList{QStringLiteral("[CdDrive] Sector 100 unresponsive after 3000 ms, cancelling I/O")});
+        EXPECT_EQ(log.warnings(), QStringList{QStringLiteral(
+                                      "[CdDrive] Sector 100 unresponsive after 3000 ms, cancelling I/O")});
     }
 }
 

@@ -21,9 +21,10 @@ protected:
 
     int requestsOf(quint8 code) const
     {
-        return static_cast<int>(std::ranges::count_if(system.requests, [code](const SgIoStandIn::Request& request) {
-            return static_cast<quint8>(request.command[0]) == code;
-        }));
+        return static_cast<int>(
+            std::ranges::count_if(system.requests, [code](const SgIoStandIn::Request& request) {
+                return static_cast<quint8>(request.command[0]) == code;
+            }));
     }
 };
 
@@ -47,7 +48,8 @@ TEST_F(LinuxDrivePlatformTest, DrivesComeFromTheKernelsList)
 {
     EXPECT_TRUE(CdDrive::enumerateDrives().isEmpty()) << "no list, no drives";
     writeFile(folder.path(), QStringLiteral("info"), "CD-ROM information\n\ndrive name:\t\tsr1\tsr0\n");
-    EXPECT_EQ(CdDrive::enumerateDrives(), (QStringList{QStringLiteral("/dev/sr0"), QStringLiteral("/dev/sr1")}));
+    EXPECT_EQ(CdDrive::enumerateDrives(),
+              (QStringList{QStringLiteral("/dev/sr0"), QStringLiteral("/dev/sr1")}));
 }
 
 TEST_F(LinuxDrivePlatformTest, ADriveIsOpenedForReadingAndWritingWithoutWaiting)
@@ -91,14 +93,16 @@ TEST_F(LinuxDrivePlatformTest, AFileThatIsNoDriveOpensAndFailsEveryCommand)
     const LogCapture log;
     ASSERT_TRUE(drive.open(path));
     EXPECT_TRUE(drive.readToc().tracks.isEmpty());
-    EXPECT_EQ(log.warnings().value(0), QStringLiteral("CdDrive: IOCTL_CDROM_READ_TOC failed (attempt 1 ): %1").arg(ENOTTY));
+    EXPECT_EQ(log.warnings().value(0),
+              QStringLiteral("CdDrive: IOCTL_CDROM_READ_TOC failed (attempt 1 ): %1").arg(ENOTTY));
     EXPECT_TRUE(drive.readSector(0).isEmpty());
     EXPECT_TRUE(system.requests.isEmpty());
 }
 
 TEST_F(LinuxDrivePlatformTest, AWholeDriveRunsOverIt)
 {
-    makeSysEntry(QStringLiteral("devices/pci0000:00/ata1/host0/target0:0:0/0:0:0:0"), "SYSVEN  \n", "SYSPROD 5       \n");
+    makeSysEntry(QStringLiteral("devices/pci0000:00/ata1/host0/target0:0:0/0:0:0:0"), "SYSVEN  \n",
+                 "SYSPROD 5       \n");
     simulated.tracks = {{0, false}, {500, false}, {1500, true}};
     ASSERT_TRUE(drive.open(devicePath));
     const DiscToc disc = drive.readToc();
@@ -185,8 +189,9 @@ TEST_F(LinuxDrivePlatformTest, ADriveThatHangsForGoodIsGivenUpAfterTheLadder)
     const LogCapture log;
     EXPECT_TRUE(drive.readSector(300).isEmpty());
     EXPECT_EQ(drive.lastRetries(), 35U);
-    EXPECT_EQ(log.warnings(), QStringList(36, QStringLiteral("[CdDrive] Sector 300 unresponsive after 3000 ms, "
-                                                             "cancelling I/O")));
+    EXPECT_EQ(log.warnings(),
+              QStringList(36, QStringLiteral("[CdDrive] Sector 300 unresponsive after 3000 ms, "
+                                             "cancelling I/O")));
     const auto guarded = std::ranges::count(system.requests, 3000U, &SgIoStandIn::Request::timeOutMs);
     EXPECT_EQ(guarded, 36) << "the ladder, and the sector alone";
     EXPECT_EQ(system.requests.size() - guarded, 20) << "the seek reads carry the time of any other command";
@@ -224,8 +229,9 @@ TEST_F(LinuxDrivePlatformTest, ADriveUnpluggedInTheMiddleFailsEveryBatchFromThen
 
     const LogCapture log;
     EXPECT_FALSE(drive.probeC2(0));
-    EXPECT_EQ(log.warnings(),
-              QStringList{QStringLiteral("[CdDrive] C2: READ CD with C2 not available (err= %1 )").arg(ENODEV)});
+    EXPECT_EQ(
+        log.warnings(),
+        QStringList{QStringLiteral("[CdDrive] C2: READ CD with C2 not available (err= %1 )").arg(ENODEV)});
     drive.close();
     EXPECT_EQ(system.openFiles(), 0);
 }
@@ -255,6 +261,8 @@ TEST_F(LinuxDrivePlatformTest, AnEmptyDriveHasNoTable)
     EXPECT_EQ(requestsOf(0x00), 5);
     EXPECT_EQ(requestsOf(0x43), 5);
     EXPECT_EQ(platform.sleeps, QList<int>(4, 300));
-    EXPECT_EQ(log.warnings().value(4), QStringLiteral("CdDrive: IOCTL_CDROM_READ_TOC failed (attempt 5 ): %1").arg(ENOMEDIUM));
-    EXPECT_EQ(log.warnings().value(5), QStringLiteral("CdDrive: could not obtain a valid TOC after 5 attempts"));
+    EXPECT_EQ(log.warnings().value(4),
+              QStringLiteral("CdDrive: IOCTL_CDROM_READ_TOC failed (attempt 5 ): %1").arg(ENOMEDIUM));
+    EXPECT_EQ(log.warnings().value(5),
+              QStringLiteral("CdDrive: could not obtain a valid TOC after 5 attempts"));
 }

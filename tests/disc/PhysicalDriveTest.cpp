@@ -30,7 +30,10 @@ protected:
         simulated.commands.clear();
     }
 
-    QByteArray truth(quint32 lba) const { return simulated.audio.mid(qsizetype{lba} * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES); }
+    QByteArray truth(quint32 lba) const
+    {
+        return simulated.audio.mid(qsizetype{lba} * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES);
+    }
 
     /// Sets this many pointer bits in each sector of the batches to come.
     void setPointers(std::function<int(quint32 sectorOfBatch)> bits)
@@ -167,14 +170,16 @@ TEST_F(PhysicalDrive, NoBatchReachesFromAudioIntoTheGapBeforeData)
     ASSERT_EQ(drive.readToc().tracks.value(0).endLba, 18000u - 11401);
     simulated.commands.clear();
     EXPECT_TRUE(drive.readSector(6590) == truth(6590));
-    EXPECT_EQ(simulated.commands, (QList<Command>{{Command::Raw, 6590, 10}})) << "the last audio sector is 6599";
+    EXPECT_EQ(simulated.commands, (QList<Command>{{Command::Raw, 6590, 10}}))
+        << "the last audio sector is 6599";
     EXPECT_TRUE(drive.readSector(6599) == truth(6599));
     EXPECT_EQ(simulated.commands.size(), 1);
     simulated.commands.clear();
     drive.close();
     ASSERT_TRUE(drive.open(simulated.letter));
     drive.readSector(6590);
-    EXPECT_EQ(simulated.commands.value(0), (Command{Command::Raw, 6590, 27})) << "no bound without a table of contents";
+    EXPECT_EQ(simulated.commands.value(0), (Command{Command::Raw, 6590, 27}))
+        << "no bound without a table of contents";
 }
 
 TEST_F(PhysicalDrive, ProbeAtTheLeadOutSendsNothing)
@@ -210,11 +215,14 @@ TEST_F(PhysicalDrive, AProbeThatFailsLogsTheErrorAndTurnsC2Off)
     ASSERT_TRUE(drive.probeC2(0));
     drive.setC2Enabled(true);
     ASSERT_TRUE(drive.c2Enabled());
-    shim.onPassThrough = [](std::span<const quint8>, std::span<quint8>, DriveReply& reply) { reply = {false, 22}; };
+    shim.onPassThrough = [](std::span<const quint8>, std::span<quint8>, DriveReply& reply) {
+        reply = {false, 22};
+    };
     simulated.commands.clear();
     const LogCapture log;
     EXPECT_FALSE(drive.probeC2(0));
-    EXPECT_EQ(log.warnings(), QStringList{QStringLiteral("[CdDrive] C2: READ CD with C2 not available (err= 22 )")});
+    EXPECT_EQ(log.warnings(),
+              QStringList{QStringLiteral("[CdDrive] C2: READ CD with C2 not available (err= 22 )")});
     EXPECT_EQ(simulated.count(Command::RawWithC2), 3);
     EXPECT_FALSE(drive.c2Enabled());
     drive.setC2Enabled(true);
@@ -266,7 +274,8 @@ TEST_F(PhysicalDrive, ReadCdWithC2GoesOutByteByByteIntoAlignedMemory)
     quintptr misalignment = 1;
     size_t length = 0;
     shim.onPassThrough = [&](std::span<const quint8> command, std::span<quint8> data, DriveReply&) {
-        block = QByteArray(reinterpret_cast<const char*>(command.data()), static_cast<qsizetype>(command.size()));
+        block =
+            QByteArray(reinterpret_cast<const char*>(command.data()), static_cast<qsizetype>(command.size()));
         misalignment = reinterpret_cast<quintptr>(data.data()) % 64;
         length = data.size();
     };
@@ -290,8 +299,7 @@ TEST_F(PhysicalDrive, TheLadderWithC2SeeksWithPlainReads)
     };
     simulated.commands.clear();
     EXPECT_TRUE(drive.readSector(1000).isEmpty());
-    EXPECT_EQ(simulated.commands,
-              ladder(1000, 900, 35, Command::RawWithC2) + oneSector(Command::RawWithC2));
+    EXPECT_EQ(simulated.commands, ladder(1000, 900, 35, Command::RawWithC2) + oneSector(Command::RawWithC2));
     EXPECT_EQ(shortReads, 18);
     EXPECT_EQ(drive.lastRetries(), 35U);
 }

@@ -61,8 +61,11 @@ QStringList invalidTocLines(int first, int last)
 {
     QStringList lines;
     for (int attempt = 1; attempt <= 5; ++attempt) {
-        lines.append(QStringLiteral("CdDrive: invalid TOC returned (attempt %1 ) FirstTrack= %2 LastTrack= %3")
-                         .arg(attempt).arg(first).arg(last));
+        lines.append(
+            QStringLiteral("CdDrive: invalid TOC returned (attempt %1 ) FirstTrack= %2 LastTrack= %3")
+                .arg(attempt)
+                .arg(first)
+                .arg(last));
     }
     return lines << QStringLiteral("CdDrive: could not obtain a valid TOC after 5 attempts");
 }
@@ -106,7 +109,7 @@ TEST_F(PhysicalToc, OnlyBitTwoOfTheControlFieldMeansData)
         table[3] = 4;
         for (qsizetype i = 0; i < 5; ++i)
             putEntry(table, i, {static_cast<quint32>(i) * 100, false});
-        table[4 + 1] = 0x4B;          // the address type is in the upper half
+        table[4 + 1] = 0x4B; // the address type is in the upper half
         table[4 + 8 + 1] = 0x14;
         table[4 + 2 * 8 + 1] = 0x04;
         table[4 + 3 * 8 + 1] = 0x1F;
@@ -158,7 +161,8 @@ TEST_F(PhysicalToc, ARefusedTableIsTriedFiveTimesAndTheErrorIsLogged)
     EXPECT_EQ(simulated.commands, fiveTries);
     QStringList expected;
     for (int attempt = 1; attempt <= 5; ++attempt)
-        expected.append(QStringLiteral("CdDrive: IOCTL_CDROM_READ_TOC failed (attempt %1 ): 123").arg(attempt));
+        expected.append(
+            QStringLiteral("CdDrive: IOCTL_CDROM_READ_TOC failed (attempt %1 ): 123").arg(attempt));
     expected.append(QStringLiteral("CdDrive: could not obtain a valid TOC after 5 attempts"));
     EXPECT_EQ(log.warnings(), expected);
 }

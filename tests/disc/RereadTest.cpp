@@ -32,7 +32,8 @@ protected:
         simulated.leadOutLba = 30'000;
         simulated.mechanism.cacheSectors = static_cast<quint32>(GetParam().megabytes * sectorsPerMegabyte);
         simulated.mechanism.cacheSegments = GetParam().segments;
-        simulated.mechanism.readAhead = simulated.mechanism.cacheSectors / static_cast<quint32>(GetParam().segments) / 2;
+        simulated.mechanism.readAhead =
+            simulated.mechanism.cacheSectors / static_cast<quint32>(GetParam().segments) / 2;
         simulated.mechanism.faults = {SectorFault::flaky(doubtful, doubtful, 1)};
         ASSERT_TRUE(drive.open(simulated.letter));
         ASSERT_FALSE(drive.readToc().tracks.isEmpty());
@@ -81,8 +82,7 @@ TEST_P(Reread, ASecondWayOverATrackIsReadFromTheDisc)
     EXPECT_NE(drive.readSector(doubtful), before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Buffers, Reread,
-                         ::testing::ValuesIn([] {
+INSTANTIATE_TEST_SUITE_P(Buffers, Reread, ::testing::ValuesIn([] {
                              std::vector<Buffer> all;
                              for (const double megabytes : {0.125, 0.25, 0.5, 1.0, 2.0, 4.0, 8.0}) {
                                  for (const int segments : {1, 2, 3}) {
@@ -94,7 +94,8 @@ INSTANTIATE_TEST_SUITE_P(Buffers, Reread,
                          }()),
                          [](const auto& buffer) {
                              return std::to_string(static_cast<int>(buffer.param.megabytes * 1024)) + "KiB"
-                                 + std::to_string(buffer.param.segments) + (buffer.param.c2 ? "C2" : "Compare");
+                                    + std::to_string(buffer.param.segments)
+                                    + (buffer.param.c2 ? "C2" : "Compare");
                          });
 
 namespace {

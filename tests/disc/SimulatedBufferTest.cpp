@@ -115,7 +115,8 @@ TEST_F(SimulatedBuffer, SectorsInFrontOfAnUnreadableOneCanComeWithTheFailure)
     drive.partialTransfers = true;
     const DriveProbe::Answer answer = probe.read(18, 4);
     EXPECT_FALSE(answer.ok);
-    EXPECT_EQ(answer.audio.left(2 * RAW_SECTOR_BYTES), drive.audio.mid(18 * RAW_SECTOR_BYTES, 2 * RAW_SECTOR_BYTES));
+    EXPECT_EQ(answer.audio.left(2 * RAW_SECTOR_BYTES),
+              drive.audio.mid(18 * RAW_SECTOR_BYTES, 2 * RAW_SECTOR_BYTES));
     EXPECT_EQ(answer.audio.mid(2 * RAW_SECTOR_BYTES), QByteArray(2 * RAW_SECTOR_BYTES, '\0'));
 }
 

@@ -21,7 +21,10 @@ protected:
         drive.commandNanoseconds = 0;
     }
 
-    QByteArray onDisc(quint32 lba) const { return drive.audio.mid(qsizetype{lba} * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES); }
+    QByteArray onDisc(quint32 lba) const
+    {
+        return drive.audio.mid(qsizetype{lba} * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES);
+    }
     qint64 timeOf(quint32 lba, quint32 count)
     {
         const qint64 before = drive.nowNanoseconds();
@@ -93,14 +96,16 @@ TEST_F(SimulatedDriveTest, APositiveOffsetBringsSamplesLate)
     drive.readOffset = 30;
     // Frame 30 of sector 10 as delivered is frame 0 of sector 10 on the disc.
     EXPECT_EQ(probe.read(10).audio, onDisc(9).last(30 * 4) + onDisc(10).first(558 * 4));
-    EXPECT_EQ(probe.read(0).audio, QByteArray(30 * 4, '\0') + onDisc(0).first(558 * 4)) << "lead-in is silence";
+    EXPECT_EQ(probe.read(0).audio, QByteArray(30 * 4, '\0') + onDisc(0).first(558 * 4))
+        << "lead-in is silence";
 }
 
 TEST_F(SimulatedDriveTest, ANegativeOffsetBringsSamplesEarly)
 {
     drive.readOffset = -600; // one sector and 12 frames
     EXPECT_EQ(probe.read(10).audio, onDisc(11).mid(12 * 4) + onDisc(12).first(12 * 4));
-    EXPECT_EQ(probe.read(998).audio, onDisc(999).mid(12 * 4) + QByteArray(12 * 4, '\0')) << "lead-out is silence";
+    EXPECT_EQ(probe.read(998).audio, onDisc(999).mid(12 * 4) + QByteArray(12 * 4, '\0'))
+        << "lead-out is silence";
     EXPECT_EQ(probe.read(999).audio, QByteArray(RAW_SECTOR_BYTES, '\0'));
 }
 

@@ -21,7 +21,10 @@ protected:
         drive.commandNanoseconds = 0;
     }
 
-    QByteArray onDisc(quint32 lba) const { return drive.audio.mid(qsizetype{lba} * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES); }
+    QByteArray onDisc(quint32 lba) const
+    {
+        return drive.audio.mid(qsizetype{lba} * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES);
+    }
     QList<SectorFault>& faults() { return drive.mechanism.faults; }
 
     SimulatedDrive drive;

@@ -92,7 +92,8 @@ TEST(AnswerMemory, OfAQueryOfManyCandidates)
 TEST(AnswerMemory, OfAStatusLineOfManyWords)
 {
     EXPECT_EQ(boundedLookup(manyTimes(" ", "200 rock 0b015903 "), goodRecord).album, QStringLiteral("Album"));
-    EXPECT_EQ(boundedLookup(manyTimes(" ", "211 x\nrock 0b015903 "), goodRecord).album, QStringLiteral("Album"));
+    EXPECT_EQ(boundedLookup(manyTimes(" ", "211 x\nrock 0b015903 "), goodRecord).album,
+              QStringLiteral("Album"));
 }
 
 TEST(AnswerMemory, OfARecordOfManyLinesThatIsLookedUp)

@@ -32,7 +32,8 @@ private:
             return 0;
         const QByteArray text = status.readAll();
         const qsizetype at = text.indexOf("\n" + name);
-        return at < 0 ? 0 : text.mid(at + 1 + name.size()).simplified().split(' ').value(0).toLongLong() * 1024;
+        return at < 0 ? 0
+                      : text.mid(at + 1 + name.size()).simplified().split(' ').value(0).toLongLong() * 1024;
     }
 
     bool usable = false;

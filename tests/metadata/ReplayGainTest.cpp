@@ -167,7 +167,8 @@ TEST_F(ReplayGainTest, BothKindsOfWaveTagsStayAsTheyWere)
         ASSERT_EQ(infoValues(before["LIST"])["IPRT"], "3");
         ASSERT_TRUE(writeSomeGains(path));
         const auto after = waveChunks(readAll(path));
-        EXPECT_EQ(payloads(id3Frames(after["ID3 "]), false), payloads(id3Frames(before["ID3 "]), false)) << year;
+        EXPECT_EQ(payloads(id3Frames(after["ID3 "]), false), payloads(id3Frames(before["ID3 "]), false))
+            << year;
         EXPECT_EQ(payloads(id3Frames(after["ID3 "]), true), someGainFrames()) << year;
         EXPECT_EQ(infoValues(after["LIST"]), infoValues(before["LIST"])) << year;
         EXPECT_EQ(after["DATA"], before["DATA"]);
@@ -189,8 +190,10 @@ TEST_F(ReplayGainTest, FlacCommentsAndPicturesStayAsTheyWere)
     const QByteArray cover = picture();
     ASSERT_TRUE(cover.startsWith("\xFF\xD8"));
     ASSERT_TRUE(writeSomeGains(path));
-    expected << "REPLAYGAIN_TRACK_GAIN=-6.50 dB" << "REPLAYGAIN_TRACK_PEAK=0.988553"
-             << "REPLAYGAIN_ALBUM_GAIN=+2.25 dB" << "REPLAYGAIN_ALBUM_PEAK=1.000000";
+    expected << "REPLAYGAIN_TRACK_GAIN=-6.50 dB"
+             << "REPLAYGAIN_TRACK_PEAK=0.988553"
+             << "REPLAYGAIN_ALBUM_GAIN=+2.25 dB"
+             << "REPLAYGAIN_ALBUM_PEAK=1.000000";
     std::sort(expected.begin(), expected.end());
     EXPECT_EQ(comments(), expected);
     EXPECT_EQ(picture(), cover);
@@ -248,8 +251,8 @@ TEST_F(ReplayGainTest, AnAlbumIsGatedAsOneProgramme)
     const QString quiet = makeAudio("quiet.mp3");
     const QList<double> loudBlocks(10, meanSquareOf(-20));
     const QList<double> quietBlocks(10, meanSquareOf(-40));
-    writeAlbumReplayGain({{loud, 2.0, 0.5, loudBlocks}, {file("missing.flac"), 0, 0.1, {}},
-                          {quiet, 22.0, 0.75, quietBlocks}});
+    writeAlbumReplayGain(
+        {{loud, 2.0, 0.5, loudBlocks}, {file("missing.flac"), 0, 0.1, {}}, {quiet, 22.0, 0.75, quietBlocks}});
     EXPECT_EQ(gainsOf(loud), (QMap<QString, QString>{{"replaygain_track_gain", "+2.00 dB"},
                                                      {"replaygain_track_peak", "0.500000"},
                                                      {"replaygain_album_gain", "+2.00 dB"},

@@ -1,5 +1,5 @@
-#include "TaggedFile.h"
 #include "metadata/TagStream.h"
+#include "TaggedFile.h"
 #include "support/FileSizeLimit.h"
 
 #include <QFile>
@@ -67,22 +67,21 @@ TEST_P(TagStreamTest, TheDataStandsInThePlaceOfWhatItReplaces)
     const QString path = write(before);
     {
         TagStream stream(QFile::encodeName(path).constData());
-        stream.insert(vectorOf(data), static_cast<TagStream::Offset>(start), static_cast<TagStream::Size>(replace));
+        stream.insert(vectorOf(data), static_cast<TagStream::Offset>(start),
+                      static_cast<TagStream::Size>(replace));
     }
     EXPECT_EQ(readAll(path), before.left(start) + data + before.mid(start + replace));
 }
 
 constexpr int mebibyte = 1024 * 1024;
 
-INSTANTIATE_TEST_SUITE_P(Sizes, TagStreamTest,
-                         ::testing::Values(Insertion{0, 10, 0, 0}, Insertion{100, 10, 0, 0},
-                                           Insertion{100, 10, 100, 0}, Insertion{100, 10, 40, 20},
-                                           Insertion{100, 300, 40, 20}, Insertion{100, 300, 40, 60},
-                                           Insertion{100, 20, 40, 20},
-                                           Insertion{3 * mebibyte + 5, 1000, 42, 38},
-                                           Insertion{3 * mebibyte, 2 * mebibyte, 42, 0},
-                                           Insertion{mebibyte + 42, 10, 42, 0},
-                                           Insertion{2 * mebibyte, 10, 1000, 5000}));
+INSTANTIATE_TEST_SUITE_P(
+    Sizes, TagStreamTest,
+    ::testing::Values(Insertion{0, 10, 0, 0}, Insertion{100, 10, 0, 0}, Insertion{100, 10, 100, 0},
+                      Insertion{100, 10, 40, 20}, Insertion{100, 300, 40, 20}, Insertion{100, 300, 40, 60},
+                      Insertion{100, 20, 40, 20}, Insertion{3 * mebibyte + 5, 1000, 42, 38},
+                      Insertion{3 * mebibyte, 2 * mebibyte, 42, 0}, Insertion{mebibyte + 42, 10, 42, 0},
+                      Insertion{2 * mebibyte, 10, 1000, 5000}));
 
 TEST_F(TagStreamTest, WithoutRoomTheFileStaysAsItWas)
 {

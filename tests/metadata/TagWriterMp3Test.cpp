@@ -49,7 +49,9 @@ TEST_F(TagWriterMp3Test, CoverIsAFrontCoverInJpegOfQuality90)
     const Payloads pictures = framesOf(frames(), "APIC");
     ASSERT_EQ(pictures.size(), 1);
     // Encoding, MIME type, picture type 3, description, then the picture.
-    const QByteArray head = QByteArray("\x03image/jpeg\0\x03" "Cover\0", 19);
+    const QByteArray head = QByteArray("\x03image/jpeg\0\x03"
+                                       "Cover\0",
+                                       19);
     EXPECT_EQ(pictures[0].left(head.size()), head);
     const QByteArray jpeg = pictures[0].mid(head.size());
     const QImage image = QImage::fromData(jpeg, "JPEG");
@@ -77,7 +79,8 @@ TEST_F(TagWriterMp3Test, AnEmptyTitleIsNotTakenFromAnOldShortTag)
 {
     const QString other = file("old.mp3");
     ASSERT_TRUE(runTool("lame", {"--quiet", "--id3v1-only", "--tt", "Old", "--tc", "Kept",
-                                 makeAudio("source.wav"), other}).ok());
+                                 makeAudio("source.wav"), other})
+                    .ok());
     ASSERT_EQ(readAll(other).right(128).left(6), "TAGOld");
     TagData tags;
     tags.artist = QStringLiteral("New");

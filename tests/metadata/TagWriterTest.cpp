@@ -11,7 +11,7 @@
 
 struct FormatCase {
     const char* suffix;
-    const char* words; ///< of a file that won't open
+    const char* words;  ///< of a file that won't open
     bool judgesContent; ///< false: TagLib takes any bytes for audio with no tag yet
 };
 

@@ -12,8 +12,8 @@ namespace {
 
 QJsonObject probe(const QString& path)
 {
-    const ToolResult tool = runTool("ffprobe", {"-v", "error", "-show_format", "-show_streams", "-print_format",
-                                                "json", path});
+    const ToolResult tool =
+        runTool("ffprobe", {"-v", "error", "-show_format", "-show_streams", "-print_format", "json", path});
     EXPECT_TRUE(tool.ok()) << tool.errors.toStdString();
     return QJsonDocument::fromJson(tool.output).object();
 }
@@ -32,10 +32,24 @@ qsizetype synchSafe(const QByteArray& bytes, qsizetype place)
 QString TaggedFileTest::makeAudio(const char* name, const QStringList& options) const
 {
     const QString path = file(name);
-    QStringList arguments{"-v", "error", "-y", "-f", "lavfi", "-i", "sine=frequency=440:duration=0.3",
-                          "-map_metadata", "-1", "-fflags", "+bitexact", "-flags:a", "+bitexact"};
+    QStringList arguments{"-v",
+                          "error",
+                          "-y",
+                          "-f",
+                          "lavfi",
+                          "-i",
+                          "sine=frequency=440:duration=0.3",
+                          "-map_metadata",
+                          "-1",
+                          "-fflags",
+                          "+bitexact",
+                          "-flags:a",
+                          "+bitexact"};
     if (path.endsWith(".mp3", Qt::CaseInsensitive))
-        arguments << "-id3v2_version" << "0" << "-f" << "mp3";
+        arguments << "-id3v2_version"
+                  << "0"
+                  << "-f"
+                  << "mp3";
     arguments << options << path;
     const ToolResult tool = runTool("ffmpeg", arguments);
     EXPECT_TRUE(tool.ok()) << tool.errors.toStdString();
@@ -79,8 +93,10 @@ QStringList probedPictures(const QString& path)
     QStringList pictures;
     for (const QJsonValue& stream : probe(path)["streams"].toArray()) {
         if (stream["codec_type"].toString() == "video") {
-            pictures << QStringLiteral("%1 %2x%3").arg(stream["codec_name"].toString())
-                            .arg(stream["width"].toInt()).arg(stream["height"].toInt());
+            pictures << QStringLiteral("%1 %2x%3")
+                            .arg(stream["codec_name"].toString())
+                            .arg(stream["width"].toInt())
+                            .arg(stream["height"].toInt());
         }
     }
     return pictures;

@@ -93,7 +93,8 @@ TEST_P(DamagedDisc, UnreadableSectorsAreSilenceAndReportedAndNoOther)
         EXPECT_EQ(run.sectors[lba].clean, !hole) << lba;
         EXPECT_EQ(right(lba), !hole) << lba;
         if (hole) {
-            EXPECT_EQ(audio.mid(lba * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES), QByteArray(RAW_SECTOR_BYTES, '\0'));
+            EXPECT_EQ(audio.mid(lba * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES),
+                      QByteArray(RAW_SECTOR_BYTES, '\0'));
         }
     }
 }
@@ -108,7 +109,7 @@ TEST_P(DamagedDisc, HolesWhereTracksBeginAndEndCostThemselves)
     EXPECT_EQ(run.results[0].errorSectors, 2u);
     EXPECT_EQ(run.results[1].errorSectors, 2u);
     audio = audioOfWave(folder.filePath(QStringLiteral("01. Track 1.wav")))
-        + audioOfWave(folder.filePath(QStringLiteral("02. Track 2.wav")));
+            + audioOfWave(folder.filePath(QStringLiteral("02. Track 2.wav")));
     for (quint32 lba = 0; lba < discSectors; ++lba)
         EXPECT_EQ(right(lba), lba != 0 && lba != 99 && lba != 100 && lba != 199) << lba;
 }

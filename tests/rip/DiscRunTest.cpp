@@ -25,8 +25,8 @@ protected:
     /// The audio bytes of a track's WAV file.
     QByteArray rippedTrack(int number) const
     {
-        return audioOfWave(
-            folder.filePath(QStringLiteral("%1. Track %2.wav").arg(number, 2, 10, QLatin1Char('0')).arg(number)));
+        return audioOfWave(folder.filePath(
+            QStringLiteral("%1. Track %2.wav").arg(number, 2, 10, QLatin1Char('0')).arg(number)));
     }
 
     QTemporaryDir folder;
@@ -45,10 +45,11 @@ TEST_F(DiscRun, TracksEqualTheDiscAndAreNamedByNumber)
     EXPECT_TRUE(rippedTrack(1) == disc.truth(0, 100));
     EXPECT_TRUE(rippedTrack(2) == disc.truth(100, 150));
     EXPECT_TRUE(rippedTrack(3) == disc.truth(250, 50));
-    EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/3 Fetching metadata..."), QStringLiteral("1/3 Track 1"), QStringLiteral("2/3 Track 2"),
-                                        QStringLiteral("3/3 Track 3")}));
-    EXPECT_EQ(run.logLines,
-              QStringList{QStringLiteral("Read mode   : secure - C2 error pointers (max 20 re-reads / sector)")});
+    EXPECT_EQ(run.started,
+              (QStringList{QStringLiteral("0/3 Fetching metadata..."), QStringLiteral("1/3 Track 1"),
+                           QStringLiteral("2/3 Track 2"), QStringLiteral("3/3 Track 3")}));
+    EXPECT_EQ(run.logLines, QStringList{QStringLiteral(
+                                "Read mode   : secure - C2 error pointers (max 20 re-reads / sector)")});
     EXPECT_TRUE(run.statusTexts.isEmpty());
 }
 
@@ -92,7 +93,8 @@ TEST_F(DiscRun, ADataTrackBehindTheAudioIsSkippedWithOneLine)
 {
     load(20000, {{0}, {100}, {15000, true}});
     rip();
-    EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/3 Fetching metadata..."), QStringLiteral("1/2 Track 1"), QStringLiteral("2/2 Track 2")}));
+    EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/3 Fetching metadata..."),
+                                        QStringLiteral("1/2 Track 1"), QStringLiteral("2/2 Track 2")}));
     EXPECT_EQ(run.logLines.value(1), QStringLiteral("  Track 03: data track (not audio) - skipped"));
     EXPECT_EQ(run.results.size(), 2);
     // The gap between two sessions, 11400 sectors, belongs to no track.
@@ -118,10 +120,12 @@ TEST_F(DiscRun, ADataTrackInFrontMovesTheNumbersBeyondTheAudioCount)
 {
     load(400, {{0, true}, {100}, {250}});
     rip();
-    EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/3 Fetching metadata..."), QStringLiteral("2/2 Track 2"), QStringLiteral("3/2 Track 3")}));
+    EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/3 Fetching metadata..."),
+                                        QStringLiteral("2/2 Track 2"), QStringLiteral("3/2 Track 3")}));
     EXPECT_EQ(run.logLines.value(1), QStringLiteral("  Track 01: data track (not audio) - skipped"));
     EXPECT_TRUE(rippedTrack(2) == disc.truth(100, 150));
-    EXPECT_TRUE(disc.commands.contains({Command::RawWithC2, 250, 27})) << "the probe, 150 behind the first audio";
+    EXPECT_TRUE(disc.commands.contains({Command::RawWithC2, 250, 27}))
+        << "the probe, 150 behind the first audio";
 }
 
 TEST_F(DiscRun, ADiscOfDataAloneEndsWithItsLines)
@@ -139,7 +143,8 @@ TEST_F(DiscRun, TheFrameWindowNeeds462Sectors)
     ASSERT_EQ(run.results.size(), 2);
     EXPECT_TRUE(run.results[0].frameWindow.isEmpty());
     ASSERT_EQ(run.results[1].frameWindow.size(), 12936);
-    const auto* bytes = reinterpret_cast<const quint8*>(disc.audio.constData()) + (461 + 440) * RAW_SECTOR_BYTES;
+    const auto* bytes =
+        reinterpret_cast<const quint8*>(disc.audio.constData()) + (461 + 440) * RAW_SECTOR_BYTES;
     for (qsizetype frame : {qsizetype{0}, qsizetype{1}, qsizetype{12935}}) {
         const quint8* at = bytes + frame * 4;
         EXPECT_EQ(run.results[1].frameWindow[frame],
@@ -260,10 +265,11 @@ TEST_F(DiscRun, TheWorkersCoverIsSavedWithoutAMessage)
     ASSERT_TRUE(run.drive.open(disc.letter));
     QPixmap cover(20, 20);
     cover.fill(Qt::red);
-    run.worker.configure(&run.drive, run.drive.readToc(), folder.path(), QString(), QString(), QString(), cover,
-                         QString(), 1, 1, 300, OutputFlac, QString(), 20);
+    run.worker.configure(&run.drive, run.drive.readToc(), folder.path(), QString(), QString(), QString(),
+                         cover, QString(), 1, 1, 300, OutputFlac, QString(), 20);
     run.worker.run();
-    EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/1 Fetching metadata..."), QStringLiteral("1/1 Track 1")}));
+    EXPECT_EQ(run.started,
+              (QStringList{QStringLiteral("0/1 Fetching metadata..."), QStringLiteral("1/1 Track 1")}));
     EXPECT_EQ(QPixmap(folder.filePath(QStringLiteral("cover.jpg"))).size(), QSize(20, 20));
 }
 

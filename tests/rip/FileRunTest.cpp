@@ -34,8 +34,8 @@ protected:
     }
     QString out(const QString& name) const { return folder.filePath(QStringLiteral("out/") + name); }
 
-    static void convert(RunRecorder& run, const QString& audioFile, OutputFormat format, const QString& target,
-                        const QPixmap& cover = {})
+    static void convert(RunRecorder& run, const QString& audioFile, OutputFormat format,
+                        const QString& target, const QPixmap& cover = {})
     {
         run.worker.configure(nullptr, DiscToc(), target, QStringLiteral("Ada"), QStringLiteral("Blue"),
                              QStringLiteral("1998"), cover, QString(), 1, 1, 300, format, audioFile, 20);
@@ -60,10 +60,11 @@ protected:
 
 QString probed(const QString& path, const QString& entry)
 {
-    const ToolResult probe = runTool(QStringLiteral("ffprobe"),
-                                     {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
-                                      QStringLiteral("a"), QStringLiteral("-show_entries"), entry,
-                                      QStringLiteral("-of"), QStringLiteral("default=nk=1:nw=1"), path});
+    const ToolResult probe =
+        runTool(QStringLiteral("ffprobe"),
+                {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
+                 QStringLiteral("a"), QStringLiteral("-show_entries"), entry, QStringLiteral("-of"),
+                 QStringLiteral("default=nk=1:nw=1"), path});
     return QString::fromUtf8(probe.output).trimmed();
 }
 
@@ -74,9 +75,9 @@ TEST_F(FileRun, EveryKindOfAudioFileBecomesATrackInItsOwnRate)
     const struct {
         const char* ending;
         const char* rate;
-    } kinds[] = {{"wav", "44100"}, {"aiff", "44100"}, {"aif", "44100"},  {"mp3", "44100"},
-                 {"flac", "44100"}, {"aac", "44100"}, {"m4a", "44100"},  {"ogg", "44100"},
-                 {"opus", "48000"}, {"wv", "44100"},  {"dsf", "352800"}, {"dff", "352800"}};
+    } kinds[] = {{"wav", "44100"},  {"aiff", "44100"}, {"aif", "44100"},  {"mp3", "44100"},
+                 {"flac", "44100"}, {"aac", "44100"},  {"m4a", "44100"},  {"ogg", "44100"},
+                 {"opus", "48000"}, {"wv", "44100"},   {"dsf", "352800"}, {"dff", "352800"}};
     for (const auto& kind : kinds) {
         SCOPED_TRACE(kind.ending);
         const QString name = QStringLiteral("Some Song.") + QLatin1String(kind.ending);
@@ -89,7 +90,8 @@ TEST_F(FileRun, EveryKindOfAudioFileBecomesATrackInItsOwnRate)
         EXPECT_EQ(run.finishedCount, 1);
         const QString written = out(QLatin1String(kind.ending)) + QStringLiteral("/Album/01. Some Song.flac");
         EXPECT_EQ(probed(written, QStringLiteral("stream=sample_rate")), QLatin1String(kind.rate));
-        EXPECT_TRUE(runTool(QStringLiteral("flac"), {QStringLiteral("-t"), QStringLiteral("-s"), written}).ok());
+        EXPECT_TRUE(
+            runTool(QStringLiteral("flac"), {QStringLiteral("-t"), QStringLiteral("-s"), written}).ok());
     }
 }
 
@@ -103,7 +105,8 @@ TEST_F(FileRun, LosslessAudioKeepsEveryBitThroughEveryLosslessFormat)
         SCOPED_TRACE(ending);
         RunRecorder run;
         convert(run, source(QStringLiteral("Deep.wav")), kind, out(QLatin1String(ending)));
-        const QString written = out(QLatin1String(ending)) + QStringLiteral("/Album/01. Deep.") + QLatin1String(ending);
+        const QString written =
+            out(QLatin1String(ending)) + QStringLiteral("/Album/01. Deep.") + QLatin1String(ending);
         EXPECT_EQ(decodeWithFfmpeg(written), samples);
         EXPECT_EQ(probed(written, QStringLiteral("stream=sample_rate")), QStringLiteral("96000"));
     }
@@ -120,9 +123,11 @@ TEST_F(FileRun, TheTrackCarriesTheTagsTheCoverAndNoChecksum)
     const QString tags = QString::fromUtf8(
         runTool(QStringLiteral("metaflac"), {QStringLiteral("--export-tags-to=-"), written}).output);
     for (const char* tag : {"TITLE=Song", "ARTIST=Ada", "ALBUM=Blue", "TRACKNUMBER=1"})
-        EXPECT_TRUE(tags.contains(QLatin1String(tag), Qt::CaseInsensitive)) << tag << " in " << tags.toStdString();
+        EXPECT_TRUE(tags.contains(QLatin1String(tag), Qt::CaseInsensitive))
+            << tag << " in " << tags.toStdString();
     EXPECT_FALSE(runTool(QStringLiteral("metaflac"),
-                         {QStringLiteral("--list"), QStringLiteral("--block-type=PICTURE"), written}).output.isEmpty());
+                         {QStringLiteral("--list"), QStringLiteral("--block-type=PICTURE"), written})
+                     .output.isEmpty());
     EXPECT_EQ(run.results[0].trackNumber, 1);
     EXPECT_EQ(run.results[0].title, QStringLiteral("Song"));
     EXPECT_EQ(run.results[0].errorSectors, 0U);
@@ -152,8 +157,9 @@ TEST_F(FileRun, TheSameFileAgainGoesToAFolderOfItsOwn)
 
 TEST_F(FileRun, ForbiddenCharactersAloneAreTakenOutOfTheName)
 {
-    for (const auto& [name, expected] :
-         {std::pair{"What? 1:2..wav", "01. What 12..wav"}, {"???.wav", "01. .wav"}, {"dots ...wav", "01. dots ...wav"}}) {
+    for (const auto& [name, expected] : {std::pair{"What? 1:2..wav", "01. What 12..wav"},
+                                         {"???.wav", "01. .wav"},
+                                         {"dots ...wav", "01. dots ...wav"}}) {
         SCOPED_TRACE(name);
         decoderfiles::make(source(QLatin1String(name)), 100);
         QTemporaryDir target;
@@ -180,7 +186,8 @@ TEST_F(FileRun, AFileOfNoKnownKindIsRefused)
     useLanguage(1);
     RunRecorder run;
     convert(run, source(QStringLiteral("notes.txt")), OutputFlac);
-    expectRefused(run, QStringLiteral("対応していないファイル形式です: ") + source(QStringLiteral("notes.txt")));
+    expectRefused(run,
+                  QStringLiteral("対応していないファイル形式です: ") + source(QStringLiteral("notes.txt")));
     EXPECT_TRUE(QDir(out({})).isEmpty());
 }
 
@@ -209,7 +216,8 @@ TEST_F(FileRun, AFileWithoutSamplesIsRefused)
     useLanguage(1);
     RunRecorder japanese;
     convert(japanese, source(QStringLiteral("empty.wav")), OutputFlac);
-    expectRefused(japanese, QStringLiteral("デコードできるデータがありませんでした: ") + source(QStringLiteral("empty.wav")));
+    expectRefused(japanese, QStringLiteral("デコードできるデータがありませんでした: ")
+                                + source(QStringLiteral("empty.wav")));
     EXPECT_TRUE(QDir(out({})).isEmpty());
 }
 
@@ -222,7 +230,8 @@ TEST_F(FileRun, AnEncoderThatFailsIsAFailedTrackAndAnError)
     ASSERT_EQ(run.results.size(), 1);
     EXPECT_FALSE(run.results[0].ok);
     EXPECT_EQ(run.results[0].errorSectors, allOnes);
-    EXPECT_EQ(run.errors, QStringList{QStringLiteral("Encoding failed: ") + source(QStringLiteral("nine.wav"))});
+    EXPECT_EQ(run.errors,
+              QStringList{QStringLiteral("Encoding failed: ") + source(QStringLiteral("nine.wav"))});
     EXPECT_EQ(run.finishedCount, 1);
     EXPECT_EQ(QDir(out(QStringLiteral("Album"))).entryList(QDir::Files), QStringList());
 
@@ -245,7 +254,8 @@ TEST_F(FileRun, AFullDiskFailsTheTrackAndLeavesNoFile)
         }
         ASSERT_EQ(run.results.size(), 1);
         EXPECT_FALSE(run.results[0].ok) << format;
-        EXPECT_TRUE(QDir(target.filePath(QStringLiteral("Album"))).entryList(QDir::Files).isEmpty()) << format;
+        EXPECT_TRUE(QDir(target.filePath(QStringLiteral("Album"))).entryList(QDir::Files).isEmpty())
+            << format;
     }
 }
 
@@ -269,7 +279,8 @@ TEST_F(FileRun, AHeaderThatPromisesFarTooMuchDoesNotTakeTheMemory)
 TEST_F(FileRun, AudioBeyondTheMemoryOfTheMachineIsAFailedTrack)
 {
     const auto convertDff = [this](RunRecorder& run, quint64 frames) {
-        QByteArray dff = decoderfiles::dff(decoderfiles::dffProperties(2822400, 1), decoderfiles::bits(64, 1));
+        QByteArray dff =
+            decoderfiles::dff(decoderfiles::dffProperties(2822400, 1), decoderfiles::bits(64, 1));
         dff.replace(dff.size() - 64 - 8, 8, big(frames));
         writeAll(source(QStringLiteral("Long.dff")), dff);
         convert(run, source(QStringLiteral("Long.dff")), OutputWav);
@@ -290,7 +301,8 @@ TEST_F(FileRun, AudioBeyondTheMemoryOfTheMachineIsAFailedTrack)
         ASSERT_EQ(run->results.size(), 1);
         EXPECT_FALSE(run->results[0].ok);
         EXPECT_EQ(run->results[0].errorSectors, allOnes);
-        EXPECT_EQ(run->errors, QStringList{QStringLiteral("Encoding failed: ") + source(QStringLiteral("Long.dff"))});
+        EXPECT_EQ(run->errors,
+                  QStringList{QStringLiteral("Encoding failed: ") + source(QStringLiteral("Long.dff"))});
         EXPECT_EQ(run->finishedCount, 1);
     }
 }

@@ -107,7 +107,8 @@ TEST_F(GarbageToc, NinetyNineTracksAreRipped)
     rip(table(1, 99, entries));
     ASSERT_EQ(run.results.size(), 99);
     EXPECT_EQ(run.sectors.size(), 99);
-    EXPECT_TRUE(audioOfWave(folder.filePath(QStringLiteral("99. Track 99.wav"))) == drive.audio.mid(98 * 2352, 2352));
+    EXPECT_TRUE(audioOfWave(folder.filePath(QStringLiteral("99. Track 99.wav")))
+                == drive.audio.mid(98 * 2352, 2352));
 }
 
 TEST_F(GarbageToc, RandomTablesNeverHangOrCrash)
@@ -119,7 +120,8 @@ TEST_F(GarbageToc, RandomTablesNeverHangOrCrash)
         for (int i = 0; i <= last; ++i)
             entries.append({static_cast<quint8>(random.bounded(16)),
                             static_cast<quint8>(random.bounded(4) == 0 ? 255 : 0),
-                            static_cast<quint8>(random.bounded(5)), static_cast<quint8>(random.bounded(256))});
+                            static_cast<quint8>(random.bounded(5)),
+                            static_cast<quint8>(random.bounded(256))});
         drive.tocBytes = table(1, last, entries);
         RunRecorder once;
         once.ripDisc(folder.filePath(QString::number(round)), 1);

@@ -20,7 +20,7 @@ protected:
         QByteArray sheet = "FILE \"disc.bin\" BINARY\n";
         for (int track = 0; track < 2; ++track)
             sheet += "  TRACK 0" + QByteArray::number(firstNumber + track) + " AUDIO\n    INDEX 01 "
-                + cueTime(track * sectorsEach).toLatin1() + "\n";
+                     + cueTime(track * sectorsEach).toLatin1() + "\n";
         run.rip(writeFile(folder.path(), QStringLiteral("disc.cue"), sheet), OutputWav,
                 folder.filePath(QStringLiteral("out")));
         ASSERT_EQ(run.results.size(), 2);

@@ -39,18 +39,23 @@ QByteArray moved(const QByteArray& track, int offset)
     const qsizetype bytes = 2 * std::abs(qsizetype{offset});
     if (bytes >= track.size())
         return track;
-    return offset > 0 ? track.mid(bytes) + QByteArray(bytes, '\0') : QByteArray(bytes, '\0') + track.chopped(bytes);
+    return offset > 0 ? track.mid(bytes) + QByteArray(bytes, '\0')
+                      : QByteArray(bytes, '\0') + track.chopped(bytes);
 }
 
 QByteArray decodedAudio(const QString& path, const QString& rawPath)
 {
     if (path.endsWith(QLatin1String(".flac"))) {
         EXPECT_TRUE(runTool(QStringLiteral("flac"), {QStringLiteral("-t"), QStringLiteral("-s"), path}).ok());
-        EXPECT_TRUE(runTool(QStringLiteral("flac"), {QStringLiteral("-d"), QStringLiteral("-s"), QStringLiteral("-f"),
-                                                     QStringLiteral("--force-raw-format"), QStringLiteral("--endian=little"),
-                                                     QStringLiteral("--sign=signed"), QStringLiteral("-o"), rawPath, path}).ok());
+        EXPECT_TRUE(runTool(QStringLiteral("flac"),
+                            {QStringLiteral("-d"), QStringLiteral("-s"), QStringLiteral("-f"),
+                             QStringLiteral("--force-raw-format"), QStringLiteral("--endian=little"),
+                             QStringLiteral("--sign=signed"), QStringLiteral("-o"), rawPath, path})
+                        .ok());
     } else {
-        EXPECT_TRUE(runTool(QStringLiteral("sox"), {path, QStringLiteral("-t"), QStringLiteral("raw"), rawPath}).ok());
+        EXPECT_TRUE(
+            runTool(QStringLiteral("sox"), {path, QStringLiteral("-t"), QStringLiteral("raw"), rawPath})
+                .ok());
     }
     return contentOf(rawPath);
 }
@@ -62,8 +67,10 @@ TEST_P(ImageRunBits, DecodedTracksEqualTheImage)
     const QByteArray audio = makeAudio(130, 21);
     run.drive.setReadOffset(GetParam().offset);
     run.rip(threeTracks(audio), GetParam().format, out());
-    const QString extension = GetParam().format == OutputFlac ? QStringLiteral(".flac") : QStringLiteral(".wav");
-    const QStringList names{QStringLiteral("01. One"), QStringLiteral("02. Track 2"), QStringLiteral("03. Three")};
+    const QString extension =
+        GetParam().format == OutputFlac ? QStringLiteral(".flac") : QStringLiteral(".wav");
+    const QStringList names{QStringLiteral("01. One"), QStringLiteral("02. Track 2"),
+                            QStringLiteral("03. Three")};
     const QList<int> starts{0, 40, 100, 130};
     ASSERT_EQ(run.results.size(), 3);
     EXPECT_EQ(run.sectors.size(), 130);
@@ -71,8 +78,8 @@ TEST_P(ImageRunBits, DecodedTracksEqualTheImage)
         EXPECT_TRUE(run.results[i].ok);
         const QByteArray track = audio.mid(qsizetype{starts[i]} * RAW_SECTOR_BYTES,
                                            qsizetype{starts[i + 1] - starts[i]} * RAW_SECTOR_BYTES);
-        const QByteArray decoded =
-            decodedAudio(out() + QLatin1Char('/') + names[i] + extension, folder.filePath(QStringLiteral("raw")));
+        const QByteArray decoded = decodedAudio(out() + QLatin1Char('/') + names[i] + extension,
+                                                folder.filePath(QStringLiteral("raw")));
         ASSERT_EQ(decoded.size(), track.size());
         EXPECT_TRUE(decoded == moved(track, GetParam().offset)) << names[i].toStdString();
     }
@@ -80,16 +87,19 @@ TEST_P(ImageRunBits, DecodedTracksEqualTheImage)
 
 INSTANTIATE_TEST_SUITE_P(Offsets, ImageRunBits,
                          ::testing::Values(Case{OutputFlac, 0}, Case{OutputFlac, 6}, Case{OutputFlac, -6},
-                                           Case{OutputFlac, 30}, Case{OutputFlac, -30}, Case{OutputFlac, 50000},
-                                           Case{OutputFlac, -90000}, Case{OutputWav, 0}, Case{OutputWav, 6},
-                                           Case{OutputWav, -6}, Case{OutputWav, 30}, Case{OutputWav, -30},
-                                           Case{OutputWav, 50000}, Case{OutputWav, 90000}));
+                                           Case{OutputFlac, 30}, Case{OutputFlac, -30},
+                                           Case{OutputFlac, 50000}, Case{OutputFlac, -90000},
+                                           Case{OutputWav, 0}, Case{OutputWav, 6}, Case{OutputWav, -6},
+                                           Case{OutputWav, 30}, Case{OutputWav, -30}, Case{OutputWav, 50000},
+                                           Case{OutputWav, 90000}));
 
 TEST_F(ImageRun, AMp3DecodesInFull)
 {
     run.rip(threeTracks(makeAudio(130, 8)), OutputMp3, out());
     const QString raw = folder.filePath(QStringLiteral("raw.wav"));
-    ASSERT_TRUE(runTool(QStringLiteral("lame"), {QStringLiteral("--decode"), QStringLiteral("--quiet"), file("03. Three.mp3"), raw}).ok());
+    ASSERT_TRUE(runTool(QStringLiteral("lame"),
+                        {QStringLiteral("--decode"), QStringLiteral("--quiet"), file("03. Three.mp3"), raw})
+                    .ok());
     constexpr qsizetype wavHeader = 44;
     EXPECT_EQ(contentOf(raw).size() - wavHeader, 30 * RAW_SECTOR_BYTES) << "encoder delay and padding cut";
 }
@@ -137,7 +147,9 @@ TEST_F(ImageRun, ALastTrackBehindTheFileIsSilenceOfFullLength)
 TEST_F(ImageRun, TracksWithoutSectorsYieldNoFile)
 {
     ImageDescription image;
-    image.tracks = {{0, QStringLiteral("One")}, {0, QStringLiteral("Two")}, {5, QStringLiteral("Three")},
+    image.tracks = {{0, QStringLiteral("One")},
+                    {0, QStringLiteral("Two")},
+                    {5, QStringLiteral("Three")},
                     {2, QStringLiteral("Four")}};
     run.rip(writeImage(folder.path(), image, makeAudio(10, 4)), OutputWav, out());
     ASSERT_EQ(run.results.size(), 4);
@@ -145,7 +157,8 @@ TEST_F(ImageRun, TracksWithoutSectorsYieldNoFile)
         EXPECT_FALSE(run.results[empty].ok);
         EXPECT_EQ(run.results[empty].errorSectors, noSamplesRead);
     }
-    EXPECT_EQ(QDir(out()).entryList(QDir::Files), (QStringList{QStringLiteral("02. Two.wav"), QStringLiteral("04. Four.wav")}));
+    EXPECT_EQ(QDir(out()).entryList(QDir::Files),
+              (QStringList{QStringLiteral("02. Two.wav"), QStringLiteral("04. Four.wav")}));
 }
 
 TEST_F(ImageRun, CoverBesideTheImageIsCopiedAndEmbedded)
@@ -157,7 +170,9 @@ TEST_F(ImageRun, CoverBesideTheImageIsCopiedAndEmbedded)
     run.rip(cue, OutputFlac, out());
     EXPECT_EQ(run.started[0], QStringLiteral("0/3 Cover art: not found")) << "said also when one was found";
     EXPECT_EQ(contentOf(file("cover.jpg")), contentOf(folder.filePath(QStringLiteral("cover.jpg"))));
-    const ToolResult listing = runTool(QStringLiteral("metaflac"), {QStringLiteral("--list"), QStringLiteral("--block-type=PICTURE"), file("01. One.flac")});
+    const ToolResult listing =
+        runTool(QStringLiteral("metaflac"),
+                {QStringLiteral("--list"), QStringLiteral("--block-type=PICTURE"), file("01. One.flac")});
     EXPECT_TRUE(listing.output.contains("MIME type: image/jpeg")) << listing.output.toStdString();
 }
 
@@ -198,7 +213,8 @@ TEST_F(ImageRun, ARipIntoTheImagesOwnFolderKeepsItsCover)
 TEST_F(ImageRun, TagsReachTheFile)
 {
     run.rip(threeTracks(makeAudio(130, 3)), OutputFlac, out());
-    const ToolResult tags = runTool(QStringLiteral("metaflac"), {QStringLiteral("--export-tags-to=-"), file("02. Track 2.flac")});
+    const ToolResult tags =
+        runTool(QStringLiteral("metaflac"), {QStringLiteral("--export-tags-to=-"), file("02. Track 2.flac")});
     ASSERT_TRUE(tags.ok());
     const QList<QByteArray> lines = tags.output.trimmed().split('\n');
     for (const char* expected : {"TITLE=Track 2", "ARTIST=Test Artist", "ALBUM=Test Album", "DATE=1998",

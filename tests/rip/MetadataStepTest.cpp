@@ -64,18 +64,18 @@ protected:
         DiscToc disc = run.drive.readToc();
         for (qsizetype i = 0; i < typed.titles.size(); ++i)
             disc.tracks[i].title = typed.titles[i];
-        const auto connection = QObject::connect(
-            &run.worker, &RipWorker::metadataReady,
-            [&](const QString& artist, const QString& album, const QString& year, const QPixmap& cover,
-                const QList<TrackInfo>& tracks) {
-                EXPECT_FALSE(announced) << "announced twice";
-                announced = Announced{artist, album, year, cover, {}, {}};
-                for (const TrackInfo& track : tracks)
-                    announced->titles << track.title;
-                announced->lines = log.debugLines().filter(QStringLiteral("[RipWorker]"));
-            });
-        run.worker.configure(&run.drive, disc, folder.path(), typed.artist, typed.album, typed.year, typed.cover,
-                             typed.discogsToken, 1, 1, 300, format, QString(), 20);
+        const auto connection =
+            QObject::connect(&run.worker, &RipWorker::metadataReady,
+                             [&](const QString& artist, const QString& album, const QString& year,
+                                 const QPixmap& cover, const QList<TrackInfo>& tracks) {
+                                 EXPECT_FALSE(announced) << "announced twice";
+                                 announced = Announced{artist, album, year, cover, {}, {}};
+                                 for (const TrackInfo& track : tracks)
+                                     announced->titles << track.title;
+                                 announced->lines = log.debugLines().filter(QStringLiteral("[RipWorker]"));
+                             });
+        run.worker.configure(&run.drive, disc, folder.path(), typed.artist, typed.album, typed.year,
+                             typed.cover, typed.discogsToken, 1, 1, 300, format, QString(), 20);
         run.worker.run();
         QObject::disconnect(connection);
         return announced;
@@ -131,7 +131,8 @@ protected:
 
 TEST_F(MetadataStep, AReleaseFillsAllThatIsEmptyWithItsFrontPicture)
 {
-    const ServedRelease release = releaseOf({QStringLiteral("夜"), QStringLiteral("Rain"), QStringLiteral("Sea")});
+    const ServedRelease release =
+        releaseOf({QStringLiteral("夜"), QStringLiteral("Rain"), QStringLiteral("Sea")});
     answerRelease(release);
     const QByteArray front = "/release/" + release.id.toUtf8() + "/front-500";
     services.on(hosts::coverArtArchive, front, image(picture(50, 40)));
@@ -139,7 +140,8 @@ TEST_F(MetadataStep, AReleaseFillsAllThatIsEmptyWithItsFrontPicture)
     EXPECT_EQ(announced->artist, QStringLiteral("Marsh Choir"));
     EXPECT_EQ(announced->album, QStringLiteral("Still Water"));
     EXPECT_EQ(announced->year, QStringLiteral("1998"));
-    EXPECT_EQ(announced->titles, (QStringList{QStringLiteral("夜"), QStringLiteral("Rain"), QStringLiteral("Sea")}));
+    EXPECT_EQ(announced->titles,
+              (QStringList{QStringLiteral("夜"), QStringLiteral("Rain"), QStringLiteral("Sea")}));
     EXPECT_EQ(announced->cover.size(), QSize(50, 40));
     EXPECT_EQ(announced->lines, QStringList{okLine});
     EXPECT_EQ(run.started, (QStringList{QStringLiteral("0/3 Fetching metadata..."), QStringLiteral("1/3 夜"),
@@ -153,7 +155,8 @@ TEST_F(MetadataStep, AReleaseFillsAllThatIsEmptyWithItsFrontPicture)
 
 TEST_F(MetadataStep, WhatItFoundReachesTheFiles)
 {
-    const ServedRelease release = releaseOf({QStringLiteral("Fog"), QStringLiteral("Rain"), QStringLiteral("Sea")});
+    const ServedRelease release =
+        releaseOf({QStringLiteral("Fog"), QStringLiteral("Rain"), QStringLiteral("Sea")});
     answerRelease(release);
     services.on(hosts::coverArtArchive, "/release/", image(picture(50, 40)));
     ASSERT_TRUE(step({}, OutputFlac));
@@ -172,12 +175,17 @@ TEST_F(MetadataStep, WhatTheUserTypedWins)
     services.on(hosts::coverArtArchive, "/", image(picture(50, 40)));
     QPixmap own(7, 5);
     own.fill(Qt::red);
-    ASSERT_TRUE(step({QStringLiteral("Me"), QStringLiteral("My own"), QStringLiteral("2001"),
-                      {QString(), QStringLiteral("Typed"), QString()}, own, QString()}));
+    ASSERT_TRUE(step({QStringLiteral("Me"),
+                      QStringLiteral("My own"),
+                      QStringLiteral("2001"),
+                      {QString(), QStringLiteral("Typed"), QString()},
+                      own,
+                      QString()}));
     EXPECT_EQ(announced->artist, QStringLiteral("Me"));
     EXPECT_EQ(announced->album, QStringLiteral("My own"));
     EXPECT_EQ(announced->year, QStringLiteral("2001"));
-    EXPECT_EQ(announced->titles, (QStringList{QStringLiteral("A"), QStringLiteral("Typed"), QStringLiteral("C")}));
+    EXPECT_EQ(announced->titles,
+              (QStringList{QStringLiteral("A"), QStringLiteral("Typed"), QStringLiteral("C")}));
     EXPECT_EQ(announced->cover.size(), QSize(7, 5));
     EXPECT_EQ(asked().size(), 1) << "the disc alone, and no picture";
 }
@@ -209,9 +217,11 @@ TEST_F(MetadataStep, TracksBeyondTheResultKeepTheirEmptyTitlesAndGetNumbersInThe
 
 TEST_F(MetadataStep, TitlesBeyondTheDiscAreLeftAlone)
 {
-    answerRelease(releaseOf({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("D")}));
+    answerRelease(
+        releaseOf({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("D")}));
     ASSERT_TRUE(step({}));
-    EXPECT_EQ(announced->titles, (QStringList{QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}));
+    EXPECT_EQ(announced->titles,
+              (QStringList{QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}));
 }
 
 TEST_F(MetadataStep, GnuDbServesAnAlbumThatIsStillUnknown)
@@ -223,7 +233,8 @@ TEST_F(MetadataStep, GnuDbServesAnAlbumThatIsStillUnknown)
     EXPECT_EQ(announced->year, QStringLiteral("2001"));
     EXPECT_EQ(announced->titles,
               (QStringList{QStringLiteral("One"), QStringLiteral("Two"), QStringLiteral("Three")}));
-    EXPECT_EQ(announced->lines, (QStringList{gnudbLine, QStringLiteral("[RipWorker] GnuDB OK: Low Tide"), coverLine}));
+    EXPECT_EQ(announced->lines,
+              (QStringList{gnudbLine, QStringLiteral("[RipWorker] GnuDB OK: Low Tide"), coverLine}));
 }
 
 TEST_F(MetadataStep, GnuDbIsNotAskedForAnAlbumThatHasAName)
@@ -244,7 +255,8 @@ TEST_F(MetadataStep, ACoverIsSoughtByNameWhenTheReleaseHasNone)
     ASSERT_TRUE(step({}));
     EXPECT_EQ(announced->cover.size(), QSize(20, 10));
     EXPECT_EQ(announced->lines, (QStringList{okLine, coverLine}));
-    EXPECT_EQ(services.targets(hosts::coverArtArchive).size(), 2) << "by the release's id, then by the found one";
+    EXPECT_EQ(services.targets(hosts::coverArtArchive).size(), 2)
+        << "by the release's id, then by the found one";
 }
 
 TEST_F(MetadataStep, AnUnreadablePictureIsNone)
@@ -305,8 +317,9 @@ TEST_F(MetadataStep, ServicesInTroubleAreMisses)
     ServedAnswer half = json("{\"releases\": [");
     half.claimedLength = 4000;
     half.breakAfter = half.body.size();
-    for (const ServedAnswer& trouble : {errorPage(503), hangsUp, half, page("<html>maintenance</html>"),
-                                        page(QByteArray()), json(musicbrainz::error(QStringLiteral("Not Found")))}) {
+    for (const ServedAnswer& trouble :
+         {errorPage(503), hangsUp, half, page("<html>maintenance</html>"), page(QByteArray()),
+          json(musicbrainz::error(QStringLiteral("Not Found")))}) {
         for (const char* host : {hosts::musicBrainz, hosts::gnuDb, hosts::coverArtArchive, hosts::iTunes})
             services.on(host, "/", trouble);
         run.results.clear();
@@ -358,7 +371,8 @@ TEST_F(MetadataStep, AnImageIsNotLookedUp)
     QObject::connect(&run.worker, &RipWorker::metadataReady, [] { ADD_FAILURE() << "no step in this run"; });
     ImageDescription image;
     image.tracks = {{0, QString()}};
-    run.rip(writeImage(folder.path(), image, makeAudio(20, 1)), OutputWav, folder.filePath(QStringLiteral("out")));
+    run.rip(writeImage(folder.path(), image, makeAudio(20, 1)), OutputWav,
+            folder.filePath(QStringLiteral("out")));
     EXPECT_EQ(run.results.size(), 1);
     EXPECT_TRUE(run.started.filter(QStringLiteral("Fetching metadata...")).isEmpty());
     EXPECT_TRUE(asked().isEmpty());
@@ -369,8 +383,8 @@ TEST_F(MetadataStep, AnAudioFileIsNotLookedUp)
     answerRelease(releaseOf({QStringLiteral("Elsewhere")}));
     QObject::connect(&run.worker, &RipWorker::metadataReady, [] { ADD_FAILURE() << "no step in this run"; });
     const QString file = writeFile(folder.path(), QStringLiteral("song.wav"), wrapInWave(makeAudio(20, 1)));
-    run.worker.configure(nullptr, DiscToc(), folder.filePath(QStringLiteral("out")), QString(), QString(), QString(),
-                         QPixmap(), QString(), 1, 1, 300, OutputWav, file, 20);
+    run.worker.configure(nullptr, DiscToc(), folder.filePath(QStringLiteral("out")), QString(), QString(),
+                         QString(), QPixmap(), QString(), 1, 1, 300, OutputWav, file, 20);
     run.worker.run();
     EXPECT_EQ(run.finishedCount, 1);
     EXPECT_TRUE(run.started.filter(QStringLiteral("Fetching metadata...")).isEmpty());

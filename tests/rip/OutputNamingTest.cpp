@@ -1,6 +1,6 @@
+#include "rip/OutputNaming.h"
 #include "base/Language.h"
 #include "base/Settings.h"
-#include "rip/OutputNaming.h"
 #include "rip/RipWorker.h"
 
 #include <QDir>
@@ -14,12 +14,14 @@
 namespace {
 
 /// The file name that a rule gives, without its folder.
-QString named(const char* rule, int number, const QString& title, const QString& artist = QStringLiteral("Artist"),
-              const QString& album = QStringLiteral("Album"), const QString& year = QStringLiteral("2001-05-12"))
+QString named(const char* rule, int number, const QString& title,
+              const QString& artist = QStringLiteral("Artist"),
+              const QString& album = QStringLiteral("Album"),
+              const QString& year = QStringLiteral("2001-05-12"))
 {
     RipWorker worker;
-    worker.configure(nullptr, DiscToc(), QStringLiteral("/out"), artist, album, year, QPixmap(), QString(), 1, 1, 300,
-                     OutputFlac, QString(), 20);
+    worker.configure(nullptr, DiscToc(), QStringLiteral("/out"), artist, album, year, QPixmap(), QString(), 1,
+                     1, 300, OutputFlac, QString(), 20);
     worker.setNamingRule(QString::fromUtf8(rule));
     const QString path = worker.outputBasePath(number, title);
     EXPECT_TRUE(path.startsWith(QStringLiteral("/out/")));
@@ -43,8 +45,10 @@ TEST(OutputNaming, TheTrackAloneGivesItsNumber)
 TEST(OutputNaming, ForbiddenCharactersAreRemoved)
 {
     EXPECT_EQ(named("{track}. {title}", 7, QStringLiteral("What?")), QStringLiteral("07. What"));
-    EXPECT_EQ(named("{track}. {title}", 7, QStringLiteral("a\\b/c:d*e?f\"g<h>i|j")), QStringLiteral("07. abcdefghij"));
-    EXPECT_EQ(named("{artist}/{title}", 7, QStringLiteral("Song")), QStringLiteral("ArtistSong")) << "no subfolders";
+    EXPECT_EQ(named("{track}. {title}", 7, QStringLiteral("a\\b/c:d*e?f\"g<h>i|j")),
+              QStringLiteral("07. abcdefghij"));
+    EXPECT_EQ(named("{artist}/{title}", 7, QStringLiteral("Song")), QStringLiteral("ArtistSong"))
+        << "no subfolders";
 }
 
 TEST(OutputNaming, ATitleOfDotsLeavesTheNumber)
@@ -65,7 +69,8 @@ TEST(OutputNaming, TheYearIsCutToFourCharacters)
 TEST(OutputNaming, ATokenInsideATitleIsReplacedByTheLaterSteps)
 {
     EXPECT_EQ(named("{title}", 1, QStringLiteral("x{album}")), QStringLiteral("xAlbum"));
-    EXPECT_EQ(named("{title}", 1, QStringLiteral("x{track}")), QStringLiteral("x{track}")) << "already replaced";
+    EXPECT_EQ(named("{title}", 1, QStringLiteral("x{track}")), QStringLiteral("x{track}"))
+        << "already replaced";
 }
 
 TEST(OutputNaming, EmptyValuesLeaveTheirSeparators)
@@ -98,11 +103,13 @@ TEST(UniqueFolder, TheSuffixFollowsTheLanguage)
     loadLanguage();
     QTemporaryDir folder;
     RipWorker::uniqueFolder(folder.path(), QStringLiteral("x"));
-    EXPECT_EQ(RipWorker::uniqueFolder(folder.path(), QStringLiteral("x")), folder.path() + QStringLiteral("/x - コピー"));
+    EXPECT_EQ(RipWorker::uniqueFolder(folder.path(), QStringLiteral("x")),
+              folder.path() + QStringLiteral("/x - コピー"));
 }
 
 TEST(UniqueFolder, AnEmptyNameGivesAPathThatEndsInASlash)
 {
     QTemporaryDir folder;
-    EXPECT_EQ(RipWorker::uniqueFolder(folder.path() + QStringLiteral("/new"), QString()), folder.path() + QStringLiteral("/new/"));
+    EXPECT_EQ(RipWorker::uniqueFolder(folder.path() + QStringLiteral("/new"), QString()),
+              folder.path() + QStringLiteral("/new/"));
 }

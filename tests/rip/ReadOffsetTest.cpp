@@ -9,7 +9,8 @@ namespace {
 
 /// Frames of the disc from one on, silence outside the audio area: what a track
 /// must hold at an offset.
-QByteArray discFrames(const QByteArray& audio, qint64 firstFrame, qint64 frames, quint32 firstAudio, quint32 lastAudio)
+QByteArray discFrames(const QByteArray& audio, qint64 firstFrame, qint64 frames, quint32 firstAudio,
+                      quint32 lastAudio)
 {
     constexpr qint64 frameBytes = 4;
     QByteArray expected(frames * frameBytes, '\0');
@@ -25,10 +26,10 @@ class ReadOffset : public ::testing::TestWithParam<int> {
 protected:
     void expectTrack(int number, quint32 firstLba, quint32 count, quint32 firstAudio, quint32 lastAudio)
     {
-        const QByteArray track =
-            audioOfWave(folder.filePath(QStringLiteral("%1. Track %2.wav").arg(number, 2, 10, QLatin1Char('0')).arg(number)));
-        const QByteArray expected = discFrames(disc.audio, qint64{firstLba} * 588 + GetParam(), qint64{count} * 588,
-                                               firstAudio, lastAudio);
+        const QByteArray track = audioOfWave(folder.filePath(
+            QStringLiteral("%1. Track %2.wav").arg(number, 2, 10, QLatin1Char('0')).arg(number)));
+        const QByteArray expected = discFrames(disc.audio, qint64{firstLba} * 588 + GetParam(),
+                                               qint64{count} * 588, firstAudio, lastAudio);
         ASSERT_EQ(track.size(), expected.size());
         EXPECT_TRUE(track == expected) << "track " << number;
     }
@@ -74,7 +75,8 @@ TEST_P(ReadOffset, NothingIsBorrowedFromBehindTheLastAudioTrack)
 }
 
 INSTANTIATE_TEST_SUITE_P(Offsets, ReadOffset,
-                         ::testing::Values(0, 6, -6, 30, -30, 587, 588, -588, 589, 667, -667, 1176, 70000, -70000));
+                         ::testing::Values(0, 6, -6, 30, -30, 587, 588, -588, 589, 667, -667, 1176, 70000,
+                                           -70000));
 
 TEST(ApplyReadOffset, WithoutADriveNothingMoves)
 {
@@ -92,8 +94,8 @@ TEST(ApplyReadOffset, ANeighbourThatCannotBeReadIsSilence)
     ASSERT_TRUE(drive.open(disc.letter));
     drive.setReadOffset(-2);
     RipWorker worker;
-    worker.configure(&drive, drive.readToc(), QString(), QString(), QString(), QString(), QPixmap(), QString(), 1, 1,
-                     300, OutputWav, QString(), 20);
+    worker.configure(&drive, drive.readToc(), QString(), QString(), QString(), QString(), QPixmap(),
+                     QString(), 1, 1, 300, OutputWav, QString(), 20);
     disc.failReads(9, 1);
     QList<int> samples{1, 2, 3, 4, 5, 6};
     worker.applyReadOffset(samples, 10, 10);

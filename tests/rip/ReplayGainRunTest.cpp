@@ -77,7 +77,8 @@ protected:
     static double decibels(const QString& text)
     {
         EXPECT_TRUE(text.endsWith(QStringLiteral(" dB"))) << text.toStdString();
-        EXPECT_TRUE(text.startsWith(QLatin1Char('+')) || text.startsWith(QLatin1Char('-'))) << text.toStdString();
+        EXPECT_TRUE(text.startsWith(QLatin1Char('+')) || text.startsWith(QLatin1Char('-')))
+            << text.toStdString();
         return text.chopped(3).toDouble();
     }
 
@@ -122,10 +123,11 @@ TEST_F(ReplayGainRun, ADiscIsOneAlbum)
 
 TEST_F(ReplayGainRun, AnAudioFileGetsNoAlbumValues)
 {
-    const QString source = writeFile(folder.path(), QStringLiteral("Song.wav"), wrapInWave(tone(0.25, trackSectors)));
+    const QString source =
+        writeFile(folder.path(), QStringLiteral("Song.wav"), wrapInWave(tone(0.25, trackSectors)));
     RunRecorder run;
-    run.worker.configure(nullptr, DiscToc(), out(), QString(), QString(), QString(), QPixmap(), QString(), 1, 1, 300,
-                         OutputFlac, source, 20);
+    run.worker.configure(nullptr, DiscToc(), out(), QString(), QString(), QString(), QPixmap(), QString(), 1,
+                         1, 300, OutputFlac, source, 20);
     run.worker.run();
     const QString made = out(QFileInfo(folder.path()).fileName() + QStringLiteral("/01. Song.flac"));
     EXPECT_NEAR(decibels(tag(made, "REPLAYGAIN_TRACK_GAIN")), measuredGain(made), 0.15);
@@ -150,8 +152,10 @@ TEST_F(ReplayGainRun, SilenceGetsTheGainOfTheLowestLoudness)
     description.tracks = {{0, QStringLiteral("Nothing")}};
     RunRecorder run;
     run.rip(writeImage(folder.path(), description, QByteArray(trackSectors * 2352, '\0')), OutputFlac, out());
-    EXPECT_EQ(tag(out(QStringLiteral("01. Nothing.flac")), "REPLAYGAIN_TRACK_GAIN"), QStringLiteral("+52.00 dB"));
-    EXPECT_EQ(tag(out(QStringLiteral("01. Nothing.flac")), "REPLAYGAIN_TRACK_PEAK"), QStringLiteral("0.000000"));
+    EXPECT_EQ(tag(out(QStringLiteral("01. Nothing.flac")), "REPLAYGAIN_TRACK_GAIN"),
+              QStringLiteral("+52.00 dB"));
+    EXPECT_EQ(tag(out(QStringLiteral("01. Nothing.flac")), "REPLAYGAIN_TRACK_PEAK"),
+              QStringLiteral("0.000000"));
 }
 
 TEST_F(ReplayGainRun, WithoutTheSwitchThereAreNoGainTags)

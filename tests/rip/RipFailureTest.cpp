@@ -80,8 +80,8 @@ TEST_P(RipFailure, ATrackPathThatIsAFolderFailsAndKeepsTheFolder)
 {
     const QString cue = image(QStringLiteral("One"));
     const char* extensions[] = {".flac", ".wav", ".mp3", ".m4a", ".m4a"};
-    const QString taken =
-        out() + QStringLiteral("/01. One") + QLatin1String(extensions[GetParam()]) + QStringLiteral("/inside");
+    const QString taken = out() + QStringLiteral("/01. One") + QLatin1String(extensions[GetParam()])
+                          + QStringLiteral("/inside");
     ASSERT_TRUE(QDir().mkpath(taken));
     run.rip(cue, GetParam(), out());
     expectOneFailedTrack();
@@ -90,11 +90,10 @@ TEST_P(RipFailure, ATrackPathThatIsAFolderFailsAndKeepsTheFolder)
 
 TEST_P(RipFailure, TitlesOfAnyKindGiveAFile)
 {
-    const QString titles[] = {QStringLiteral("a/b\\c"),       QStringLiteral("..."),
-                              QStringLiteral("???"),          QString(300, u'x'),
-                              QString(300, QChar(u'漢')),     QStringLiteral("👩‍🎤 🎸"),
-                              QStringLiteral("שלום עולם"),    QStringLiteral("tab\there\x01"),
-                              QStringLiteral("zero\0byte")};
+    const QString titles[] = {
+        QStringLiteral("a/b\\c"),    QStringLiteral("..."),           QStringLiteral("???"),
+        QString(300, u'x'),          QString(300, QChar(u'漢')),      QStringLiteral("👩‍🎤 🎸"),
+        QStringLiteral("שלום עולם"), QStringLiteral("tab\there\x01"), QStringLiteral("zero\0byte")};
     for (const QString& title : titles) {
         SCOPED_TRACE(title.toStdString());
         RunRecorder once;
@@ -102,8 +101,8 @@ TEST_P(RipFailure, TitlesOfAnyKindGiveAFile)
         ASSERT_TRUE(once.drive.openCue(image(QStringLiteral("x"), 5)));
         DiscToc disc = once.drive.readToc();
         disc.tracks[0].title = title;
-        once.worker.configure(&once.drive, disc, target.path(), title, title, QString(), QPixmap(), QString(), 1, 1,
-                              300, GetParam(), QString(), 20);
+        once.worker.configure(&once.drive, disc, target.path(), title, title, QString(), QPixmap(), QString(),
+                              1, 1, 300, GetParam(), QString(), 20);
         once.worker.run();
         ASSERT_EQ(once.results.size(), 1);
         EXPECT_TRUE(once.results[0].ok);
@@ -155,6 +154,7 @@ TEST(RipFormat, AnUnknownNumberCountsAsWav)
     ImageDescription description;
     description.tracks = {{0, QStringLiteral("One")}};
     RunRecorder run;
-    run.rip(writeImage(folder.path(), description, makeAudio(5, 2)), static_cast<OutputFormat>(9), folder.path());
+    run.rip(writeImage(folder.path(), description, makeAudio(5, 2)), static_cast<OutputFormat>(9),
+            folder.path());
     EXPECT_TRUE(QFileInfo::exists(folder.filePath(QStringLiteral("01. One.wav"))));
 }

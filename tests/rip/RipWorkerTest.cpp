@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "RunRecorder.h"
-#include "support/SimulatedDrive.h"
 #include "support/Language.h"
+#include "support/SimulatedDrive.h"
 
 #include <QDir>
 #include <QThread>
@@ -24,8 +24,8 @@ TEST(RipWorker, RereadsAreAtLeastOne)
 {
     RipWorker worker;
     for (const auto& [given, stored] : {std::pair{0, 1}, {-5, 1}, {1, 1}, {500, 500}}) {
-        worker.configure(nullptr, DiscToc(), QString(), QString(), QString(), QString(), QPixmap(), QString(), 0, 0,
-                         300, OutputFlac, QString(), given);
+        worker.configure(nullptr, DiscToc(), QString(), QString(), QString(), QString(), QPixmap(), QString(),
+                         0, 0, 300, OutputFlac, QString(), given);
         EXPECT_EQ(worker.maxRereads(), stored);
     }
 }
@@ -38,8 +38,8 @@ TEST(RipWorker, WithoutDriveOrTracksItEndsWithAnErrorAndNothingRaised)
     run.worker.run();
     EXPECT_EQ(run.errors, QStringList{QStringLiteral("No drive or tracks")});
     EXPECT_EQ(run.finishedCount, 1);
-    run.worker.configure(&run.drive, DiscToc(), QString(), QString(), QString(), QString(), QPixmap(), QString(), 0, 0,
-                         300, OutputFlac, QString(), 20);
+    run.worker.configure(&run.drive, DiscToc(), QString(), QString(), QString(), QString(), QPixmap(),
+                         QString(), 0, 0, 300, OutputFlac, QString(), 20);
     run.worker.run();
     EXPECT_EQ(run.errors.size(), 2);
     EXPECT_EQ(run.finishedCount, 2);
@@ -108,7 +108,8 @@ TEST(RipWorker, AnImageRunIsGuardedAndGivesTheDriveBack)
     ImageDescription image;
     image.tracks = {{0, QStringLiteral("One")}};
     RunRecorder run;
-    run.rip(writeImage(folder.path(), image, makeAudio(5, 1)), OutputWav, folder.filePath(QStringLiteral("out/deep")));
+    run.rip(writeImage(folder.path(), image, makeAudio(5, 1)), OutputWav,
+            folder.filePath(QStringLiteral("out/deep")));
     EXPECT_EQ(guard.calls, "begin end ");
     EXPECT_FALSE(run.drive.isBorrowed());
     EXPECT_EQ(run.finishedCount, 1);
@@ -182,11 +183,13 @@ TEST(RipWorker, ARequestToStopEndsTheRunWithoutReportingTheTrack)
         if (sector.lba == 15)
             run.worker.requestStop();
     });
-    run.rip(writeImage(folder.path(), image, makeAudio(30, 1)), OutputWav, folder.filePath(QStringLiteral("out")));
+    run.rip(writeImage(folder.path(), image, makeAudio(30, 1)), OutputWav,
+            folder.filePath(QStringLiteral("out")));
     ASSERT_EQ(run.results.size(), 1);
     EXPECT_TRUE(run.results[0].ok);
     EXPECT_EQ(run.finishedCount, 1);
-    EXPECT_EQ(QDir(folder.filePath(QStringLiteral("out"))).entryList(QDir::Files), QStringList{QStringLiteral("01. One.wav")});
+    EXPECT_EQ(QDir(folder.filePath(QStringLiteral("out"))).entryList(QDir::Files),
+              QStringList{QStringLiteral("01. One.wav")});
     EXPECT_EQ(run.worker.unfinishedFile(), QString());
 }
 
@@ -194,8 +197,8 @@ TEST(RipWorker, AnAudioFileWithoutADecoderIsRefused)
 {
     QTemporaryDir folder;
     RunRecorder run;
-    run.worker.configure(nullptr, DiscToc(), folder.path(), QString(), QString(), QString(), QPixmap(), QString(), 1, 1,
-                         300, OutputFlac, QStringLiteral("/music/a.xyz"), 20);
+    run.worker.configure(nullptr, DiscToc(), folder.path(), QString(), QString(), QString(), QPixmap(),
+                         QString(), 1, 1, 300, OutputFlac, QStringLiteral("/music/a.xyz"), 20);
     run.worker.run();
     ASSERT_EQ(run.errors.size(), 1);
     EXPECT_TRUE(run.errors[0].endsWith(QStringLiteral(": /music/a.xyz")));

@@ -15,14 +15,18 @@ class RunRecorder {
 public:
     RunRecorder()
     {
-        QObject::connect(&worker, &RipWorker::sectorDone, [this](const SectorResult& r) { sectors.append(r); });
-        QObject::connect(&worker, &RipWorker::trackStarted, [this](int number, int total, const QString& title) {
-            started.append(QStringLiteral("%1/%2 %3").arg(number).arg(total).arg(title));
-        });
+        QObject::connect(&worker, &RipWorker::sectorDone,
+                         [this](const SectorResult& r) { sectors.append(r); });
+        QObject::connect(&worker, &RipWorker::trackStarted,
+                         [this](int number, int total, const QString& title) {
+                             started.append(QStringLiteral("%1/%2 %3").arg(number).arg(total).arg(title));
+                         });
         QObject::connect(&worker, &RipWorker::trackDone, [this](const RipResult& r) { results.append(r); });
         QObject::connect(&worker, &RipWorker::error, [this](const QString& text) { errors.append(text); });
-        QObject::connect(&worker, &RipWorker::logLine, [this](const QString& line) { logLines.append(line); });
-        QObject::connect(&worker, &RipWorker::statusText, [this](const QString& text) { statusTexts.append(text); });
+        QObject::connect(&worker, &RipWorker::logLine,
+                         [this](const QString& line) { logLines.append(line); });
+        QObject::connect(&worker, &RipWorker::statusText,
+                         [this](const QString& text) { statusTexts.append(text); });
         QObject::connect(&worker, &RipWorker::finished, [this] { ++finishedCount; });
     }
 
@@ -30,8 +34,9 @@ public:
     void rip(const QString& cue, OutputFormat format, const QString& folder, const QPixmap& cover = {})
     {
         ASSERT_TRUE(drive.openCue(cue));
-        worker.configure(&drive, drive.readToc(), folder, QStringLiteral("Test Artist"), QStringLiteral("Test Album"),
-                         QStringLiteral("1998-03-01"), cover, QString(), 1, 2, 300, format, QString(), 20);
+        worker.configure(&drive, drive.readToc(), folder, QStringLiteral("Test Artist"),
+                         QStringLiteral("Test Album"), QStringLiteral("1998-03-01"), cover, QString(), 1, 2,
+                         300, format, QString(), 20);
         worker.run();
     }
 
@@ -69,8 +74,8 @@ inline QByteArray audioOfWave(const QString& path)
     constexpr qsizetype headerBytes = 44;
     const QByteArray file = contentOf(path);
     return file.size() < headerBytes
-        ? QByteArray()
-        : file.mid(headerBytes, qFromLittleEndian<quint32>(file.constData() + headerBytes - 4));
+               ? QByteArray()
+               : file.mid(headerBytes, qFromLittleEndian<quint32>(file.constData() + headerBytes - 4));
 }
 
 /// Holds a result's checksums against sums over the audio bytes of its file,
@@ -82,7 +87,7 @@ inline void expectChecksums(const RipResult& result, const QByteArray& audio, qs
     quint32 v2 = 0;
     for (qsizetype position = firstPosition; position <= lastPosition; ++position) {
         const quint64 product = quint64{qFromLittleEndian<quint32>(audio.constData() + (position - 1) * 4)}
-            * static_cast<quint64>(position);
+                                * static_cast<quint64>(position);
         v1 += static_cast<quint32>(product);
         v2 += static_cast<quint32>(product) + static_cast<quint32>(product >> 32);
     }

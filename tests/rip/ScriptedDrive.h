@@ -44,8 +44,7 @@ public:
 class ScriptedDevice : public DriveDevice {
 public:
     ScriptedDevice(ScriptedDrive& owner, std::unique_ptr<DriveDevice> cleanDevice)
-        : drive(owner)
-        , clean(std::move(cleanDevice))
+        : drive(owner), clean(std::move(cleanDevice))
     {
     }
 
@@ -65,7 +64,8 @@ public:
         DriveReply reply = clean->passThrough(command, data);
         if (command[0] != 0xBE)
             return reply;
-        const auto lba = static_cast<quint32>(command[2] << 24 | command[3] << 16 | command[4] << 8 | command[5]);
+        const auto lba =
+            static_cast<quint32>(command[2] << 24 | command[3] << 16 | command[4] << 8 | command[5]);
         return answer(reply, lba, command[8], data, RAW_PLUS_C2_BYTES);
     }
 

@@ -97,7 +97,8 @@ TEST_F(ImageTrackReading, UnreadableSectorIsBadAndSilent)
 TEST_F(ImageTrackReading, TracksWithoutLengthGiveNothing)
 {
     TrackInfo track = disc.tracks[0];
-    for (const auto& [start, end] : {std::pair{0U, 0xFFFFFFFFU}, {20U, 19U}, {100U, 49U}, {0U, 0xFFFFFFF0U}}) {
+    for (const auto& [start, end] :
+         {std::pair{0U, 0xFFFFFFFFU}, {20U, 19U}, {100U, 49U}, {0U, 0xFFFFFFF0U}}) {
         track.startLba = start;
         track.endLba = end;
         EXPECT_TRUE(reader.readTrack(drive, track).isEmpty()) << start << ' ' << end;
@@ -107,7 +108,7 @@ TEST_F(ImageTrackReading, TracksWithoutLengthGiveNothing)
 // Given up at its first sector, so that the memory asked for is never touched.
 TEST_F(ImageTrackReading, ATrackMayBeAsLongAsAWaveImageAndNoLonger)
 {
-    constexpr quint32 longest = 4'294'967'295U / 2352; // 6.7 hours
+    constexpr quint32 longest = 4'294'967'295U / 2352;       // 6.7 hours
     constexpr quint32 above2GiB = 2'147'483'648U / 2352 + 1; // 202.9 minutes
     for (const auto& [sectors, expectedCalls] : {std::pair{above2GiB, 1}, {longest, 1}, {longest + 1, 0}}) {
         int calls = 0;

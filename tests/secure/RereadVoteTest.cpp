@@ -7,10 +7,7 @@ namespace {
 /// Gives the reads in turn, the last one for ever.
 class Reads {
 public:
-    explicit Reads(QList<SectorRead> inTurn)
-        : reads(std::move(inTurn))
-    {
-    }
+    explicit Reads(QList<SectorRead> inTurn) : reads(std::move(inTurn)) {}
     SectorRead operator()() { return reads.size() > 1 ? reads.takeFirst() : reads.constFirst(); }
 
 private:

@@ -33,7 +33,8 @@ TEST(ShiftWithSilence, OddOffsetSwapsTheChannels)
 TEST(ShiftWithSilence, OffsetAsLongAsTheTrackOrLongerIsIgnored)
 {
     const QList<qint16> unchanged{1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
-    for (const int offset : {0, 10, -10, 11, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()})
+    for (const int offset :
+         {0, 10, -10, 11, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()})
         EXPECT_EQ(shifted(offset), unchanged) << offset;
     EXPECT_EQ(shifted(9), (QList<qint16>{10, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }

@@ -13,8 +13,7 @@ constexpr int pollMilliseconds = 5;
 
 } // namespace
 
-DialogWatcher::DialogWatcher(std::function<void(QDialog*)> onDialog)
-    : timer(std::make_unique<QTimer>())
+DialogWatcher::DialogWatcher(std::function<void(QDialog*)> onDialog) : timer(std::make_unique<QTimer>())
 {
     QWidget* open = QApplication::activeModalWidget();
     QObject::connect(timer.get(), &QTimer::timeout, [this, open, onDialog] {

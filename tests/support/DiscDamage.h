@@ -19,12 +19,12 @@ struct SectorFault {
     quint32 first = 0;
     quint32 last = 0; ///< inclusive
     Kind kind = Wrong;
-    double probability = 1;   ///< of striking in one read
-    int wrongBytes = 40;      ///< in a read that goes wrong; these exactly
-    int variants = 0;         ///< how many different wrong answers there are; 0: each read has its own
-    bool silent = false;      ///< C2 says nothing of it
-    quint32 staleWithin = 0;  ///< the answer comes again until the head has been this far away
-    qint64 nanoseconds = 0;   ///< that the drive's own retries take in each read
+    double probability = 1;  ///< of striking in one read
+    int wrongBytes = 40;     ///< in a read that goes wrong; these exactly
+    int variants = 0;        ///< how many different wrong answers there are; 0: each read has its own
+    bool silent = false;     ///< C2 says nothing of it
+    quint32 staleWithin = 0; ///< the answer comes again until the head has been this far away
+    qint64 nanoseconds = 0;  ///< that the drive's own retries take in each read
 
     bool covers(quint32 lba) const { return lba >= first && lba <= last; }
 
@@ -62,7 +62,7 @@ struct WrongPattern {
     /// Spoils exactly `wrongBytes` bytes.
     void spoil(std::span<quint8> sector) const;
     /// Calls back with the place of each spoilt byte.
-    template <typename Callback>
+    template<typename Callback>
     void forEachPlace(const Callback& place) const;
 };
 
@@ -71,7 +71,7 @@ WrongPattern patternOfReading(const SectorFault& fault, quint64 seed, quint32 lb
 
 inline constexpr quint64 patternSectorBytes = 2352;
 
-template <typename Callback>
+template<typename Callback>
 void WrongPattern::forEachPlace(const Callback& place) const
 {
     constexpr quint64 stride = 5; // no factor of the sector's size: places repeat after a whole round

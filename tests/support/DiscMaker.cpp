@@ -78,6 +78,7 @@ QByteArray wrapInWave(const QByteArray& audio, const QByteArray& chunksBefore)
     QByteArray format("fmt ");
     format += little32(16);
     format += QByteArray::fromHex("0100020044ac000010b1020004001000");
-    const QByteArray body = "WAVE" + format + chunksBefore + "data" + little32(static_cast<quint32>(audio.size())) + audio;
+    const QByteArray body =
+        "WAVE" + format + chunksBefore + "data" + little32(static_cast<quint32>(audio.size())) + audio;
     return "RIFF" + little32(static_cast<quint32>(body.size())) + body;
 }

@@ -12,7 +12,8 @@ DriveProbe::Answer DriveProbe::read(quint32 lba, quint32 count, bool guarded)
     Answer answer;
     answer.audio = QByteArray(qsizetype{count} * RAW_SECTOR_BYTES, '\0');
     const DriveReply reply = device->readRaw(
-        lba, count, {reinterpret_cast<quint8*>(answer.audio.data()), static_cast<size_t>(answer.audio.size())}, guarded);
+        lba, count,
+        {reinterpret_cast<quint8*>(answer.audio.data()), static_cast<size_t>(answer.audio.size())}, guarded);
     answer.ok = reply.ok;
     answer.error = reply.errorNumber;
     return answer;
@@ -25,8 +26,8 @@ DriveProbe::Answer DriveProbe::readWithC2(quint32 lba, quint32 count)
     command[8] = static_cast<quint8>(count);
     command[9] = 0x12;
     QByteArray raw(qsizetype{count} * RAW_PLUS_C2_BYTES, '\0');
-    const DriveReply reply =
-        device->passThrough(command, {reinterpret_cast<quint8*>(raw.data()), static_cast<size_t>(raw.size())});
+    const DriveReply reply = device->passThrough(
+        command, {reinterpret_cast<quint8*>(raw.data()), static_cast<size_t>(raw.size())});
     Answer answer{reply.ok, reply.errorNumber, {}, {}};
     for (qsizetype start = 0; start < raw.size(); start += RAW_PLUS_C2_BYTES) {
         answer.audio += raw.mid(start, RAW_SECTOR_BYTES);

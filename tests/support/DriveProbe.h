@@ -15,10 +15,7 @@ struct DriveProbe {
         QByteArray pointers; ///< C2 blocks
     };
 
-    explicit DriveProbe(SimulatedDrive& drive)
-        : device(drive.open(drive.letter))
-    {
-    }
+    explicit DriveProbe(SimulatedDrive& drive) : device(drive.open(drive.letter)) {}
 
     Answer read(quint32 lba, quint32 count = 1, bool guarded = true);
     Answer readWithC2(quint32 lba, quint32 count = 1);

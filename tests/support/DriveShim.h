@@ -32,7 +32,9 @@ public:
 private:
     class Device : public DriveDevice {
     public:
-        Device(DriveShim& owner, std::unique_ptr<DriveDevice> below) : shim(owner), device(std::move(below)) {}
+        Device(DriveShim& owner, std::unique_ptr<DriveDevice> below) : shim(owner), device(std::move(below))
+        {
+        }
 
         DriveReply checkVerify() override
         {

@@ -100,8 +100,7 @@ SgIoFault& SgIoFault::whileSo(std::function<bool()> condition)
 }
 
 SgIoStandIn::SgIoStandIn(QByteArray devicePath, DriveDevice& drive)
-    : path(std::move(devicePath))
-    , device(drive)
+    : path(std::move(devicePath)), device(drive)
 {
     active = this;
 }
@@ -228,11 +227,20 @@ void SgIoStandIn::answer(sg_io_hdr& header)
     header.duration = 1;
     bool known = false;
     switch (header.cmdp[0]) {
-    case 0x00: known = testUnitReady(header); break;
-    case 0x12: known = inquiry(header); break;
-    case 0x43: known = readToc(header); break;
-    case 0xBE: known = readCd(header); break;
-    default: break;
+    case 0x00:
+        known = testUnitReady(header);
+        break;
+    case 0x12:
+        known = inquiry(header);
+        break;
+    case 0x43:
+        known = readToc(header);
+        break;
+    case 0xBE:
+        known = readCd(header);
+        break;
+    default:
+        break;
     }
     if (!known)
         refuse(header, 5, 0x20, 0x00); // illegal request: no such command

@@ -14,19 +14,19 @@ struct sg_io_hdr;
 /// What goes wrong with a command. The data of the answer is filled in all the
 /// same, as good as ever, so that a sign that is overlooked shows as good data.
 struct SgIoFault {
-    int requestError = 0;     ///< errno of the request itself, which then does nothing
-    int status = 0;           ///< SCSI status
+    int requestError = 0; ///< errno of the request itself, which then does nothing
+    int status = 0;       ///< SCSI status
     int host = 0;
     int driver = 0;
     QByteArray sense;
-    std::optional<int> residue; ///< bytes reported as missing
-    unsigned duration = 1;      ///< milliseconds that the command is reported to have taken
+    std::optional<int> residue;   ///< bytes reported as missing
+    unsigned duration = 1;        ///< milliseconds that the command is reported to have taken
     bool lastsToTheLimit = false; ///< it took as long as the kernel let it
 
-    int after = 0;                 ///< matching commands that pass first
-    int times = 1;                 ///< commands that it strikes; negative: all from then on
-    std::optional<quint8> opcode;  ///< strikes these commands alone
-    std::function<bool()> holds;   ///< strikes while this is so, where it is set
+    int after = 0;                ///< matching commands that pass first
+    int times = 1;                ///< commands that it strikes; negative: all from then on
+    std::optional<quint8> opcode; ///< strikes these commands alone
+    std::function<bool()> holds;  ///< strikes while this is so, where it is set
 
     /// A check condition with sense data in the fixed format.
     static SgIoFault checkCondition(int key, int code, int qualifier);
@@ -73,18 +73,18 @@ public:
     SgIoStandIn(const SgIoStandIn&) = delete;
     SgIoStandIn& operator=(const SgIoStandIn&) = delete;
 
-    QByteArray genericPath;     ///< empty: there is no generic node
-    size_t transferLimit = 0;   ///< bytes of a request that the kernel takes at most; 0: any number
-    int openError = 0;          ///< errno of every open of the block node
+    QByteArray genericPath;   ///< empty: there is no generic node
+    size_t transferLimit = 0; ///< bytes of a request that the kernel takes at most; 0: any number
+    int openError = 0;        ///< errno of every open of the block node
     int openForWritingError = 0;
-    int openGenericError = 0;   ///< errno of every open of the generic node
-    int inquiryBytes = 36;      ///< that the drive sends at most
+    int openGenericError = 0;      ///< errno of every open of the generic node
+    int inquiryBytes = 36;         ///< that the drive sends at most
     bool announceWholeToc = false; ///< sends 804 bytes rather than what is in use
     QList<SgIoFault> faults;
 
-    QList<Opening> opens;       ///< in order
-    QList<Request> requests;    ///< in order
-    int otherRequests = 0;      ///< requests that are not SG_IO
+    QList<Opening> opens;    ///< in order
+    QList<Request> requests; ///< in order
+    int otherRequests = 0;   ///< requests that are not SG_IO
     int openFiles() const;
 
     /// The calls themselves; empty for a file that is not this drive's.

@@ -74,8 +74,8 @@ void SimulatedDisc::copyFrames(qint64 firstFrame, quint8* sector) const
         const qint64 count = std::min(sectorFrames - within, sectorFrames - done);
         quint8* target = sector + done * frameBytes;
         if (held > 0 && isAudio(lba))
-            std::copy_n(audio.constData() + lba % held * RAW_SECTOR_BYTES + within * frameBytes, count * frameBytes,
-                        target);
+            std::copy_n(audio.constData() + lba % held * RAW_SECTOR_BYTES + within * frameBytes,
+                        count * frameBytes, target);
         else
             std::fill_n(target, count * frameBytes, quint8{0});
         done += count;

@@ -15,11 +15,11 @@ struct SimulatedTrack {
 
 /// What lies in a drive: a table of contents and the samples behind it.
 struct SimulatedDisc {
-    QByteArray audio;               ///< sectors from LBA 0 on; a disc that is longer repeats them
+    QByteArray audio; ///< sectors from LBA 0 on; a disc that is longer repeats them
     QList<SimulatedTrack> tracks{{0, false}};
     int firstTrackNumber = 1;
-    quint32 leadOutLba = 0;         ///< 0: right behind `audio`
-    QByteArray tocBytes;            ///< delivered in place of the true table, when not empty
+    quint32 leadOutLba = 0; ///< 0: right behind `audio`
+    QByteArray tocBytes;    ///< delivered in place of the true table, when not empty
 
     quint32 leadOut() const;
     void fillToc(std::span<quint8, 804> table) const;

@@ -25,10 +25,7 @@ constexpr quint8 c2Wanted = 0x02; // in byte 9 of READ CD
 
 class SimulatedDevice : public DriveDevice {
 public:
-    explicit SimulatedDevice(SimulatedDrive& owner)
-        : drive(owner)
-    {
-    }
+    explicit SimulatedDevice(SimulatedDrive& owner) : drive(owner) {}
 
     DriveReply checkVerify() override { return begin({SimulatedDrive::Command::Verify}); }
 
@@ -208,5 +205,6 @@ void SimulatedDrive::sleepMilliseconds(int duration)
 
 qsizetype SimulatedDrive::count(Command::Kind kind) const
 {
-    return std::count_if(commands.cbegin(), commands.cend(), [kind](const Command& c) { return c.kind == kind; });
+    return std::count_if(commands.cbegin(), commands.cend(),
+                         [kind](const Command& c) { return c.kind == kind; });
 }

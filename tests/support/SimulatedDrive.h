@@ -44,7 +44,8 @@ public:
     bool usb = false;
     int readOffset = 0; ///< stereo frames by which samples come late; what a host corrects by
 
-    bool refusesData = true; ///< a read that touches a sector without audio fails; else that sector is silence
+    bool refusesData =
+        true; ///< a read that touches a sector without audio fails; else that sector is silence
     bool c2Available = true; ///< else the command is refused
     C2 c2 = C2::Honest;
     double c2NoiseRate = 0.01; ///< sectors with a false alarm, of Noisy
@@ -74,7 +75,10 @@ public:
 
 private:
     friend class SimulatedDevice;
-    bool gone(quint64 commandsBefore) const { return commandsUntilGone && commandsBefore >= *commandsUntilGone; }
+    bool gone(quint64 commandsBefore) const
+    {
+        return commandsUntilGone && commandsBefore >= *commandsUntilGone;
+    }
 
     qint64 clock = 0;
 };

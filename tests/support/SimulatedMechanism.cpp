@@ -34,12 +34,14 @@ SimulatedMechanism::Reading SimulatedMechanism::read(quint32 lba, quint32 count,
 
 bool SimulatedMechanism::isCached(quint32 lba) const
 {
-    return std::any_of(segments.cbegin(), segments.cend(), [lba](const Segment& one) { return one.holds(lba); });
+    return std::any_of(segments.cbegin(), segments.cend(),
+                       [lba](const Segment& one) { return one.holds(lba); });
 }
 
 bool SimulatedMechanism::useCached(quint32 lba)
 {
-    const auto found = std::find_if(segments.begin(), segments.end(), [lba](const Segment& s) { return s.holds(lba); });
+    const auto found =
+        std::find_if(segments.begin(), segments.end(), [lba](const Segment& s) { return s.holds(lba); });
     if (found == segments.end())
         return false;
     found->lastUse = ++uses;
@@ -61,15 +63,17 @@ void SimulatedMechanism::readOnTo(quint32 lba, qint64& clock)
 
 SimulatedMechanism::Segment& SimulatedMechanism::segmentFor(quint32 lba)
 {
-    const auto going = std::find_if(segments.begin(), segments.end(), [lba](const Segment& s) { return s.end == lba; });
+    const auto going =
+        std::find_if(segments.begin(), segments.end(), [lba](const Segment& s) { return s.end == lba; });
     if (going != segments.end())
         return *going;
     if (segments.size() < cacheSegments) {
         segments.append({lba, lba});
         return segments.last();
     }
-    const auto oldest = std::min_element(segments.begin(), segments.end(),
-                                         [](const Segment& a, const Segment& b) { return a.lastUse < b.lastUse; });
+    const auto oldest =
+        std::min_element(segments.begin(), segments.end(),
+                         [](const Segment& a, const Segment& b) { return a.lastUse < b.lastUse; });
     *oldest = {lba, lba};
     return *oldest;
 }
@@ -86,7 +90,8 @@ void SimulatedMechanism::keep(quint32 lba)
     segment.lastUse = ++uses;
 }
 
-SimulatedMechanism::Reading::End SimulatedMechanism::readFromDisc(quint32 lba, qint64& clock, WrongPattern& pattern)
+SimulatedMechanism::Reading::End SimulatedMechanism::readFromDisc(quint32 lba, qint64& clock,
+                                                                  WrongPattern& pattern)
 {
     moveHead(lba, clock);
     transfer(lba, clock);
@@ -129,8 +134,8 @@ void SimulatedMechanism::transfer(quint32 lba, qint64& clock)
         readyTime = clock;
         return;
     }
-    const bool damaged =
-        std::any_of(faults.cbegin(), faults.cend(), [lba](const SectorFault& fault) { return fault.covers(lba); });
+    const bool damaged = std::any_of(faults.cbegin(), faults.cend(),
+                                     [lba](const SectorFault& fault) { return fault.covers(lba); });
     const auto time = static_cast<qint64>(1e9 / (sectorsPerSecond * (damaged ? speedOnDamage : speed)));
     // What the head has read while the host was idle is there already.
     const qint64 earliest = clock - time * qint64{cacheSectors};

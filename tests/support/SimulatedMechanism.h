@@ -34,8 +34,8 @@ public:
 
     quint32 cacheSectors = 0; ///< of the whole buffer
     int cacheSegments = 1;
-    quint32 readAhead = 0;    ///< sectors behind a run's end that are reached by reading on
-    quint32 staleWithin = 0;  ///< as the field of SectorFault, for all faults of the disc
+    quint32 readAhead = 0;   ///< sectors behind a run's end that are reached by reading on
+    quint32 staleWithin = 0; ///< as the field of SectorFault, for all faults of the disc
 
     double speed = 0;         ///< in multiples of 75 sectors a second; 0: a transfer takes no time
     double speedOnDamage = 4; ///< where any fault lies, if there is a speed at all
@@ -73,10 +73,10 @@ private:
 
     QList<Segment> segments;
     quint64 uses = 0;
-    quint32 head = 0;      ///< the sector that comes by next
+    quint32 head = 0; ///< the sector that comes by next
     bool spinning = false;
-    bool streaming = false; ///< the head comes from the sector in front
-    qint64 readyTime = 0;  ///< when the head had read the sector in front
+    bool streaming = false;             ///< the head comes from the sector in front
+    qint64 readyTime = 0;               ///< when the head had read the sector in front
     QHash<quint32, Remembered> answers; ///< of damaged sectors, in the buffer or stale
     QHash<quint32, quint32> readings;   ///< of damaged sectors, so far
 };

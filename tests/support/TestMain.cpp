@@ -19,8 +19,8 @@ using TestApplication = QGuiApplication;
 int main(int argc, char** argv)
 {
     QTemporaryDir home;
-    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_CONFIG_DIRS",
-                             "XDG_RUNTIME_DIR"})
+    for (const char* name :
+         {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_CONFIG_DIRS", "XDG_RUNTIME_DIR"})
         qputenv(name, home.path().toUtf8());
     QDir(home.path()).mkpath(QStringLiteral("Music"));
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");

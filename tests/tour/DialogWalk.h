@@ -6,9 +6,7 @@
 class DialogWalk {
 public:
     DialogWalk(TourGuide& tourGuide, const QString& sourceFolder, const QString& outputFolder)
-        : guide(tourGuide)
-        , sources(sourceFolder)
-        , output(outputFolder)
+        : guide(tourGuide), sources(sourceFolder), output(outputFolder)
     {
     }
 

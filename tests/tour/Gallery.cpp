@@ -56,10 +56,11 @@ int main(int argc, char** argv)
             const QList<Shot> shots = playScenes(language, size);
             int number = 0;
             for (const Shot& shot : shots) {
-                const QString file = QStringLiteral("%1/%2-%3-%4.png")
-                                         .arg(folder, name)
-                                         .arg(++number, 2, 10, QLatin1Char('0'))
-                                         .arg(QString(shot.caption).replace(QLatin1Char(' '), QLatin1Char('-')));
+                const QString file =
+                    QStringLiteral("%1/%2-%3-%4.png")
+                        .arg(folder, name)
+                        .arg(++number, 2, 10, QLatin1Char('0'))
+                        .arg(QString(shot.caption).replace(QLatin1Char(' '), QLatin1Char('-')));
                 if (!shot.picture.save(file)) {
                     out << "Cannot write " << file << Qt::endl;
                     return 1;

@@ -1,10 +1,10 @@
 #include "tour/Scenes.h"
 
+#include "support/DialogWatcher.h"
 #include "support/DiscMaker.h"
 #include "support/LoadingDrive.h"
 #include "support/LoopbackServices.h"
 #include "support/ServiceAnswers.h"
-#include "support/DialogWatcher.h"
 #include "ui/WindowDriver.h"
 #include "verify/AccurateRip.h"
 #include "verify/AccurateRipDatabase.h"
@@ -48,9 +48,7 @@ QByteArray drawnCover()
 
 class Stage {
 public:
-    Stage(int languageMode, const QSize& windowSize)
-        : language(languageMode)
-        , size(windowSize)
+    Stage(int languageMode, const QSize& windowSize) : language(languageMode), size(windowSize)
     {
         QSettings().clear();
     }
@@ -101,9 +99,11 @@ public:
         ServedRelease release;
         release.title = QStringLiteral("夜の森 / Forest at Night");
         release.artists = {QStringLiteral("Marsh Choir")};
-        release.media = {{1, {QStringLiteral("序曲"), QStringLiteral("Rain on the Reed Beds"),
-                              QStringLiteral("渡り鳥 (Birds of Passage)"), QStringLiteral("Still Water")}}};
-        services.on(hosts::musicBrainz, "/ws/2/discid/", json(musicbrainz::discAnswer({musicbrainz::release(release)})));
+        release.media = {{1,
+                          {QStringLiteral("序曲"), QStringLiteral("Rain on the Reed Beds"),
+                           QStringLiteral("渡り鳥 (Birds of Passage)"), QStringLiteral("Still Water")}}};
+        services.on(hosts::musicBrainz, "/ws/2/discid/",
+                    json(musicbrainz::discAnswer({musicbrainz::release(release)})));
         services.on(hosts::coverArtArchive, "/release/", image(drawnCover()));
     }
 
@@ -146,8 +146,9 @@ public:
     QString longPath() const
     {
         return folder.path()
-            + QStringLiteral("/A folder whose name goes on and on/and another one below it/そしてもうひとつの長い名前/")
-            + QString(120, QLatin1Char('x'));
+               + QStringLiteral(
+                   "/A folder whose name goes on and on/and another one below it/そしてもうひとつの長い名前/")
+               + QString(120, QLatin1Char('x'));
     }
 
     QTemporaryDir folder;
@@ -231,7 +232,8 @@ void ripping(Stage& stage, QList<Shot>& shots)
 void audioFile(Stage& stage, QList<Shot>& shots)
 {
     WindowDriver& app = stage.open();
-    const QString song = writeFile(stage.folder.path(), QStringLiteral("A song.wav"), wrapInWave(makeAudio(200, 1)));
+    const QString song =
+        writeFile(stage.folder.path(), QStringLiteral("A song.wav"), wrapInWave(makeAudio(200, 1)));
     app.pickAudio(song);
     app.advanceTo(2);
     stage.shoot(shots, QStringLiteral("Metadata of an audio file"));

@@ -34,7 +34,7 @@ struct TourOptions {
 TourOptions readOptions(const QCoreApplication& application)
 {
     QCommandLineParser parser;
-    const QStringList names{QStringLiteral("language"), QStringLiteral("format"), QStringLiteral("cue"),
+    const QStringList names{QStringLiteral("language"), QStringLiteral("format"),  QStringLiteral("cue"),
                             QStringLiteral("cover"),    QStringLiteral("sources"), QStringLiteral("output"),
                             QStringLiteral("shots")};
     for (const QString& name : names)

@@ -41,9 +41,7 @@ constexpr int pollMs = 50;
 } // namespace
 
 TourGuide::TourGuide(MainWindow& mainWindow, const QString& languageName, const QString& folder)
-    : frame(mainWindow)
-    , language(languageName)
-    , shots(folder)
+    : frame(mainWindow), language(languageName), shots(folder)
 {
 }
 

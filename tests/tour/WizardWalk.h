@@ -12,9 +12,7 @@ public:
         QString output;
     };
 
-    WizardWalk(TourGuide& tourGuide, Choices userChoices)
-        : guide(tourGuide)
-        , choices(std::move(userChoices))
+    WizardWalk(TourGuide& tourGuide, Choices userChoices) : guide(tourGuide), choices(std::move(userChoices))
     {
     }
 

@@ -28,10 +28,13 @@ protected:
     QString makeSong(const QString& name, int sectors = 100)
     {
         const QString sources = folder.filePath(QStringLiteral("Sources"));
-        const QString wave = writeFile(sources, QStringLiteral("made.wav"), wrapInWave(makeAudio(sectors, 3)));
+        const QString wave =
+            writeFile(sources, QStringLiteral("made.wav"), wrapInWave(makeAudio(sectors, 3)));
         const QString song = sources + QLatin1Char('/') + name;
-        EXPECT_TRUE(runTool(QStringLiteral("ffmpeg"), {QStringLiteral("-v"), QStringLiteral("error"),
-                                                       QStringLiteral("-y"), QStringLiteral("-i"), wave, song}).ok());
+        EXPECT_TRUE(
+            runTool(QStringLiteral("ffmpeg"), {QStringLiteral("-v"), QStringLiteral("error"),
+                                               QStringLiteral("-y"), QStringLiteral("-i"), wave, song})
+                .ok());
         return song;
     }
 
@@ -68,16 +71,20 @@ TEST_F(AudioFileRoad, AnyKindOfFileBecomesAnyFormatOffered)
         const QString name = QFileInfo(song).completeBaseName();
         const QStringList log = app.logLines();
         EXPECT_TRUE(log.contains(QStringLiteral("  Track 01: ") + name)) << log.join('\n').toStdString();
-        EXPECT_TRUE(log.contains(QStringLiteral("  Track 01: ✦ saved  (errors:0)"))) << log.join('\n').toStdString();
+        EXPECT_TRUE(log.contains(QStringLiteral("  Track 01: ✦ saved  (errors:0)")))
+            << log.join('\n').toStdString();
         // Each run has a folder of its own: this is the first in a new music folder.
         const QString file = QStringLiteral("01. %1.%2").arg(name, QLatin1String(endings[place]));
-        const QString where = place == 0 ? written(file)
-            : folder.filePath(QStringLiteral("Music/Unknown - Unknown/Sources - Copy%1/")
-                                  .arg(place == 1 ? QString() : QStringLiteral(" (2)"))) + file;
-        const ToolResult probe = runTool(QStringLiteral("ffprobe"),
-                                         {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-show_entries"),
-                                          QStringLiteral("format=duration:format_tags=title"),
-                                          QStringLiteral("-of"), QStringLiteral("default=nk=1:nw=1"), where});
+        const QString where =
+            place == 0 ? written(file)
+                       : folder.filePath(QStringLiteral("Music/Unknown - Unknown/Sources - Copy%1/")
+                                             .arg(place == 1 ? QString() : QStringLiteral(" (2)")))
+                             + file;
+        const ToolResult probe =
+            runTool(QStringLiteral("ffprobe"),
+                    {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-show_entries"),
+                     QStringLiteral("format=duration:format_tags=title"), QStringLiteral("-of"),
+                     QStringLiteral("default=nk=1:nw=1"), where});
         ASSERT_TRUE(probe.ok()) << probe.errors.toStdString();
         const QList<QByteArray> lines = probe.output.trimmed().split('\n');
         EXPECT_NEAR(lines.value(0).toDouble(), 100.0 / 75, 0.06) << "an MP3 file has up to two frames more";
@@ -109,7 +116,8 @@ TEST_F(AudioFileRoad, AFileThatIsNoAudioEndsInTheSameResultBlockWithNothingSaved
 {
     for (const int language : {2, 1}) {
         WindowDriver app(language);
-        const QString junk = writeFile(folder.filePath(QStringLiteral("Sources")), QStringLiteral("junk.flac"), "junk");
+        const QString junk =
+            writeFile(folder.filePath(QStringLiteral("Sources")), QStringLiteral("junk.flac"), "junk");
         prepare(app, junk, 0);
         EXPECT_FALSE(app.runRip().isEmpty());
         EXPECT_FALSE(app.logLines().join(QLatin1Char('\n')).contains(QStringLiteral("saved")));
@@ -131,8 +139,9 @@ TEST_F(AudioFileRoad, AResetLeadsToASecondFile)
     prepare(app, makeSong(QStringLiteral("Two.flac")), 1);
     app.runRip();
     EXPECT_TRUE(QFileInfo(written(QStringLiteral("01. One.wav"))).isFile());
-    EXPECT_TRUE(QFileInfo(folder.filePath(
-        QStringLiteral("Music/Unknown - Unknown/Sources - Copy/01. Two.wav"))).isFile());
+    EXPECT_TRUE(
+        QFileInfo(folder.filePath(QStringLiteral("Music/Unknown - Unknown/Sources - Copy/01. Two.wav")))
+            .isFile());
 }
 
 TEST_F(AudioFileRoad, TheWindowMayGoAtAnyMomentOfTheRun)

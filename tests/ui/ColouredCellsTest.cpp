@@ -17,8 +17,8 @@ int pointsLike(const QImage& picture, const QColor& colour)
         for (int x = 0; x < picture.width(); ++x) {
             const QColor point = picture.pixelColor(x, y);
             found += std::abs(point.red() - colour.red()) + std::abs(point.green() - colour.green())
-                    + std::abs(point.blue() - colour.blue())
-                < 60;
+                         + std::abs(point.blue() - colour.blue())
+                     < 60;
         }
     }
     return found;

@@ -41,9 +41,8 @@ protected:
 
     QByteArray rippedTrack(int number) const
     {
-        QFile file(folder.filePath(QStringLiteral("Ada - Blue/%1. Track %2.wav")
-                                       .arg(number, 2, 10, QLatin1Char('0'))
-                                       .arg(number)));
+        QFile file(folder.filePath(
+            QStringLiteral("Ada - Blue/%1. Track %2.wav").arg(number, 2, 10, QLatin1Char('0')).arg(number)));
         return file.open(QIODevice::ReadOnly) ? file.readAll().mid(44) : QByteArray();
     }
 
@@ -62,14 +61,16 @@ TEST_F(DiscRoad, ACleanDiscGoesTheWholeWay)
     EXPECT_EQ(app.tracks()->rowCount(), 2);
     EXPECT_EQ(app.cell(app.tracks(), 1, 2), QStringLiteral("0:08"));
     const QStringList box = app.runRip();
-    EXPECT_EQ(box, (QStringList{QStringLiteral("Rip Complete"),
-                                QStringLiteral("Ripping is complete.\n\nRead Quality : 100.00%\nErrors : 0 sectors\n"
-                                               "Suspect Sectors : 0 sectors")}));
+    EXPECT_EQ(box, (QStringList{
+                       QStringLiteral("Rip Complete"),
+                       QStringLiteral("Ripping is complete.\n\nRead Quality : 100.00%\nErrors : 0 sectors\n"
+                                      "Suspect Sectors : 0 sectors")}));
     const QStringList log = app.logLines();
     EXPECT_TRUE(log.contains(QStringLiteral("Drive  : ACME - DISC READER 9")));
     EXPECT_TRUE(log.contains(QStringLiteral("Read offset : +6  (saved)")));
     EXPECT_FALSE(log.join(QLatin1Char('\n')).contains(QStringLiteral("Source : ")));
-    EXPECT_TRUE(log.contains(QStringLiteral("Read mode   : secure - C2 error pointers (max 20 re-reads / sector)")));
+    EXPECT_TRUE(
+        log.contains(QStringLiteral("Read mode   : secure - C2 error pointers (max 20 re-reads / sector)")));
     EXPECT_TRUE(log.contains(QStringLiteral("  Track 02: ✦ saved  (errors:0)")));
     EXPECT_TRUE(log.contains(QStringLiteral("  Result  : Perfect  ✦")));
     EXPECT_TRUE(app.card(3).endsWith(QLatin1Char('x'))) << "the speed of the virtual clock";

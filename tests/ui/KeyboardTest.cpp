@@ -12,8 +12,8 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QSettings>
-#include <QTemporaryDir>
 #include <QTabWidget>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -25,8 +25,8 @@ namespace {
 bool isControl(const QWidget* widget)
 {
     return qobject_cast<const QAbstractButton*>(widget) || qobject_cast<const QLineEdit*>(widget)
-        || qobject_cast<const QComboBox*>(widget) || qobject_cast<const QAbstractSpinBox*>(widget)
-        || qobject_cast<const QTableWidget*>(widget) || qobject_cast<const QTextEdit*>(widget);
+           || qobject_cast<const QComboBox*>(widget) || qobject_cast<const QAbstractSpinBox*>(widget)
+           || qobject_cast<const QTableWidget*>(widget) || qobject_cast<const QTextEdit*>(widget);
 }
 
 class Keyboard : public ::testing::Test {
@@ -35,7 +35,8 @@ protected:
 
     static QString describe(const QWidget* widget)
     {
-        return QStringLiteral("%1 \"%2\"").arg(QLatin1String(widget->metaObject()->className()), widget->objectName());
+        return QStringLiteral("%1 \"%2\"")
+            .arg(QLatin1String(widget->metaObject()->className()), widget->objectName());
     }
 
     static void activate(QWidget& window)
@@ -111,13 +112,14 @@ TEST_F(Keyboard, EveryControlHasANameInBothLanguages)
         WindowDriver app(language, {QStringLiteral("/dev/sr0")});
         for (QWidget* widget : app.window().findChildren<QWidget*>()) {
             const bool partOfAnother = qobject_cast<QAbstractSpinBox*>(widget->parentWidget())
-                || widget->objectName().startsWith(QStringLiteral("qt_"))
-                || qobject_cast<QTableWidget*>(widget->parentWidget());
+                                       || widget->objectName().startsWith(QStringLiteral("qt_"))
+                                       || qobject_cast<QTableWidget*>(widget->parentWidget());
             if (!isControl(widget) || partOfAnother || widget->isHidden())
                 continue;
             const auto* button = qobject_cast<QAbstractButton*>(widget);
             const bool speaksForItself = button && button->text().size() > 3;
-            EXPECT_TRUE(speaksForItself || !widget->accessibleName().isEmpty()) << describe(widget).toStdString();
+            EXPECT_TRUE(speaksForItself || !widget->accessibleName().isEmpty())
+                << describe(widget).toStdString();
         }
     }
 }
@@ -205,6 +207,7 @@ TEST_F(Keyboard, TabScrollsToAFieldThatIsOutOfSight)
         QTest::keyClick(edits[i - 1], Qt::Key_Tab);
         EXPECT_TRUE(edits[i]->hasFocus());
         const QRect seen = area.viewport()->rect();
-        EXPECT_TRUE(seen.contains(QRect(edits[i]->mapTo(area.viewport(), QPoint(0, 0)), edits[i]->size()))) << i;
+        EXPECT_TRUE(seen.contains(QRect(edits[i]->mapTo(area.viewport(), QPoint(0, 0)), edits[i]->size())))
+            << i;
     }
 }

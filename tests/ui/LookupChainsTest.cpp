@@ -55,7 +55,8 @@ TEST(DiscLookup, ADiscWithNamesIsAskedOfTheStoreByThem)
     LoopbackServices services;
     serveAlbum(services);
     const LogCapture log;
-    const MetaResult found = lookUpDisc(namedDisc(QStringLiteral("Marsh Choir"), QStringLiteral("Still Water")));
+    const MetaResult found =
+        lookUpDisc(namedDisc(QStringLiteral("Marsh Choir"), QStringLiteral("Still Water")));
     EXPECT_TRUE(log.debugLines().contains(fallbackLine));
     EXPECT_FALSE(log.debugLines().contains(skipLine));
     EXPECT_EQ(services.targets(hosts::iTunes).value(0), "/search?term=Marsh+Choir+Still+Water" + searchTail);
@@ -71,7 +72,8 @@ TEST(DiscLookup, WithoutAPictureInTheStoreDiscogsIsNotAsked)
     serveAlbum(services);
     services.on(hosts::images, "/", errorPage(404));
     const LogCapture log;
-    const MetaResult found = lookUpDisc(namedDisc(QStringLiteral("Marsh Choir"), QStringLiteral("Still Water")));
+    const MetaResult found =
+        lookUpDisc(namedDisc(QStringLiteral("Marsh Choir"), QStringLiteral("Still Water")));
     EXPECT_EQ(found.iTunes.album, QStringLiteral("Still Water"));
     EXPECT_TRUE(found.cover.isNull());
     EXPECT_FALSE(services.targets(hosts::images).isEmpty());
@@ -95,7 +97,8 @@ TEST(DiscLookup, TheArtistOfGnuDbGoesBeforeTheDiscsOwn)
     services.on(hosts::gnuDb, "/~cddb/cddb.cgi?cmd=cddb+read+",
                 page("210 rock\r\nDTITLE=Other Choir / Album\r\nDTITLE=\r\n.\r\n"));
     lookUpDisc(namedDisc(QStringLiteral("Marsh Choir"), QStringLiteral("Still Water")));
-    EXPECT_EQ(services.targets(hosts::iTunes), QList<QByteArray>{"/search?term=Other+Choir+Still+Water" + searchTail});
+    EXPECT_EQ(services.targets(hosts::iTunes),
+              QList<QByteArray>{"/search?term=Other+Choir+Still+Water" + searchTail});
 }
 
 TEST(LookupTrouble, WantOfMemoryIsAMissOfEverything)

@@ -109,8 +109,8 @@ TEST_F(LookupCover, OfAGnuDbRecordIsTheStores)
 TEST_F(LookupCover, OfAGnuDbRecordThatTheStoreLacksIsLookedForAtDiscogs)
 {
     answerGnuDb({QStringLiteral("One"), QStringLiteral("Two")});
-    const QStringList expected{QStringLiteral("[Meta] MusicBrainz: "), QStringLiteral("[Meta] GnuDB: Still Water"),
-                               discogsSkipped};
+    const QStringList expected{QStringLiteral("[Meta] MusicBrainz: "),
+                               QStringLiteral("[Meta] GnuDB: Still Water"), discogsSkipped};
     {
         WindowDriver app(2, drive());
         EXPECT_EQ(linesOfDisc(app), expected);
@@ -129,9 +129,10 @@ TEST_F(LookupCover, ADiscThatNobodyNamesEndsTheChain)
 {
     answerItunes();
     WindowDriver app(2, drive());
-    EXPECT_EQ(linesOfDisc(app), (QStringList{QStringLiteral("[Meta] MusicBrainz: "), QStringLiteral("[Meta] GnuDB: "),
-                                             QStringLiteral("[Meta] GnuDB miss -> iTunes fallback"),
-                                             QStringLiteral("[Meta] no artist/album info, skip iTunes")}));
+    EXPECT_EQ(linesOfDisc(app),
+              (QStringList{QStringLiteral("[Meta] MusicBrainz: "), QStringLiteral("[Meta] GnuDB: "),
+                           QStringLiteral("[Meta] GnuDB miss -> iTunes fallback"),
+                           QStringLiteral("[Meta] no artist/album info, skip iTunes")}));
     EXPECT_TRUE(services.targets(hosts::iTunes).isEmpty());
     EXPECT_FALSE(hasCover(app));
 }
@@ -168,9 +169,10 @@ TEST_F(LookupCover, ASheetsAlbumWithoutAUsablePictureGetsNoFurtherTry)
 TEST_F(LookupCover, ASheetThatTheStoreLacksIsLookedForAtDiscogs)
 {
     WindowDriver app(2);
-    EXPECT_EQ(linesOfSheet(app), (QStringList{QStringLiteral("[Meta/CUE] MusicBrainz: "),
-                                              QStringLiteral("[Meta/CUE] MusicBrainz miss → iTunes fallback"),
-                                              QStringLiteral("[Meta/CUE] iTunes:  tracks: 0"), discogsSkipped}));
+    EXPECT_EQ(linesOfSheet(app),
+              (QStringList{QStringLiteral("[Meta/CUE] MusicBrainz: "),
+                           QStringLiteral("[Meta/CUE] MusicBrainz miss → iTunes fallback"),
+                           QStringLiteral("[Meta/CUE] iTunes:  tracks: 0"), discogsSkipped}));
     EXPECT_FALSE(hasCover(app));
 }
 
@@ -183,7 +185,8 @@ TEST_F(LookupCover, IsSoughtWhenASheetIsPicked)
     EXPECT_DOUBLE_EQ(coverRatio(app), 2.0) << "before the Metadata step is entered";
     ASSERT_FALSE(services.targets(hosts::musicBrainz).isEmpty());
     EXPECT_EQ(services.targets(hosts::musicBrainz).first(),
-              "/ws/2/release/?query=artist%3A%22Test%20Artist%22%20AND%20release%3A%22Test%20Album%22&fmt=json&limit=5");
+              "/ws/2/release/"
+              "?query=artist%3A%22Test%20Artist%22%20AND%20release%3A%22Test%20Album%22&fmt=json&limit=5");
     enterMetadata(app);
     EXPECT_FALSE(hasCover(app)) << "the lookup of the step replaces it, with nothing too";
 }

@@ -22,7 +22,8 @@ TEST_F(LookupRoad, MusicBrainzFillsThePageAndTellsTheDiscOfASet)
     release.media = {{1, {QStringLiteral("夜"), QStringLiteral("Rain"), QStringLiteral("Third")}},
                      {2, {QStringLiteral("Other"), QStringLiteral("Two")}}};
     answerRelease(release);
-    services.on(hosts::coverArtArchive, "/release/" + release.id.toUtf8() + "/front-500", image(picture(40, 30)));
+    services.on(hosts::coverArtArchive, "/release/" + release.id.toUtf8() + "/front-500",
+                image(picture(40, 30)));
     WindowDriver app(2, drive());
     loadDisc(app);
     enterMetadata(app);
@@ -32,7 +33,8 @@ TEST_F(LookupRoad, MusicBrainzFillsThePageAndTellsTheDiscOfASet)
     EXPECT_TRUE(app.album()->placeholderText().isEmpty());
     EXPECT_EQ(app.onPage<QSpinBox>(2, "formEdit", 0)->value(), 2) << "the medium of two tracks";
     EXPECT_EQ(app.onPage<QSpinBox>(2, "formEdit", 1)->value(), 2);
-    EXPECT_EQ(titles(app), (QStringList{QStringLiteral("夜"), QStringLiteral("Rain")})) << "of the first medium";
+    EXPECT_EQ(titles(app), (QStringList{QStringLiteral("夜"), QStringLiteral("Rain")}))
+        << "of the first medium";
     EXPECT_TRUE(hasCover(app));
 }
 
@@ -59,9 +61,10 @@ TEST_F(LookupRoad, ADiscThatNobodyKnowsLeavesPlaceholders)
         EXPECT_EQ(app.album()->placeholderText(),
                   language == 1 ? QStringLiteral("見つかりませんでした。手動で入力してください")
                                 : QStringLiteral("Not found. Please enter it manually"));
-        EXPECT_EQ(app.artist()->placeholderText(),
-                  language == 1 ? QStringLiteral("アーティスト名を入力") : QStringLiteral("Enter artist name"));
-        EXPECT_EQ(app.year()->placeholderText(), language == 1 ? QStringLiteral("年") : QStringLiteral("Year"));
+        EXPECT_EQ(app.artist()->placeholderText(), language == 1 ? QStringLiteral("アーティスト名を入力")
+                                                                 : QStringLiteral("Enter artist name"));
+        EXPECT_EQ(app.year()->placeholderText(),
+                  language == 1 ? QStringLiteral("年") : QStringLiteral("Year"));
         EXPECT_FALSE(hasCover(app));
     }
     EXPECT_TRUE(services.targets(hosts::iTunes).isEmpty()) << "without a name there is nothing to ask for";
@@ -101,7 +104,8 @@ TEST_F(LookupRoad, ASheetThatNobodyKnowsKeepsItsOwnTexts)
 TEST_F(LookupRoad, ASheetFoundByMusicBrainzKeepsTheDiscNumbersOfTheUser)
 {
     ServedRelease release;
-    release.media = {{1, {QStringLiteral("Fog"), QString()}}, {2, {QStringLiteral("C"), QStringLiteral("D")}}};
+    release.media = {{1, {QStringLiteral("Fog"), QString()}},
+                     {2, {QStringLiteral("C"), QStringLiteral("D")}}};
     answerRelease(release);
     answerItunes();
     WindowDriver app(2);
@@ -111,7 +115,8 @@ TEST_F(LookupRoad, ASheetFoundByMusicBrainzKeepsTheDiscNumbersOfTheUser)
     enterMetadata(app);
     EXPECT_EQ(app.album()->text(), QStringLiteral("Still Water"));
     EXPECT_EQ(app.artist()->text(), QStringLiteral("Marsh Choir"));
-    EXPECT_EQ(titles(app), (QStringList{QStringLiteral("Fog"), QStringLiteral("Beta")})) << "an empty title is none";
+    EXPECT_EQ(titles(app), (QStringList{QStringLiteral("Fog"), QStringLiteral("Beta")}))
+        << "an empty title is none";
     EXPECT_EQ(app.onPage<QSpinBox>(2, "formEdit", 0)->value(), 7);
     EXPECT_EQ(app.onPage<QSpinBox>(2, "formEdit", 1)->value(), 9);
 }
@@ -123,7 +128,8 @@ TEST_F(LookupRoad, ADataTracksNoteGivesWayToATitleOfGnuDb)
         WindowDriver app(language, drive());
         loadDisc(app, {{0}, {150}, {300, true}});
         enterMetadata(app);
-        EXPECT_EQ(titles(app), (QStringList{QStringLiteral("One"), QStringLiteral("Two"), QStringLiteral("Extra")}));
+        EXPECT_EQ(titles(app),
+                  (QStringList{QStringLiteral("One"), QStringLiteral("Two"), QStringLiteral("Extra")}));
     }
     answerGnuDb({QStringLiteral("One"), QStringLiteral("Two")});
     WindowDriver app(2, drive());
@@ -168,7 +174,8 @@ TEST_F(LookupRoad, OfTwoMediaOfTheSameLengthTheEarlierIsTaken)
     enterMetadata(app);
     EXPECT_EQ(app.onPage<QSpinBox>(2, "formEdit", 0)->value(), 2);
     EXPECT_EQ(app.onPage<QSpinBox>(2, "formEdit", 1)->value(), 3);
-    EXPECT_EQ(titles(app), (QStringList{QStringLiteral("A"), QStringLiteral("Track 2")})) << "of the first medium";
+    EXPECT_EQ(titles(app), (QStringList{QStringLiteral("A"), QStringLiteral("Track 2")}))
+        << "of the first medium";
 }
 
 TEST_F(LookupRoad, AHitAfterAMissTakesThePlaceholdersOfTheMissAway)

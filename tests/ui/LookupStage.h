@@ -77,7 +77,8 @@ protected:
         const ServedAlbum album;
         services.on(hosts::iTunes, "/search", json(itunes::answer({itunes::album(album)})));
         services.on(hosts::iTunes, "/lookup",
-                    json(itunes::songAnswer(album, {{1, 1, QStringLiteral("Reed")}, {1, 2, QStringLiteral("Rain")}})));
+                    json(itunes::songAnswer(
+                        album, {{1, 1, QStringLiteral("Reed")}, {1, 2, QStringLiteral("Rain")}})));
         services.on(hosts::images, "/", image(picture(30, 30)));
     }
 };

@@ -48,13 +48,16 @@ protected:
         auto* bar = app.onPage<QProgressBar>(4, "ripProgress");
         ASSERT_TRUE(QTest::qWaitFor([&] { return bar->value() == 100; }, 60000));
         EXPECT_EQ(app.onPage<QLabel>(4, "verifyResult")->text(),
-                  japanese ? QStringLiteral("—  照合できませんでした") : QStringLiteral("—  Could not verify"));
+                  japanese ? QStringLiteral("—  照合できませんでした")
+                           : QStringLiteral("—  Could not verify"));
         for (int row = 0; row < 2; ++row)
             EXPECT_EQ(app.cell(app.verdicts(), row, 2),
                       japanese ? QStringLiteral("—  未照合") : QStringLiteral("—  Not verified"));
-        EXPECT_EQ(app.logLines().last(2), (QStringList{QStringLiteral("  Could not connect to the AccurateRip server"),
-                                                       QStringLiteral("═══════════════════════════════════════")}));
-        EXPECT_TRUE(QFileInfo::exists(folder.filePath(QStringLiteral("%1/Ada - Blue/01. By hand.wav").arg(language))));
+        EXPECT_EQ(app.logLines().last(2),
+                  (QStringList{QStringLiteral("  Could not connect to the AccurateRip server"),
+                               QStringLiteral("═══════════════════════════════════════")}));
+        EXPECT_TRUE(QFileInfo::exists(
+            folder.filePath(QStringLiteral("%1/Ada - Blue/01. By hand.wav").arg(language))));
         EXPECT_EQ(app.next()->text(), japanese ? QStringLiteral("完了") : QStringLiteral("Finish"));
         EXPECT_TRUE(app.next()->isEnabled());
         EXPECT_TRUE(app.back()->isEnabled());

@@ -39,20 +39,19 @@ riplog::Header physicalHeader(int offset)
 
 TEST(RipLog, HeaderOfAPhysicalDrive)
 {
-    EXPECT_EQ(riplog::header(physicalHeader(6)),
-              (QStringList{
-                  rule,
-                  "  TARVEL CD RIPPER  —  RIP START",
-                  "  2026-01-02  03:04:05",
-                  rule,
-                  "Album  : Blue (Live) / Ada - Band",
-                  "Output : /music",
-                  "Drive  : ACME - READER",
-                  "Read offset : +6  (saved)",
-                  "Format : FLAC   Naming : {track}. {title}",
-                  "Program: Tarvel CD Ripper v2.0.0 (build 20261006-1720)",
-                  "─── Track log ──────────────────────",
-              }));
+    EXPECT_EQ(riplog::header(physicalHeader(6)), (QStringList{
+                                                     rule,
+                                                     "  TARVEL CD RIPPER  —  RIP START",
+                                                     "  2026-01-02  03:04:05",
+                                                     rule,
+                                                     "Album  : Blue (Live) / Ada - Band",
+                                                     "Output : /music",
+                                                     "Drive  : ACME - READER",
+                                                     "Read offset : +6  (saved)",
+                                                     "Format : FLAC   Naming : {track}. {title}",
+                                                     "Program: Tarvel CD Ripper v2.0.0 (build 20261006-1720)",
+                                                     "─── Track log ──────────────────────",
+                                                 }));
     EXPECT_EQ(rule.size(), 39);
 }
 

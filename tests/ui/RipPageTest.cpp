@@ -91,39 +91,40 @@ TEST_F(RipPage, AWholeRipOfAnImageInEnglish)
                                 "Suspect Sectors : 0 sectors"}));
     QStringList log = app.logLines();
     ASSERT_GT(log.size(), 2);
-    const QDateTime stamp = QDateTime::fromString(log.takeAt(2).trimmed(), QStringLiteral("yyyy-MM-dd  hh:mm:ss"));
+    const QDateTime stamp =
+        QDateTime::fromString(log.takeAt(2).trimmed(), QStringLiteral("yyyy-MM-dd  hh:mm:ss"));
     EXPECT_TRUE(stamp.isValid());
     EXPECT_LT(qAbs(stamp.secsTo(QDateTime::currentDateTime())), 120);
-    EXPECT_EQ(log,
-              (QStringList{rule,
-                           "  TARVEL CD RIPPER  —  RIP START",
-                           rule,
-                           "Album  : Blue (Deluxe) Sky (2001) / Ada - Live",
-                           "Output : " + folder.path(),
-                           "Source : " + cue,
-                           "Format : WAV   Naming : {track}. {title}",
-                           "Program: Tarvel CD Ripper v2.0.0 (build 20261006-1720)",
-                           "─── Track log ──────────────────────",
-                           "Folder : " + folder.path() + "/Ada - Blue Sky",
-                           "  Track 00: Cover art: not found",
-                           "  Track 00: Cover art: not found",
-                           "  Track 01: Alpha",
-                           "  Track 01: ✦ saved  (errors:0)",
-                           "  Track 02: Track 2",
-                           "  Track 02: ✦ saved  (errors:0)",
-                           "",
-                           "  Read Quality : 100.00%",
-                           "  Errors       : 0 sectors",
-                           "  Suspect      : 0 sectors (damage detected, recovered by re-reading)",
-                           "  Result  : Perfect  ✦",
-                           rule}));
+    EXPECT_EQ(log, (QStringList{rule,
+                                "  TARVEL CD RIPPER  —  RIP START",
+                                rule,
+                                "Album  : Blue (Deluxe) Sky (2001) / Ada - Live",
+                                "Output : " + folder.path(),
+                                "Source : " + cue,
+                                "Format : WAV   Naming : {track}. {title}",
+                                "Program: Tarvel CD Ripper v2.0.0 (build 20261006-1720)",
+                                "─── Track log ──────────────────────",
+                                "Folder : " + folder.path() + "/Ada - Blue Sky",
+                                "  Track 00: Cover art: not found",
+                                "  Track 00: Cover art: not found",
+                                "  Track 01: Alpha",
+                                "  Track 01: ✦ saved  (errors:0)",
+                                "  Track 02: Track 2",
+                                "  Track 02: ✦ saved  (errors:0)",
+                                "",
+                                "  Read Quality : 100.00%",
+                                "  Errors       : 0 sectors",
+                                "  Suspect      : 0 sectors (damage detected, recovered by re-reading)",
+                                "  Result  : Perfect  ✦",
+                                rule}));
     EXPECT_EQ(filesIn(QStringLiteral("Ada - Blue Sky")), (QStringList{"01. Alpha.wav", "02. Track 2.wav"}));
     EXPECT_EQ(app.card(0), QStringLiteral("100.00%"));
     EXPECT_EQ(app.card(1), QStringLiteral("0"));
     EXPECT_EQ(app.card(2), QStringLiteral("0"));
     EXPECT_EQ(app.card(3), QStringLiteral("—"));
     EXPECT_EQ(app.onPage<QProgressBar>(3, "ripProgress")->value(), 100);
-    EXPECT_EQ(app.onPage<QLabel>(3, "progressLabel")->text(), QStringLiteral("Done  ✦  Read Quality 100.00%"));
+    EXPECT_EQ(app.onPage<QLabel>(3, "progressLabel")->text(),
+              QStringLiteral("Done  ✦  Read Quality 100.00%"));
 }
 
 TEST_F(RipPage, AWholeRipOfAnImageInJapanese)
@@ -140,7 +141,8 @@ TEST_F(RipPage, AWholeRipOfAnImageInJapanese)
     EXPECT_TRUE(app.logLines().contains(QStringLiteral("Album  :  / ")));
     EXPECT_TRUE(app.logLines().contains("Folder : " + folder.path() + "/Unknown - Unknown"));
     EXPECT_TRUE(app.logLines().contains(QStringLiteral("  Result  : Perfect  ✦")));
-    EXPECT_EQ(app.onPage<QLabel>(3, "progressLabel")->text(), QStringLiteral("完了  ✦  Read Quality 100.00%"));
+    EXPECT_EQ(app.onPage<QLabel>(3, "progressLabel")->text(),
+              QStringLiteral("完了  ✦  Read Quality 100.00%"));
 }
 
 TEST_F(RipPage, EditedTitlesReachTheFilesUnlessTheyLookGenerated)
@@ -160,7 +162,8 @@ TEST_F(RipPage, EditedTitlesReachTheFilesUnlessTheyLookGenerated)
     EXPECT_EQ(filesIn(QStringLiteral("Test Artist - Test Album")),
               (QStringList{"01. Alpha.wav", "02. Track 2b.wav"}));
     for (const char* name : {"01. Alpha.wav", "02. Track 2b.wav"}) {
-        const QString path = folder.filePath(QStringLiteral("Test Artist - Test Album/") + QLatin1String(name));
+        const QString path =
+            folder.filePath(QStringLiteral("Test Artist - Test Album/") + QLatin1String(name));
         EXPECT_EQ(soundBytes(path), 30 * 2352) << name;
     }
 }
@@ -214,24 +217,27 @@ TEST_F(RipPage, AnAudioFileEndsWithoutReadQualityAndNextCloses)
         app.pickAudio(song);
         app.advanceTo(3);
         const QStringList box = app.runRip();
-        EXPECT_EQ(box.value(1), language == 1 ? QStringLiteral("リッピングが完了しました。\n\n変換が完了しました。")
-                                              : QStringLiteral("Ripping is complete.\n\nConversion completed."));
+        EXPECT_EQ(box.value(1), language == 1
+                                    ? QStringLiteral("リッピングが完了しました。\n\n変換が完了しました。")
+                                    : QStringLiteral("Ripping is complete.\n\nConversion completed."));
         const QStringList log = app.logLines();
         EXPECT_TRUE(log.contains("Source : " + song));
-        EXPECT_EQ(log.mid(log.size() - 4),
-                  language == 1
-                      ? (QStringList{"",
-                                     "  ※ 音声ファイルからの変換のため、Read Quality等の読み取り品質チェックは"
-                                     "行われません",
-                                     "  Result  : 変換完了  ✦", rule})
-                      : (QStringList{"",
-                                     "  * Converted from an audio file, so read-quality checks such as Read "
-                                     "Quality are not performed",
-                                     "  Result  : Converted  ✦", rule}));
-        EXPECT_EQ(app.onPage<QLabel>(3, "progressLabel")->text(),
-                  language == 1
-                      ? QStringLiteral("完了  ✦  変換済み（CD読み取りを伴わないためRead Qualityは対象外です）")
-                      : QStringLiteral("Done  ✦  Converted (no CD was read, so Read Quality does not apply)"));
+        EXPECT_EQ(
+            log.mid(log.size() - 4),
+            language == 1
+                ? (QStringList{"",
+                               "  ※ 音声ファイルからの変換のため、Read Quality等の読み取り品質チェックは"
+                               "行われません",
+                               "  Result  : 変換完了  ✦", rule})
+                : (QStringList{"",
+                               "  * Converted from an audio file, so read-quality checks such as Read "
+                               "Quality are not performed",
+                               "  Result  : Converted  ✦", rule}));
+        EXPECT_EQ(
+            app.onPage<QLabel>(3, "progressLabel")->text(),
+            language == 1
+                ? QStringLiteral("完了  ✦  変換済み（CD読み取りを伴わないためRead Qualityは対象外です）")
+                : QStringLiteral("Done  ✦  Converted (no CD was read, so Read Quality does not apply)"));
         QCoreApplication::processEvents();
         auto* label = app.onPage<QLabel>(3, "progressLabel");
         EXPECT_GE(label->height(), label->heightForWidth(label->width()));

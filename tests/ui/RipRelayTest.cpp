@@ -73,8 +73,9 @@ TEST(RipRelay, DeliversAllKindsInTheirOrderOnTheGuiThread)
     QObject::connect(&relay, &RipRelay::sectorDone,
                      [&](const SectorResult& sector) { note(QStringLiteral("sector %1").arg(sector.lba)); });
     QObject::connect(&relay, &RipRelay::logLine, [&](const QString& line) { note("log " + line); });
-    QObject::connect(&relay, &RipRelay::trackDone,
-                     [&](const RipResult& result) { note(QStringLiteral("done %1").arg(result.trackNumber)); });
+    QObject::connect(&relay, &RipRelay::trackDone, [&](const RipResult& result) {
+        note(QStringLiteral("done %1").arg(result.trackNumber));
+    });
     QObject::connect(&relay, &RipRelay::finished, [&] { note("finished"); });
 
     emitter.start([](RipWorker& worker) {
@@ -113,7 +114,8 @@ TEST(RipRelay, AFullDiscAtFullSpeedArrivesWholeAndTimersGoOn)
     QElapsedTimer sinceTick;
     sinceTick.start();
     QTimer tick;
-    QObject::connect(&tick, &QTimer::timeout, [&] { longestPause = qMax(longestPause, sinceTick.restart()); });
+    QObject::connect(&tick, &QTimer::timeout,
+                     [&] { longestPause = qMax(longestPause, sinceTick.restart()); });
     tick.start(1);
 
     emitter.start([](RipWorker& worker) {

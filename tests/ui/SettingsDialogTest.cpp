@@ -122,15 +122,16 @@ TEST_F(SettingsDialog, FrameAndTextsOfTheSettingsTab)
         QStringList labels;
         for (const auto* label : view.dialog->findChildren<QLabel*>(QStringLiteral("formLabel")))
             labels << label->text();
-        EXPECT_EQ(labels, (QStringList{"Max retries / sector", "Sample offset", "Drive", "Default output folder",
-                                       "Naming rule", "Display language"}));
+        EXPECT_EQ(labels, (QStringList{"Max retries / sector", "Sample offset", "Drive",
+                                       "Default output folder", "Naming rule", "Display language"}));
         QStringList notes;
         for (const auto* label : view.dialog->findChildren<QLabel*>(QStringLiteral("progressLabel")))
             notes << label->text();
         ASSERT_EQ(notes.size(), 3);
         EXPECT_EQ(notes[0], QStringLiteral("(shown after selecting a CD drive)"));
         EXPECT_TRUE(notes[1].startsWith(QStringLiteral("Look up your drive in the <a ")));
-        EXPECT_TRUE(notes[1].contains(QStringLiteral("href=\"http://www.accuraterip.com/driveoffsets.htm\"")));
+        EXPECT_TRUE(
+            notes[1].contains(QStringLiteral("href=\"http://www.accuraterip.com/driveoffsets.htm\"")));
         EXPECT_TRUE(notes[1].contains(QStringLiteral("#4db8ff")));
         EXPECT_TRUE(notes[1].endsWith(QStringLiteral(">AccurateRip drive list</a>")));
         EXPECT_EQ(notes[2], QStringLiteral("Variables: {track} {title} {artist} {album} {year}"));
@@ -254,7 +255,9 @@ TEST_F(SettingsDialog, EnterMeansOkAndEscapeMeansCancel)
 TEST_F(SettingsDialog, CancelChangesNothingAndEachOpeningLeavesADialog)
 {
     WindowDriver app(2);
-    const auto dialogs = [&app] { return app.window().findChildren<QDialog*>(QString(), Qt::FindDirectChildrenOnly); };
+    const auto dialogs = [&app] {
+        return app.window().findChildren<QDialog*>(QString(), Qt::FindDirectChildrenOnly);
+    };
     for (int opening = 1; opening <= 2; ++opening) {
         openSettings(app, [](const SettingsView& view) {
             view.retries()->setValue(33);
@@ -334,7 +337,8 @@ TEST_P(SettingsDuringARip, WhatIsChangedThenIsStoredAndLeavesTheRipAsItIs)
     clock.gate.release();
     ASSERT_TRUE(QTest::qWaitFor([&box] { return !box.isEmpty(); }, 60000));
     // Moved by the offset at the start of the rip, and named by its rule.
-    EXPECT_TRUE(ripped(QStringLiteral("Ada - Blue/01. Track 1.wav")).startsWith(app.shelf().audio.mid(6 * 4, 200 * 2352)));
+    EXPECT_TRUE(ripped(QStringLiteral("Ada - Blue/01. Track 1.wav"))
+                    .startsWith(app.shelf().audio.mid(6 * 4, 200 * 2352)));
 }
 
 TEST_P(SettingsDuringALookup, TheLookupGoesOnAndItsAnswerArrives)

@@ -42,10 +42,7 @@ protected:
     static QString text(const char* ja, const char* en) { return textIn(GetParam(), ja, en); }
 
     static QVariant stored(const char* key) { return QSettings().value(QLatin1String(key)); }
-    static QStringList driveKeys()
-    {
-        return QSettings().allKeys().filter(QStringLiteral("driveOffsets/"));
-    }
+    static QStringList driveKeys() { return QSettings().allKeys().filter(QStringLiteral("driveOffsets/")); }
     static QString music() { return QStandardPaths::writableLocation(QStandardPaths::MusicLocation); }
 
     /// Chooses a language, presses OK and answers the question.
@@ -127,7 +124,9 @@ TEST_P(SettingsOk, NewValuesAreInForceAndStored)
     EXPECT_EQ(stored(settings::defaultDir).toString(), QStringLiteral("/music/new"));
     EXPECT_EQ(stored(settings::namingRule).toString(), QStringLiteral("{artist} - {title}"));
     EXPECT_EQ(app.outputPath()->text(), QStringLiteral("/music/new"));
-    EXPECT_TRUE(app.onPage<QLabel>(1, "previewLabel")->text().contains(text("アーティスト名 - 曲名.flac", "Artist - Title.flac")));
+    EXPECT_TRUE(app.onPage<QLabel>(1, "previewLabel")
+                    ->text()
+                    .contains(text("アーティスト名 - 曲名.flac", "Artist - Title.flac")));
     EXPECT_TRUE(withSettings(app, [](const SettingsView& view) {
         EXPECT_EQ(view.retries()->value(), 55);
         EXPECT_EQ(view.offset()->value(), -48);
@@ -195,10 +194,12 @@ TEST_P(SettingsOk, AnOffsetChangedWithADriveKnownIsThatDrivesOwn)
     });
     const QString key = driveOffsetKey(model);
     EXPECT_EQ(QSettings().value(key + QStringLiteral("/offset")).toInt(), 667);
-    EXPECT_EQ(QSettings().value(key + QStringLiteral("/source")).toString(), QStringLiteral("set in Settings"));
+    EXPECT_EQ(QSettings().value(key + QStringLiteral("/source")).toString(),
+              QStringLiteral("set in Settings"));
     EXPECT_EQ(stored(settings::sampleOffset).toInt(), 667);
     EXPECT_TRUE(withSettings(app, [&model](const SettingsView& view) {
-        EXPECT_EQ(view.at<QLabel>("progressLabel", 0)->text(), model + QStringLiteral("   (set in Settings)"));
+        EXPECT_EQ(view.at<QLabel>("progressLabel", 0)->text(),
+                  model + QStringLiteral("   (set in Settings)"));
     }));
 
     // The next reading of the drive finds it again.
@@ -207,7 +208,8 @@ TEST_P(SettingsOk, AnOffsetChangedWithADriveKnownIsThatDrivesOwn)
     readDrive(next);
     EXPECT_TRUE(withSettings(next, [&model](const SettingsView& view) {
         EXPECT_EQ(view.offset()->value(), 667);
-        EXPECT_EQ(view.at<QLabel>("progressLabel", 0)->text(), model + QStringLiteral("   (set in Settings)"));
+        EXPECT_EQ(view.at<QLabel>("progressLabel", 0)->text(),
+                  model + QStringLiteral("   (set in Settings)"));
     }));
 }
 
@@ -217,7 +219,8 @@ TEST_P(SettingsOk, AnUnchangedOffsetLeavesTheDriveAlone)
     readDrive(app);
     pressOk(app, [](const SettingsView&) {});
     EXPECT_TRUE(driveKeys().isEmpty());
-    for (const char* key : {settings::maxRetries, settings::sampleOffset, settings::defaultDir, settings::namingRule})
+    for (const char* key :
+         {settings::maxRetries, settings::sampleOffset, settings::defaultDir, settings::namingRule})
         EXPECT_TRUE(stored(key).isValid()) << key;
 
     // A drive with an offset of its own keeps it, and it becomes the general one.
@@ -246,9 +249,10 @@ TEST_P(SettingsOk, ALanguageChangedAndChangedBackAsksTwice)
     RecordingStarter starter;
     const ProgramStarterOverride override(starter);
     WindowDriver app(GetParam());
-    const QStringList question{text("表示言語の変更", "Display Language"),
-                               text("表示言語の変更は、アプリの再起動後に反映されます。\n今すぐ再起動しますか？",
-                                    "The new display language will be applied after restarting.\nRestart now?")};
+    const QStringList question{
+        text("表示言語の変更", "Display Language"),
+        text("表示言語の変更は、アプリの再起動後に反映されます。\n今すぐ再起動しますか？",
+             "The new display language will be applied after restarting.\nRestart now?")};
     const int other = GetParam() == 1 ? 2 : 1;
     EXPECT_EQ(changeLanguage(app, other, QMessageBox::No), question);
     EXPECT_EQ(stored(settings::language).toInt(), other);
@@ -284,14 +288,16 @@ TEST_P(SettingsOk, YesStartsTheProgramAnewAndEndsThisOne)
 TEST(ProgramStarter, TheProgramStartedLivesOnItsOwn)
 {
     QTemporaryDir folder;
-    const QString script = writeFile(folder.path(), QStringLiteral("a program"),
-                                     "#!/bin/sh\necho \"$# $(pwd -P)\" > \"$0.tmp\" && mv \"$0.tmp\" \"$0.ran\"\n");
+    const QString script =
+        writeFile(folder.path(), QStringLiteral("a program"),
+                  "#!/bin/sh\necho \"$# $(pwd -P)\" > \"$0.tmp\" && mv \"$0.tmp\" \"$0.ran\"\n");
     ASSERT_TRUE(QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     ProgramStarter().start(script);
     QFile trace(script + QStringLiteral(".ran"));
     ASSERT_TRUE(QTest::qWaitFor([&trace] { return trace.exists(); }, 10000));
     ASSERT_TRUE(trace.open(QIODevice::ReadOnly));
-    EXPECT_EQ(QString::fromLocal8Bit(trace.readAll()).trimmed(), QStringLiteral("0 ") + QDir(QDir::currentPath()).canonicalPath());
+    EXPECT_EQ(QString::fromLocal8Bit(trace.readAll()).trimmed(),
+              QStringLiteral("0 ") + QDir(QDir::currentPath()).canonicalPath());
 }
 
 TEST(ProgramStarter, AProgramThatIsNotThereHurtsNobody)

@@ -11,7 +11,7 @@
 struct SettingsView {
     QDialog* dialog;
 
-    template <typename Widget>
+    template<typename Widget>
     Widget* at(const char* objectName, int place = 0) const
     {
         return dialog->findChildren<Widget*>(QLatin1String(objectName)).value(place);

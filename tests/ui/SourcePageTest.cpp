@@ -209,7 +209,8 @@ TEST_F(SourcePage, TheOffsetOfADriveComesFromItsOwnGroup)
     app.shelf().vendor = "AC/ME";
     app.shelf().product = "X\\9";
     QSettings().setValue(QStringLiteral("driveOffsets/AC_ME - X_9/offset"), -30);
-    QSettings().setValue(QStringLiteral("driveOffsets/AC_ME - X_9/source"), QStringLiteral("set in Settings"));
+    QSettings().setValue(QStringLiteral("driveOffsets/AC_ME - X_9/source"),
+                         QStringLiteral("set in Settings"));
     app.advanceTo(3);
     app.runRip();
     EXPECT_TRUE(app.logLines().contains(QStringLiteral("Drive  : AC/ME - X\\9")));
@@ -280,6 +281,6 @@ TEST_F(SourcePage, ADriveOfUnknownModelSaysSo)
     app.advanceTo(3);
     app.runRip();
     EXPECT_TRUE(app.logLines().contains(QStringLiteral("Drive  : (unknown)")));
-    EXPECT_TRUE(app.logLines().contains(
-        QStringLiteral("Read offset : 0  (drive model unknown - Settings value)")));
+    EXPECT_TRUE(
+        app.logLines().contains(QStringLiteral("Read offset : 0  (drive model unknown - Settings value)")));
 }

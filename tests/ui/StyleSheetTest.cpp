@@ -156,9 +156,9 @@ TEST(StyleSheet, HasTheRulesThatTheSettingsDialogAdds)
 
 TEST(StyleSheet, UsesThePaletteAndNoOtherColour)
 {
-    const QSet<QString> palette{"#0a0a0f", "#070710", "#07070f", "#050510", "#0a1a2e", "#0d3a6a", "#1a5a9a",
-                                "#0d2a45", "#0d1a2a", "#1a4a7a", "#4db8ff", "#c0d8f0", "#90b8d8", "#4a7aa0",
-                                "#2a5a8a", "#1a3a5a", "#ff8c00"};
+    const QSet<QString> palette{"#0a0a0f", "#070710", "#07070f", "#050510", "#0a1a2e", "#0d3a6a",
+                                "#1a5a9a", "#0d2a45", "#0d1a2a", "#1a4a7a", "#4db8ff", "#c0d8f0",
+                                "#90b8d8", "#4a7aa0", "#2a5a8a", "#1a3a5a", "#ff8c00"};
     QSet<QString> used;
     static const QRegularExpression colour(QStringLiteral("#[0-9a-fA-F]{6}\\b"));
     const QString sheet = styleSheetText();

@@ -27,16 +27,19 @@ protected:
             EXPECT_EQ(column(app, row), wanted.row);
             EXPECT_EQ(app.verdicts()->item(row, 2)->foreground(), QBrush()) << "no colour of its own";
         }
-        EXPECT_EQ(app.logLines().last(5),
-                  (QStringList{QString(), QStringLiteral("─── AccurateRip ────────────────────"),
-                               QStringLiteral("  Disc ID : ") + accurateRipDiscId(ids), wanted.log, logRule}));
+        EXPECT_EQ(
+            app.logLines().last(5),
+            (QStringList{QString(), QStringLiteral("─── AccurateRip ────────────────────"),
+                         QStringLiteral("  Disc ID : ") + accurateRipDiscId(ids), wanted.log, logRule}));
     }
 
     static NoVerdict unreachable(int language, const QString& japanese, const QString& english)
     {
         const QString log = QStringLiteral("  Could not connect to the AccurateRip server");
-        return language == 1 ? NoVerdict{QStringLiteral("—  照合できませんでした"), japanese, QStringLiteral("—  未照合"), log}
-                             : NoVerdict{QStringLiteral("—  Could not verify"), english, QStringLiteral("—  Not verified"), log};
+        return language == 1 ? NoVerdict{QStringLiteral("—  照合できませんでした"), japanese,
+                                         QStringLiteral("—  未照合"), log}
+                             : NoVerdict{QStringLiteral("—  Could not verify"), english,
+                                         QStringLiteral("—  Not verified"), log};
     }
 };
 
@@ -52,9 +55,14 @@ TEST_F(VerifyTrouble, WithoutAConnectionNothingIsVerified)
         rip(app, {{0}, {200}, {400, true}});
         verify(app);
         ASSERT_EQ(app.verdicts()->rowCount(), 3);
-        expectNoVerdict(app, unreachable(
-            language, QStringLiteral("AccurateRipのサーバーに接続できませんでした。インターネット接続を確認してください。"),
-            QStringLiteral("Could not connect to the AccurateRip server. Please check your internet connection.")));
+        expectNoVerdict(
+            app,
+            unreachable(
+                language,
+                QStringLiteral(
+                    "AccurateRipのサーバーに接続できませんでした。インターネット接続を確認してください。"),
+                QStringLiteral(
+                    "Could not connect to the AccurateRip server. Please check your internet connection.")));
     }
 }
 
@@ -66,10 +74,15 @@ TEST_F(VerifyTrouble, AnErrorOfTheServerAndAnEmptyFileNameTheirStatus)
             WindowDriver app(language, drive());
             rip(app);
             verify(app);
-            expectNoVerdict(app, unreachable(
-                language,
-                QStringLiteral("AccurateRipのサーバーからエラーが返りました（HTTP %1）。時間をおいて再度お試しください。").arg(status),
-                QStringLiteral("The AccurateRip server returned an error (HTTP %1). Please try again later.").arg(status)));
+            expectNoVerdict(
+                app,
+                unreachable(language,
+                            QStringLiteral("AccurateRipのサーバーからエラーが返りました（HTTP "
+                                           "%1）。時間をおいて再度お試しください。")
+                                .arg(status),
+                            QStringLiteral(
+                                "The AccurateRip server returned an error (HTTP %1). Please try again later.")
+                                .arg(status)));
         }
     }
 }
@@ -77,14 +90,17 @@ TEST_F(VerifyTrouble, AnErrorOfTheServerAndAnEmptyFileNameTheirStatus)
 TEST_F(VerifyTrouble, WhatHoldsNoEntryOfThisDiscIsNotFound)
 {
     const AccurateRipIds own = computeAccurateRipIds(discOfTracks({{0}, {300}}));
-    const QByteArray strange = accuraterip::pressing(own.discId1 ^ 1, own.discId2, own.cddbId, {{9, 1, 1}, {9, 2, 2}});
-    const QByteArray empty = accuraterip::pressing(own.discId1, own.discId2, own.cddbId, {{9, 0, 1}, {9, 0, 2}});
+    const QByteArray strange =
+        accuraterip::pressing(own.discId1 ^ 1, own.discId2, own.cddbId, {{9, 1, 1}, {9, 2, 2}});
+    const QByteArray empty =
+        accuraterip::pressing(own.discId1, own.discId2, own.cddbId, {{9, 0, 1}, {9, 0, 2}});
     for (const int language : {1, 2}) {
         const QString found = language == 1 ? QStringLiteral("—  未登録") : QStringLiteral("—  Not found");
-        const QString text = language == 1
-            ? QStringLiteral("このCD（プレス）はAccurateRipデータベースに登録されていません。")
-            : QStringLiteral("This disc (pressing) is not in the AccurateRip database.");
-        for (const ServedAnswer& answer : {errorPage(404), page(QByteArray(12, 'x')), page(strange), page(empty)}) {
+        const QString text =
+            language == 1 ? QStringLiteral("このCD（プレス）はAccurateRipデータベースに登録されていません。")
+                          : QStringLiteral("This disc (pressing) is not in the AccurateRip database.");
+        for (const ServedAnswer& answer :
+             {errorPage(404), page(QByteArray(12, 'x')), page(strange), page(empty)}) {
             services.on(hosts::accurateRip, "/", answer);
             WindowDriver app(language, drive());
             rip(app);
@@ -98,8 +114,9 @@ TEST_F(VerifyTrouble, AFileThatIsCutOffCountsAsFarAsItCame)
 {
     WindowDriver app(2, drive());
     rip(app);
-    const QByteArray whole = accuraterip::pressing(ids.discId1, ids.discId2, ids.cddbId,
-                                                   {{12, ripCrcs.value(1).second, 1}, {3, ripCrcs.value(2).second, 1}});
+    const QByteArray whole =
+        accuraterip::pressing(ids.discId1, ids.discId2, ids.cddbId,
+                              {{12, ripCrcs.value(1).second, 1}, {3, ripCrcs.value(2).second, 1}});
     ServedAnswer cut = page(whole);
     cut.breakAfter = whole.size() - 4;
     services.on(hosts::accurateRip, "/", cut);
@@ -125,13 +142,16 @@ TEST_F(VerifyTrouble, ATrackThatWasNotSavedIsAMismatchWithoutChecksum)
         ids = computeAccurateRipIds(discOfTracks({{0}, {100}}));
         serve({{12, ripCrcs.value(1).second, 1}, {3, 0x12345678, 1}});
         verify(app);
-        EXPECT_EQ(verdict(app), language == 1 ? QStringLiteral("◈  一部不一致") : QStringLiteral("◈  Partial mismatch"));
+        EXPECT_EQ(verdict(app),
+                  language == 1 ? QStringLiteral("◈  一部不一致") : QStringLiteral("◈  Partial mismatch"));
         EXPECT_EQ(detail(app),
                   language == 1
-                      ? QStringLiteral("一部のトラックがAccurateRip DBと一致しませんでした。\n傷やドライブの問題の可能性があります。")
+                      ? QStringLiteral("一部のトラックがAccurateRip "
+                                       "DBと一致しませんでした。\n傷やドライブの問題の可能性があります。")
                       : QStringLiteral("Some tracks did not match the AccurateRip database.\n"
                                        "The disc may be scratched or the drive may have a problem."));
-        EXPECT_EQ(column(app, 1), language == 1 ? QStringLiteral("◈  不一致") : QStringLiteral("◈  Mismatch"));
+        EXPECT_EQ(column(app, 1),
+                  language == 1 ? QStringLiteral("◈  不一致") : QStringLiteral("◈  Mismatch"));
         EXPECT_TRUE(app.logLines().contains(QStringLiteral("  Track 02  [00000000]  ** MISMATCH **")));
     }
 }
@@ -143,16 +163,19 @@ TEST_F(VerifyTrouble, NoMatchAtAllSpeaksBothLanguages)
         rip(app);
         serve({{12, 0x12345678, 1}, {3, 0x87654321, 7}});
         verify(app);
-        EXPECT_EQ(verdict(app), language == 1 ? QStringLiteral("—  未登録/不一致") : QStringLiteral("—  Not found / Mismatch"));
-        EXPECT_EQ(detail(app),
-                  language == 1 ? QStringLiteral("このプレスはAccurateRipデータベースに登録されていないか、\n"
-                                                 "いずれのトラックも一致しませんでした。\n"
-                                                 "傷の無いCDで全曲が不一致の場合は、Settingsの「Sample offset」が\n"
-                                                 "ドライブに合っていない可能性があります。")
-                                : QStringLiteral("This pressing is not in the AccurateRip database,\n"
-                                                 "or none of the tracks matched.\n"
-                                                 "If every track of an undamaged disc mismatches, the \"Sample offset\"\n"
-                                                 "in Settings may not match your drive."));
+        EXPECT_EQ(verdict(app), language == 1 ? QStringLiteral("—  未登録/不一致")
+                                              : QStringLiteral("—  Not found / Mismatch"));
+        EXPECT_EQ(
+            detail(app),
+            language == 1
+                ? QStringLiteral("このプレスはAccurateRipデータベースに登録されていないか、\n"
+                                 "いずれのトラックも一致しませんでした。\n"
+                                 "傷の無いCDで全曲が不一致の場合は、Settingsの「Sample offset」が\n"
+                                 "ドライブに合っていない可能性があります。")
+                : QStringLiteral("This pressing is not in the AccurateRip database,\n"
+                                 "or none of the tracks matched.\n"
+                                 "If every track of an undamaged disc mismatches, the \"Sample offset\"\n"
+                                 "in Settings may not match your drive."));
         EXPECT_EQ(app.logLines().last(5),
                   (QStringList{QStringLiteral("  Disc ID : ") + accurateRipDiscId(ids),
                                QStringLiteral("  Track 01  [%1]  ** MISMATCH **").arg(crcText(1)),
@@ -186,7 +209,8 @@ TEST_F(VerifyTrouble, ADataTrackBehindTheAudioDoesNotSpoilAMatch)
         EXPECT_EQ(column(app, 2), language == 1 ? QStringLiteral("—  データ") : QStringLiteral("—  Data"));
         EXPECT_EQ(app.verdicts()->item(2, 2)->foreground(), QBrush());
         EXPECT_EQ(app.logLines().filter(QStringLiteral("  Track 03  [")).size(), 0);
-        EXPECT_EQ(app.logLines().value(app.logLines().size() - 2), QStringLiteral("  2 / 2 tracks accurately ripped"));
+        EXPECT_EQ(app.logLines().value(app.logLines().size() - 2),
+                  QStringLiteral("  2 / 2 tracks accurately ripped"));
     }
 }
 

@@ -58,12 +58,12 @@ public:
     /// Hands the window over; nothing else may be asked of this afterwards.
     std::unique_ptr<MainWindow> takeWindow() { return std::move(frame); }
 
-    template <typename Widget>
+    template<typename Widget>
     Widget* find(const char* objectName, int place = 0)
     {
         return frame->findChildren<Widget*>(QLatin1String(objectName)).value(place);
     }
-    template <typename Widget>
+    template<typename Widget>
     Widget* onPage(int page, const char* objectName, int place = 0)
     {
         return pageAt(page)->findChildren<Widget*>(QLatin1String(objectName)).value(place);

@@ -224,10 +224,12 @@ TEST_F(Wizard, NoPageScrollsAtTheInitialSizeAndNoneIsCutAtTheSmallest)
             EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << "page " << page;
             app.window().resize(960, 620);
             QCoreApplication::processEvents();
-            EXPECT_GE(area->widget()->height(), area->widget()->minimumSizeHint().height()) << "page " << page;
+            EXPECT_GE(area->widget()->height(), area->widget()->minimumSizeHint().height())
+                << "page " << page;
             // The RIP and Verify steps have their whole page in the smallest window.
             if (page >= 3) {
-                EXPECT_EQ(area->verticalScrollBar()->maximum(), 0) << "page " << page << " language " << language;
+                EXPECT_EQ(area->verticalScrollBar()->maximum(), 0)
+                    << "page " << page << " language " << language;
             }
             EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << "page " << page;
         }

@@ -32,7 +32,7 @@ QByteArray entry(quint8 confidence, quint32 crc, quint32 crc450)
 QByteArray chunk(const QList<QByteArray>& entries, const AccurateRipIds& of = ids)
 {
     return QByteArray(1, static_cast<char>(entries.size())) + little(of.discId1) + little(of.discId2)
-        + little(of.cddbId) + entries.join();
+           + little(of.cddbId) + entries.join();
 }
 
 class AccurateRipVerify : public ::testing::Test {
@@ -77,16 +77,17 @@ protected:
 TEST(ParseDbar, EntriesGoToTheirTracksPressingAfterPressing)
 {
     const QByteArray body = chunk({entry(5, 0xA1, 0xB1), entry(6, 0xA2, 0xB2)})
-        + chunk({entry(7, 0xA3, 0xB3), entry(8, 0xA4, 0)});
-    EXPECT_EQ(parseDbar(body, ids), (QList<QList<ArEntry>>{{{5, 0xA1, 0xB1}, {7, 0xA3, 0xB3}},
-                                                           {{6, 0xA2, 0xB2}, {8, 0xA4, 0}}}));
+                            + chunk({entry(7, 0xA3, 0xB3), entry(8, 0xA4, 0)});
+    EXPECT_EQ(parseDbar(body, ids),
+              (QList<QList<ArEntry>>{{{5, 0xA1, 0xB1}, {7, 0xA3, 0xB3}}, {{6, 0xA2, 0xB2}, {8, 0xA4, 0}}}));
 }
 
 TEST(ParseDbar, ChunksOfOtherPressingsAreSteppedOver)
 {
     AccurateRipIds other = ids;
     other.cddbId ^= 1;
-    const QByteArray body = chunk({entry(1, 1, 1), entry(1, 1, 1)}, other)
+    const QByteArray body =
+        chunk({entry(1, 1, 1), entry(1, 1, 1)}, other)
         + chunk({entry(1, 1, 1), entry(1, 1, 1), entry(1, 1, 1)}) // the ids, with another track count
         + chunk({entry(9, 2, 2), entry(9, 3, 3)});
     EXPECT_EQ(parseDbar(body, ids), (QList<QList<ArEntry>>{{{9, 2, 2}}, {{9, 3, 3}}}));
@@ -123,7 +124,8 @@ TEST(ParseDbar, EntriesWithoutAnyChecksumAreDropped)
 TEST(ParseDbar, NoFileOfAnyShapeIsRefused)
 {
     QRandomGenerator random(3);
-    const QByteArray valid = chunk({entry(5, 1, 2), entry(6, 3, 4)}) + chunk({entry(7, 5, 6), entry(8, 7, 8)});
+    const QByteArray valid =
+        chunk({entry(5, 1, 2), entry(6, 3, 4)}) + chunk({entry(7, 5, 6), entry(8, 7, 8)});
     for (int round = 0; round < 20000; ++round) {
         QByteArray body = valid.left(random.bounded(static_cast<int>(valid.size()) + 1));
         for (int flips = random.bounded(4); flips > 0 && !body.isEmpty(); --flips)
@@ -184,10 +186,12 @@ TEST_F(AccurateRipVerify, TheLogNamesTheAddressAndTheAnswer)
         answerWith(status, body);
         const LogCapture log;
         EXPECT_FALSE(verify());
-        EXPECT_EQ(log.debugLines().filter(QStringLiteral("[AccurateRip]")),
-                  (QStringList{QStringLiteral("[AccurateRip] fetch: http://www.accuraterip.com/accuraterip/0/3/5/"
-                                              "dBAR-002-00007530-00013881-0b010a02.bin"),
-                               QStringLiteral("[AccurateRip] HTTP status: %1 bytes: %2").arg(status).arg(body.size())}));
+        EXPECT_EQ(
+            log.debugLines().filter(QStringLiteral("[AccurateRip]")),
+            (QStringList{
+                QStringLiteral("[AccurateRip] fetch: http://www.accuraterip.com/accuraterip/0/3/5/"
+                               "dBAR-002-00007530-00013881-0b010a02.bin"),
+                QStringLiteral("[AccurateRip] HTTP status: %1 bytes: %2").arg(status).arg(body.size())}));
     }
 }
 
@@ -230,9 +234,10 @@ TEST_F(AccurateRipVerify, ADiscWithoutAudioAsksNothing)
 TEST_F(AccurateRipVerify, ADiscThatIsNotThereIsNoNetworkError)
 {
     const AccurateRipIds own = computeAccurateRipIds(disc);
-    const QList<std::pair<int, QByteArray>> answers{
-        {404, {}}, {200, QByteArray(12, 'x')}, {200, chunk({entry(1, 1, 1)}, ids)},
-        {200, chunk({entry(9, 0, 7), entry(9, 0, 8)}, own)}};
+    const QList<std::pair<int, QByteArray>> answers{{404, {}},
+                                                    {200, QByteArray(12, 'x')},
+                                                    {200, chunk({entry(1, 1, 1)}, ids)},
+                                                    {200, chunk({entry(9, 0, 7), entry(9, 0, 8)}, own)}};
     for (const auto& [status, body] : answers) {
         answerWith(status, body);
         EXPECT_FALSE(verify());
@@ -269,8 +274,9 @@ TEST_F(AccurateRipVerify, AnotherStatusAndAnEmptyAnswerAreServerErrors)
         answerWith(status, body);
         EXPECT_FALSE(verify());
         EXPECT_TRUE(networkError);
-        EXPECT_EQ(error,
-                  QStringLiteral("The AccurateRip server returned an error (HTTP %1). Please try again later.").arg(status));
+        EXPECT_EQ(error, QStringLiteral(
+                             "The AccurateRip server returned an error (HTTP %1). Please try again later.")
+                             .arg(status));
     }
 }
 
@@ -278,14 +284,18 @@ TEST_F(AccurateRipVerify, ErrorsInJapanese)
 {
     speak(1);
     EXPECT_FALSE(verify());
-    EXPECT_EQ(error, QStringLiteral("AccurateRipのサーバーに接続できませんでした。インターネット接続を確認してください。"));
+    EXPECT_EQ(error,
+              QStringLiteral(
+                  "AccurateRipのサーバーに接続できませんでした。インターネット接続を確認してください。"));
     answerWith(404, {});
     verify();
     EXPECT_EQ(error, QStringLiteral("このCD（プレス）はAccurateRipデータベースに登録されていません。"));
     answerWith(503, {});
     verify();
-    EXPECT_EQ(error,
-              QStringLiteral("AccurateRipのサーバーからエラーが返りました（HTTP 503）。時間をおいて再度お試しください。"));
+    EXPECT_EQ(
+        error,
+        QStringLiteral(
+            "AccurateRipのサーバーからエラーが返りました（HTTP 503）。時間をおいて再度お試しください。"));
     disc.tracks.clear();
     verify();
     EXPECT_EQ(error, QStringLiteral("音声トラックがありません。"));

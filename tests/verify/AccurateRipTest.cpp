@@ -201,7 +201,7 @@ TEST(AccurateRipCrc, AFirstTrackBelow2940FramesIsZero)
 TEST(AccurateRipCrc, ADiscOfOneTrackIsTrimmedAtBothEnds)
 {
     QList<int> samples(2 * 6000, 0);
-    samples[2 * (2939 - 1)] = 65536;        // position 2939, before the first counted
+    samples[2 * (2939 - 1)] = 65536;            // position 2939, before the first counted
     samples[2 * (6000 - 2940 + 1 - 1)] = 65536; // behind the last counted
     EXPECT_EQ(checksums(samples, 1, 1), (Checksums{0, 0}));
     samples[2 * (2940 - 1)] = 65536;
