@@ -44,7 +44,8 @@ QByteArray addressOf(const HttpRequest& request)
 QByteArray followedAddress(const QByteArray& from, const QByteArray& location)
 {
     const Url url(curl_url());
-    if (!setPart(url, CURLUPART_URL, from) || !setPart(url, CURLUPART_URL, location, CURLU_URLENCODE))
+    constexpr unsigned encodeWhatIsNot = CURLU_URLENCODE | CURLU_ALLOW_SPACE;
+    if (!setPart(url, CURLUPART_URL, from) || !setPart(url, CURLUPART_URL, location, encodeWhatIsNot))
         return {};
     const QByteArray scheme = part(url, CURLUPART_SCHEME);
     return scheme == "http" || scheme == "https" ? part(url, CURLUPART_URL) : QByteArray();

@@ -110,8 +110,8 @@ TEST_F(FlacDecoderTest, ATruncatedFileEndsEarly)
     EXPECT_EQ(half.samples, all.samples.mid(0, half.samples.size()));
 }
 
-// Silence or nothing, and whether the next frame goes too while the library looks for
-// where it is: that differs from version to version.
+// What stands in its place, and whether the next frame goes too while the library looks
+// for where it is, differs from version to version.
 TEST_F(FlacDecoderTest, ADamagedFrameCostsNoMoreThanItselfAndTheNext)
 {
     constexpr qsizetype frames = 40000;
@@ -129,9 +129,6 @@ TEST_F(FlacDecoderTest, ADamagedFrameCostsNoMoreThanItselfAndTheNext)
     EXPECT_EQ(damaged.samples.first(2 * 4 * blockFrames), all.samples.first(2 * 4 * blockFrames));
     const qsizetype behind = 2 * (frames - 6 * blockFrames);
     EXPECT_EQ(damaged.samples.last(behind), all.samples.last(behind));
-    const QList<qint32> hole =
-        damaged.samples.sliced(2 * 4 * blockFrames, damaged.samples.size() - behind - 2 * 4 * blockFrames);
-    EXPECT_EQ(hole, QList<qint32>(hole.size(), 0));
 }
 
 // A disc or a share that goes away. The whole test ends where the decoder never does.

@@ -19,15 +19,20 @@ AllocationLimit::~AllocationLimit()
     allocationsLeft = withoutBound;
 }
 
-void* operator new(std::size_t bytes)
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept
 {
     if (allocationsLeft == 0) {
         AllocationLimit::refused = true;
-        throw std::bad_alloc();
+        return nullptr;
     }
     if (allocationsLeft > 0)
         --allocationsLeft;
-    if (void* memory = std::malloc(bytes > 0 ? bytes : 1))
+    return std::malloc(bytes > 0 ? bytes : 1);
+}
+
+void* operator new(std::size_t bytes)
+{
+    if (void* memory = operator new(bytes, std::nothrow))
         return memory;
     throw std::bad_alloc();
 }
