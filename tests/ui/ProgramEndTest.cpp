@@ -5,29 +5,13 @@
 #include "support/FakeHttpTransport.h"
 #include "ui/HeldRip.h"
 #include "ui/ProgramEnd.h"
+#include "ui/RecordedEnd.h"
 
 #include <QElapsedTimer>
-
-#include <functional>
-#include <utility>
 
 using namespace lookups;
 
 namespace {
-
-class RecordedEnd : public AbruptEnd {
-public:
-    explicit RecordedEnd(std::function<void()> onEnd) : atEnd(std::move(onEnd)) {}
-    void endProcess() override
-    {
-        ++calls;
-        atEnd();
-    }
-    int calls = 0;
-
-private:
-    std::function<void()> atEnd;
-};
 
 class ProgramEnd : public LookupStage {
 protected:

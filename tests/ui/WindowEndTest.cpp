@@ -3,6 +3,7 @@
 #include "ui/LookupStage.h"
 
 #include "ui/LookupChains.h"
+#include "ui/RecordedEnd.h"
 
 #include <QApplication>
 #include <QFile>
@@ -64,20 +65,6 @@ private:
     bool made = false;
     int reader = -1;
     std::thread drain;
-};
-
-class RecordedEnd : public AbruptEnd {
-public:
-    explicit RecordedEnd(std::function<void()> onEnd) : atEnd(std::move(onEnd)) {}
-    void endProcess() override
-    {
-        ++calls;
-        atEnd();
-    }
-    int calls = 0;
-
-private:
-    std::function<void()> atEnd;
 };
 
 class WindowEnd : public LookupStage {
