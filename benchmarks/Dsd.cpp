@@ -3,8 +3,8 @@
 
 #include "ChildRun.h"
 #include "Measure.h"
-#include "codecs/DsdFirFilter.h"
-#include "codecs/PlainDsdFilter.h"
+#include "codecs/dsd/DsdFirFilter.h"
+#include "codecs/dsd/PlainDsdFilter.h"
 
 #include <QByteArray>
 

@@ -1,5 +1,10 @@
 # What every target of this tree shares: warnings, sanitizers, include paths.
 
+include(${CMAKE_CURRENT_LIST_DIR}/${CMAKE_SYSTEM_NAME}Platform.cmake OPTIONAL RESULT_VARIABLE platform_file)
+if(NOT platform_file)
+    message(FATAL_ERROR "${CMAKE_SYSTEM_NAME} is not served yet: there is no ${CMAKE_SYSTEM_NAME}Platform.cmake.")
+endif()
+
 add_library(tarvel_options INTERFACE)
 target_compile_options(tarvel_options INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
@@ -36,12 +41,13 @@ function(tarvel_library name)
     target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE tarvel_options ${ARG_PRIVATE})
 endfunction()
 
-# tarvel_platform_source(variable Subject)
+# tarvel_platform_source(variable [folder/]Subject)
 #
-# Names the file of this folder that implements a subject for the platform that
-# is built for, LinuxSubject.cpp on Linux.
+# Names the file that implements a subject for the platform that is built for,
+# folder/LinuxSubject.cpp on Linux.
 function(tarvel_platform_source variable subject)
-    set(file ${CMAKE_SYSTEM_NAME}${subject}.cpp)
+    cmake_path(GET subject FILENAME name)
+    cmake_path(REPLACE_FILENAME subject ${CMAKE_SYSTEM_NAME}${name}.cpp OUTPUT_VARIABLE file)
     if(NOT EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${file})
         message(FATAL_ERROR "${CMAKE_SYSTEM_NAME} is not served yet: there is no ${file}.")
     endif()

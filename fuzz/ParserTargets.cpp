@@ -2,9 +2,9 @@
 
 #include "base/ByteOrder.h"
 #include "fuzz/Promise.h"
-#include "metadata/GnuDb.h"
-#include "metadata/ITunes.h"
-#include "metadata/MusicBrainz.h"
+#include "metadata/lookup/GnuDb.h"
+#include "metadata/lookup/ITunes.h"
+#include "metadata/lookup/MusicBrainz.h"
 #include "verify/AccurateRipDatabase.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "codecs/Oversampler.h"
 
-#include "codecs/DsdFirFilter.h"
 #include "codecs/FloatSample.h"
+#include "codecs/dsd/DsdFirFilter.h"
 
 #include <algorithm>
 #include <cmath>

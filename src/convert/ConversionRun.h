@@ -1,7 +1,7 @@
 #pragma once
 
 #include "codecs/IAudioEncoder.h"
-#include "metadata/ReplayGain.h"
+#include "metadata/tags/ReplayGain.h"
 
 #include <QFileInfo>
 #include <QList>

@@ -1,9 +1,9 @@
 // The step of a disc run that fills in what the user left empty.
 
-#include "metadata/AnswerText.h"
-#include "metadata/CoverArt.h"
-#include "metadata/GnuDb.h"
-#include "metadata/MusicBrainz.h"
+#include "metadata/lookup/AnswerText.h"
+#include "metadata/lookup/CoverArt.h"
+#include "metadata/lookup/GnuDb.h"
+#include "metadata/lookup/MusicBrainz.h"
 #include "rip/RipWorker.h"
 
 #include <QDebug>

@@ -8,7 +8,7 @@
 #include "codecs/IAudioEncoder.h"
 #include "disc/CdDrive.h"
 #include "metadata/LoudnessMeter.h"
-#include "metadata/TagWriter.h"
+#include "metadata/tags/TagWriter.h"
 #include "rip/OutputNaming.h"
 #include "rip/RunGuard.h"
 

@@ -2,7 +2,7 @@
 
 #include "codecs/AudioFormat.h"
 #include "disc/DiscModel.h"
-#include "metadata/ReplayGain.h"
+#include "metadata/tags/ReplayGain.h"
 #include "rip/RipTypes.h"
 
 #include <QObject>

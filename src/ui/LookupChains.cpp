@@ -1,6 +1,6 @@
 #include "ui/LookupChains.h"
 
-#include "metadata/HttpTransport.h"
+#include "metadata/http/HttpTransport.h"
 
 #include <QDebug>
 #include <QThreadPool>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "disc/DiscModel.h"
-#include "metadata/CoverArt.h"
-#include "metadata/GnuDb.h"
-#include "metadata/MusicBrainz.h"
+#include "metadata/lookup/CoverArt.h"
+#include "metadata/lookup/GnuDb.h"
+#include "metadata/lookup/MusicBrainz.h"
 
 #include <QPixmap>
 

@@ -1,7 +1,7 @@
 #include "ui/MainWindow.h"
 
 #include "base/Language.h"
-#include "metadata/AnswerText.h"
+#include "metadata/lookup/AnswerText.h"
 #include "ui/AlbumFolder.h"
 #include "ui/LookupChains.h"
 #include "ui/PageParts.h"

@@ -2,7 +2,7 @@
 
 #include "base/Language.h"
 #include "base/Settings.h"
-#include "metadata/ServiceHosts.h"
+#include "metadata/http/ServiceHosts.h"
 #include "ui/AboutPage.h"
 #include "ui/PageParts.h"
 #include "ui/ProgramInfo.h"

@@ -3,7 +3,7 @@
 #include "base/Language.h"
 #include "base/Settings.h"
 #include "disc/CdDrive.h"
-#include "metadata/CoverArt.h"
+#include "metadata/lookup/CoverArt.h"
 #include "ui/PageParts.h"
 
 #include <QComboBox>

@@ -2,9 +2,9 @@
 
 #include "base/ByteOrder.h"
 #include "base/Language.h"
-#include "metadata/Http.h"
-#include "metadata/HttpTransport.h"
-#include "metadata/ServiceHosts.h"
+#include "metadata/http/Http.h"
+#include "metadata/http/HttpTransport.h"
+#include "metadata/http/ServiceHosts.h"
 
 #include <QDebug>
 

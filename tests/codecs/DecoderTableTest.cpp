@@ -1,13 +1,13 @@
-#include "codecs/AacDecoder.h"
-#include "codecs/AiffDecoder.h"
-#include "codecs/DffDecoder.h"
-#include "codecs/DsfDecoder.h"
-#include "codecs/FlacDecoder.h"
-#include "codecs/Mp3Decoder.h"
-#include "codecs/OggDecoder.h"
-#include "codecs/OpusDecoder.h"
-#include "codecs/WavDecoder.h"
-#include "codecs/WavPackDecoder.h"
+#include "codecs/dsd/DffDecoder.h"
+#include "codecs/dsd/DsfDecoder.h"
+#include "codecs/flac/FlacDecoder.h"
+#include "codecs/media/AacDecoder.h"
+#include "codecs/mp3/Mp3Decoder.h"
+#include "codecs/ogg/OggDecoder.h"
+#include "codecs/ogg/OpusDecoder.h"
+#include "codecs/pcm/AiffDecoder.h"
+#include "codecs/pcm/WavDecoder.h"
+#include "codecs/wavpack/WavPackDecoder.h"
 
 #include <gtest/gtest.h>
 

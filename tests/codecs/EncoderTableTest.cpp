@@ -1,11 +1,11 @@
-#include "codecs/AacEncoder.h"
-#include "codecs/AiffEncoder.h"
-#include "codecs/AlacEncoder.h"
-#include "codecs/ConverterFlacEncoder.h"
 #include "codecs/EncoderOptions.h"
 #include "codecs/EncoderRun.h"
-#include "codecs/Mp3Encoder.h"
-#include "codecs/WavEncoder.h"
+#include "codecs/flac/ConverterFlacEncoder.h"
+#include "codecs/media/AacEncoder.h"
+#include "codecs/media/AlacEncoder.h"
+#include "codecs/mp3/Mp3Encoder.h"
+#include "codecs/pcm/AiffEncoder.h"
+#include "codecs/pcm/WavEncoder.h"
 
 #include <QFile>
 

@@ -1,5 +1,5 @@
-#include "codecs/ChainFile.h"
 #include "codecs/DecoderFiles.h"
+#include "codecs/ogg/ChainFile.h"
 #include "support/Tool.h"
 
 #include <QFile>

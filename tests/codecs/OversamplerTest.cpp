@@ -1,7 +1,7 @@
 #include "codecs/Oversampler.h"
 
 #include "codecs/EncoderRun.h"
-#include "codecs/PlainDsdFilter.h"
+#include "codecs/dsd/PlainDsdFilter.h"
 #include "support/AudioMaker.h"
 
 #include <cmath>

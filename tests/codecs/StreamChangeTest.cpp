@@ -1,6 +1,6 @@
 #include "codecs/StreamChange.h"
 
-#include "codecs/ChainFile.h"
+#include "codecs/ogg/ChainFile.h"
 #include "support/LogCapture.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "metadata/HttpTransport.h"
+#include "metadata/http/HttpTransport.h"
 #include "support/LoopbackServer.h"
 #include "support/ServedAnswer.h"
 #include "support/TestAuthority.h"

@@ -2,7 +2,7 @@
 
 #include "ui/LookupChains.h"
 
-#include "metadata/DiscTables.h"
+#include "metadata/lookup/DiscTables.h"
 #include "support/FakeHttpTransport.h"
 #include "support/LogCapture.h"
 #include "support/LoopbackServices.h"

@@ -1,0 +1,155 @@
+#include "codecs/flac/FlacDecoder.h"
+
+#include "codecs/BlockSize.h"
+#include "codecs/NoThrow.h"
+
+#include <FLAC/stream_decoder.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+struct DecoderDeleter {
+    void operator()(FLAC__StreamDecoder* handle) const { FLAC__stream_decoder_delete(handle); }
+};
+
+} // namespace
+
+/// The library's decoder, which pushes frames of its own size, and the queue
+/// from which blocks are pulled.
+class FlacDecoder::Stream {
+public:
+    bool start(const std::filesystem::path& path);
+    std::optional<AudioBlock> read();
+
+    AudioFormat format;
+    quint64 total = 0;
+
+private:
+    static FLAC__StreamDecoderWriteStatus onFrame(const FLAC__StreamDecoder*, const FLAC__Frame* frame,
+                                                  const FLAC__int32* const channels[], void* self);
+    static void onMetadata(const FLAC__StreamDecoder*, const FLAC__StreamMetadata* metadata, void* self);
+    static void onError(const FLAC__StreamDecoder*, FLAC__StreamDecoderErrorStatus, void*) {}
+
+    bool queue(const FLAC__Frame& frame, const FLAC__int32* const channels[]);
+    std::size_t queuedFrames() const { return (queued.size() - taken) / format.channels; }
+
+    bool headerSeen = false;
+    bool ended = false;
+    std::vector<qint32> queued; // interleaved
+    std::size_t taken = 0;      // values at the front of the queue that are handed out
+    std::unique_ptr<FLAC__StreamDecoder, DecoderDeleter> decoder;
+};
+
+bool FlacDecoder::Stream::start(const std::filesystem::path& path)
+{
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (!file)
+        return false;
+    decoder.reset(FLAC__stream_decoder_new());
+    if (!decoder) {
+        std::fclose(file);
+        return false;
+    }
+    FLAC__stream_decoder_set_metadata_respond(decoder.get(), FLAC__METADATA_TYPE_STREAMINFO);
+    // From here on the file is the decoder's, which closes it when deleted even
+    // if this call fails.
+    if (FLAC__stream_decoder_init_FILE(decoder.get(), file, onFrame, onMetadata, onError, this)
+        != FLAC__STREAM_DECODER_INIT_STATUS_OK)
+        return false;
+    // The library finds the end of the metadata also where it finds none.
+    return FLAC__stream_decoder_process_until_end_of_metadata(decoder.get()) && headerSeen;
+}
+
+void FlacDecoder::Stream::onMetadata(const FLAC__StreamDecoder*, const FLAC__StreamMetadata* metadata,
+                                     void* self)
+{
+    auto& stream = *static_cast<Stream*>(self);
+    if (metadata->type != FLAC__METADATA_TYPE_STREAMINFO)
+        return;
+    const FLAC__StreamMetadata_StreamInfo& info = metadata->data.stream_info;
+    stream.format = {info.sample_rate, static_cast<quint16>(info.channels),
+                     static_cast<quint16>(info.bits_per_sample)};
+    stream.total = info.total_samples;
+    stream.headerSeen = info.channels > 0;
+}
+
+FLAC__StreamDecoderWriteStatus FlacDecoder::Stream::onFrame(const FLAC__StreamDecoder*,
+                                                            const FLAC__Frame* frame,
+                                                            const FLAC__int32* const channels[], void* self)
+{
+    auto& stream = *static_cast<Stream*>(self);
+    // Nothing may be thrown through the library.
+    if (withoutThrowing([&] { return stream.queue(*frame, channels); }))
+        return FLAC__STREAM_DECODER_WRITE_STATUS_CONTINUE;
+    stream.ended = true;
+    return FLAC__STREAM_DECODER_WRITE_STATUS_ABORT;
+}
+
+bool FlacDecoder::Stream::queue(const FLAC__Frame& frame, const FLAC__int32* const channels[])
+{
+    if (!headerSeen || frame.header.channels != format.channels)
+        return false;
+    queued.erase(queued.begin(), queued.begin() + static_cast<std::ptrdiff_t>(taken));
+    taken = 0;
+    const std::size_t before = queued.size();
+    const std::size_t count = format.channels;
+    queued.resize(before + frame.header.blocksize * count);
+    const int shift = 32 - static_cast<int>(frame.header.bits_per_sample);
+    for (std::size_t channel = 0; channel < count; ++channel) {
+        qint32* target = queued.data() + before + channel;
+        const FLAC__int32* source = channels[channel];
+        for (std::size_t i = 0; i < frame.header.blocksize; ++i, target += count)
+            *target = static_cast<qint32>(static_cast<quint32>(source[i]) << shift);
+    }
+    return true;
+}
+
+std::optional<AudioBlock> FlacDecoder::Stream::read()
+{
+    const std::size_t wanted = framesPerBlock(format.channels);
+    while (queuedFrames() < wanted && !ended) {
+        // The states behind the end are failures, which the call itself need not report.
+        if (!FLAC__stream_decoder_process_single(decoder.get())
+            || FLAC__stream_decoder_get_state(decoder.get()) >= FLAC__STREAM_DECODER_END_OF_STREAM)
+            ended = true;
+    }
+    const std::size_t frames = std::min(queuedFrames(), wanted);
+    if (frames == 0)
+        return std::nullopt;
+    const std::size_t count = frames * format.channels;
+    const qint32* first = queued.data() + taken;
+    AudioBlock block{QList<qint32>(first, first + count), frames};
+    taken += count;
+    return block;
+}
+
+FlacDecoder::FlacDecoder() = default;
+FlacDecoder::~FlacDecoder() = default;
+
+bool FlacDecoder::open(const std::filesystem::path& path)
+{
+    if (stream)
+        return false;
+    return withoutThrowing([&] {
+        auto started = std::make_unique<Stream>();
+        if (!started->start(path))
+            return false;
+        pcm = started->format;
+        total = started->total;
+        stream = std::move(started);
+        return true;
+    });
+}
+
+std::optional<AudioBlock> FlacDecoder::read()
+{
+    return withoutThrowing([this] { return stream ? stream->read() : std::nullopt; });
+}
+
+void FlacDecoder::close()
+{
+    stream.reset();
+}

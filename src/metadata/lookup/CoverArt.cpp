@@ -1,0 +1,138 @@
+#include "metadata/lookup/CoverArt.h"
+
+#include "metadata/http/Http.h"
+#include "metadata/http/ServiceHosts.h"
+#include "metadata/lookup/ITunes.h"
+#include "metadata/lookup/JsonAnswer.h"
+
+#include <QDebug>
+#include <QJsonArray>
+#include <QUrl>
+
+namespace {
+
+QString percentEncoded(const QString& text)
+{
+    return QString::fromLatin1(QUrl::toPercentEncoding(text));
+}
+
+QPixmap archiveImage(const QString& mbid)
+{
+    const QByteArray body = CoverArt::get(CoverArt::archiveImageUrl(mbid));
+    QPixmap image;
+    if (body.isEmpty())
+        qWarning().noquote() << "CoverArt[MB]: image not available for MBID" << mbid;
+    else if (image.loadFromData(body))
+        qDebug() << "CoverArt[MB]: success" << image.size();
+    return image;
+}
+
+} // namespace
+
+QByteArray CoverArt::get(const QString& url)
+{
+    return verbatimGet(url);
+}
+
+QString CoverArt::archiveImageUrl(const QString& mbid)
+{
+    return QLatin1String(services::coverArtArchive) + QStringLiteral("/release/%1/front-500").arg(mbid);
+}
+
+QPixmap CoverArt::pictureAt(const QString& url)
+{
+    QPixmap picture;
+    if (url.isEmpty())
+        return picture;
+    const QByteArray body = httpGet(url);
+    if (!body.isEmpty())
+        picture.loadFromData(body);
+    return picture;
+}
+
+QPixmap CoverArt::fetch(const QString& artist, const QString& album) const
+{
+    qDebug().noquote() << "CoverArt::fetch" << artist << album;
+    const QString mbid = findMbid(artist, album);
+    if (!mbid.isEmpty()) {
+        const QPixmap image = archiveImage(mbid);
+        if (!image.isNull())
+            return image;
+    }
+
+    QString url = discogsImageUrl(artist, album);
+    if (url.isEmpty())
+        url = iTunesImageUrl(artist, album);
+    if (url.isEmpty()) {
+        qWarning() << "CoverArt: not found in any source";
+        return {};
+    }
+
+    qDebug().noquote() << "CoverArt: downloading" << url;
+    const QByteArray body = get(url);
+    if (body.isEmpty()) {
+        qWarning() << "CoverArt: image download failed";
+        return {};
+    }
+    QPixmap image;
+    image.loadFromData(body);
+    qDebug() << "CoverArt: success" << image.size();
+    return image;
+}
+
+QString CoverArt::findMbid(const QString& artist, const QString& album)
+{
+    const QString query = QStringLiteral("artist:\"%1\" AND release:\"%2\"").arg(artist, album);
+    const QByteArray body = get(QLatin1String(services::musicBrainz) + QLatin1String("/ws/2/release/?query=")
+                                + percentEncoded(query) + QLatin1String("&fmt=json&limit=5"));
+    if (body.isEmpty()) {
+        qWarning() << "CoverArt[MB]: request failed";
+        return {};
+    }
+    const QJsonArray releases = jsonArray(body, QLatin1String("releases"));
+    if (releases.isEmpty()) {
+        qWarning() << "CoverArt[MB]: no releases found";
+        return {};
+    }
+    const QString mbid = releases.first()[QLatin1String("id")].toString();
+    qDebug().noquote() << "CoverArt[MB]: MBID =" << mbid;
+    return mbid;
+}
+
+QString CoverArt::discogsImageUrl(const QString& artist, const QString& album) const
+{
+    if (discogsToken.isEmpty()) {
+        qDebug() << "CoverArt[Discogs]: token not set, skip";
+        return {};
+    }
+    const QString query = percentEncoded(QStringLiteral("%1 %2").arg(artist, album));
+    const QByteArray body = get(QLatin1String(services::discogs) + QLatin1String("/database/search?q=")
+                                + query + QLatin1String("&type=release&per_page=5&token=") + discogsToken);
+    if (body.isEmpty()) {
+        qWarning() << "CoverArt[Discogs]: request failed";
+        return {};
+    }
+    const QJsonArray results = jsonArray(body, QLatin1String("results"));
+    if (results.isEmpty()) {
+        qWarning() << "CoverArt[Discogs]: no results";
+        return {};
+    }
+    const QJsonValue first = results.first();
+    QString url = first[QLatin1String("cover_image")].toString();
+    if (url.isEmpty())
+        url = first[QLatin1String("thumb")].toString();
+    qDebug().noquote() << "CoverArt[Discogs]: url =" << url;
+    return url;
+}
+
+QString CoverArt::iTunesImageUrl(const QString& artist, const QString& album)
+{
+    const QByteArray body =
+        get(QLatin1String(services::iTunes) + QLatin1String("/search?term=") + iTunesTerm(artist, album)
+            + QLatin1String("&entity=album&limit=10&country=JP"));
+    if (body.isEmpty()) {
+        qWarning() << "CoverArt[iTunes]: request failed";
+        return {};
+    }
+    return chooseITunesArtwork(body, album);
+}

@@ -1,0 +1,141 @@
+#include "codecs/media/MediaDecoding.h"
+
+#include "codecs/DecoderRun.h"
+
+struct Script {
+    bool opens = true;
+    int widest = 24;
+    AudioFormat format{44100, 2, 24};
+    std::optional<quint64> duration;
+    std::vector<std::pair<MediaReader::Outcome, QByteArray>> steps;
+    QList<int> asked;
+    int alive = 0;
+};
+
+// A platform's reader that plays a written script.
+struct ScriptedReader : MediaReader {
+    static inline Script script;
+    std::size_t step = 0;
+
+    ScriptedReader() { ++script.alive; }
+    ~ScriptedReader() override { --script.alive; }
+
+    bool open(const std::filesystem::path&) override { return script.opens; }
+    bool choosePcm(int bits) override
+    {
+        script.asked.append(bits);
+        script.format.bitsPerSample = static_cast<quint16>(bits);
+        return bits <= script.widest;
+    }
+    AudioFormat format() const override { return script.format; }
+    std::optional<quint64> duration() const override { return script.duration; }
+    Outcome read(std::vector<quint8>& pcm) override
+    {
+        if (step == script.steps.size())
+            return Outcome::End;
+        pcm.assign(script.steps[step].second.begin(), script.steps[step].second.end());
+        return script.steps[step++].first;
+    }
+};
+
+class MediaDecodingTest : public ::testing::Test {
+protected:
+    using Outcome = MediaReader::Outcome;
+
+    MediaDecodingTest() { script = Script(); }
+    ~MediaDecodingTest() override { EXPECT_EQ(script.alive, 0); }
+
+    Script& script = ScriptedReader::script;
+    std::unique_ptr<MediaDecoding> media = std::make_unique<MediaDecoding>(
+        []() -> std::unique_ptr<MediaReader> { return std::make_unique<ScriptedReader>(); });
+
+    void TearDown() override { media.reset(); }
+};
+
+TEST_F(MediaDecodingTest, AsksFor24BitsFirstAndThenFor16)
+{
+    EXPECT_TRUE(media->open("x"));
+    EXPECT_EQ(script.asked, QList<int>{24});
+    media->close();
+    script.asked.clear();
+    script.widest = 16;
+    EXPECT_TRUE(media->open("x"));
+    EXPECT_EQ(script.asked, (QList<int>{24, 16}));
+    EXPECT_EQ(media->format(), (AudioFormat{44100, 2, 16}));
+    media->close();
+    script.widest = 0;
+    EXPECT_FALSE(media->open("x"));
+    EXPECT_EQ(script.alive, 0);
+}
+
+TEST_F(MediaDecodingTest, AnUnopenableSourceOrAZeroInItsFormatIsRefused)
+{
+    script.opens = false;
+    EXPECT_FALSE(media->open("x"));
+    script.opens = true;
+    for (const AudioFormat& format : {AudioFormat{0, 2, 24}, AudioFormat{44100, 0, 24}}) {
+        script.format = format;
+        EXPECT_FALSE(media->open("x"));
+    }
+    EXPECT_EQ(script.alive, 0);
+}
+
+TEST_F(MediaDecodingTest, TheTotalIsTheDurationTimesTheRateCut)
+{
+    const std::pair<quint64, quint64> cases[] = {
+        {10000000, 44100}, {9999999, 44099}, {0, 0}, {1, 0}, {227, 1}};
+    for (const auto& [ticks, frames] : cases) {
+        script.duration = ticks;
+        ASSERT_TRUE(media->open("x"));
+        EXPECT_EQ(media->totalFrames(), frames) << ticks;
+        media->close();
+    }
+    script.duration.reset();
+    ASSERT_TRUE(media->open("x"));
+    EXPECT_EQ(media->totalFrames(), std::nullopt);
+}
+
+TEST_F(MediaDecodingTest, SamplesOfBothWidthsAreLeftJustified)
+{
+    const QByteArray bytes("\x01\x80\xFF\x7F\x00\x80", 6);
+    script.steps = {{Outcome::Samples, bytes}};
+    ASSERT_TRUE(media->open("x"));
+    EXPECT_EQ(media->read()->samples, patterns({0xFF800100, 0x80007F00}));
+    media->close();
+    script.widest = 16;
+    ASSERT_TRUE(media->open("x"));
+    // The last value has no partner, so it is no frame.
+    const auto block = media->read();
+    EXPECT_EQ(block->frames, 1u);
+    EXPECT_EQ(block->samples, patterns({0x80010000, 0x7FFF0000}));
+}
+
+TEST_F(MediaDecodingTest, AGapIsAnEmptyBlockAndNotTheEnd)
+{
+    script.steps = {{Outcome::Gap, {}}, {Outcome::Samples, QByteArray(6, '\1')}};
+    ASSERT_TRUE(media->open("x"));
+    const auto gap = media->read();
+    ASSERT_TRUE(gap);
+    EXPECT_EQ(gap->frames, 0u);
+    EXPECT_TRUE(gap->samples.isEmpty());
+    EXPECT_EQ(media->read()->frames, 1u);
+    EXPECT_FALSE(media->read());
+}
+
+TEST_F(MediaDecodingTest, AFailureEndsTheStreamForGood)
+{
+    script.steps = {{Outcome::Failure, {}}, {Outcome::Samples, QByteArray(6, '\1')}};
+    ASSERT_TRUE(media->open("x"));
+    EXPECT_FALSE(media->read());
+    EXPECT_FALSE(media->read());
+    media->close();
+    EXPECT_FALSE(media->read());
+}
+
+TEST_F(MediaDecodingTest, ASecondOpenIsRefusedAndTheFirstGoesOn)
+{
+    script.steps = {{Outcome::Samples, QByteArray(6, '\1')}};
+    ASSERT_TRUE(media->open("x"));
+    EXPECT_FALSE(media->open("y"));
+    EXPECT_EQ(media->read()->frames, 1u);
+}
