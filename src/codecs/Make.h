@@ -2,7 +2,7 @@
 
 #include <memory>
 
-/// What a table of codecs names a class by: the making of a new object of it.
+/// What a table of classes names one by: the making of a new object of it.
 template<typename Interface, typename Class>
 std::unique_ptr<Interface> make()
 {

@@ -1,6 +1,7 @@
 #include "codecs/dsd/DffDecoder.h"
 
 #include "codecs/BlockSize.h"
+#include "codecs/dsd/DsdFileStream.h"
 
 namespace {
 
@@ -96,9 +97,11 @@ std::optional<DsdLayoutInFile> readHeader(InputFile& file)
     return layout;
 }
 
+std::unique_ptr<AudioStream> makeStream()
+{
+    return std::make_unique<DsdFileStream>(readHeader);
+}
+
 } // namespace
 
-bool DffDecoder::open(const std::filesystem::path& path)
-{
-    return reader.open(path, readHeader);
-}
+DffDecoder::DffDecoder() : StreamDecoder(makeStream) {}

@@ -17,8 +17,6 @@ struct DsdInterleave {
 class DsdFilterBank {
 public:
     void reset(quint16 channels) { filters.assign(channels, DsdFirFilter()); }
-    void clear() { filters = {}; }
-    bool isEmpty() const { return filters.empty(); }
 
     /// One block of as many frames as there are bytes of each channel.
     AudioBlock decode(const std::vector<quint8>& bytes, std::size_t frames, const DsdInterleave& interleave);

@@ -1,5 +1,7 @@
 #include "codecs/dsd/DsfDecoder.h"
 
+#include "codecs/dsd/DsdFileStream.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -57,9 +59,11 @@ std::optional<DsdLayoutInFile> readHeader(InputFile& file)
     return layout;
 }
 
+std::unique_ptr<AudioStream> makeStream()
+{
+    return std::make_unique<DsdFileStream>(readHeader);
+}
+
 } // namespace
 
-bool DsfDecoder::open(const std::filesystem::path& path)
-{
-    return reader.open(path, readHeader);
-}
+DsfDecoder::DsfDecoder() : StreamDecoder(makeStream) {}

@@ -1,6 +1,8 @@
 #include "codecs/flac/FlacDecoder.h"
 
+#include "codecs/AudioStream.h"
 #include "codecs/BlockSize.h"
+#include "codecs/Make.h"
 #include "codecs/NoThrow.h"
 
 #include <FLAC/stream_decoder.h>
@@ -15,17 +17,12 @@ struct DecoderDeleter {
     void operator()(FLAC__StreamDecoder* handle) const { FLAC__stream_decoder_delete(handle); }
 };
 
-} // namespace
-
 /// The library's decoder, which pushes frames of its own size, and the queue
 /// from which blocks are pulled.
-class FlacDecoder::Stream {
+class FlacStream : public AudioStream {
 public:
-    bool start(const std::filesystem::path& path);
-    std::optional<AudioBlock> read();
-
-    AudioFormat format;
-    quint64 total = 0;
+    bool open(const std::filesystem::path& path) override;
+    std::optional<AudioBlock> read() override;
 
 private:
     static FLAC__StreamDecoderWriteStatus onFrame(const FLAC__StreamDecoder*, const FLAC__Frame* frame,
@@ -34,7 +31,7 @@ private:
     static void onError(const FLAC__StreamDecoder*, FLAC__StreamDecoderErrorStatus, void*) {}
 
     bool queue(const FLAC__Frame& frame, const FLAC__int32* const channels[]);
-    std::size_t queuedFrames() const { return (queued.size() - taken) / format.channels; }
+    std::size_t queuedFrames() const { return (queued.size() - taken) / pcm.channels; }
 
     bool headerSeen = false;
     bool ended = false;
@@ -43,7 +40,7 @@ private:
     std::unique_ptr<FLAC__StreamDecoder, DecoderDeleter> decoder;
 };
 
-bool FlacDecoder::Stream::start(const std::filesystem::path& path)
+bool FlacStream::open(const std::filesystem::path& path)
 {
     std::FILE* file = std::fopen(path.c_str(), "rb");
     if (!file)
@@ -63,24 +60,22 @@ bool FlacDecoder::Stream::start(const std::filesystem::path& path)
     return FLAC__stream_decoder_process_until_end_of_metadata(decoder.get()) && headerSeen;
 }
 
-void FlacDecoder::Stream::onMetadata(const FLAC__StreamDecoder*, const FLAC__StreamMetadata* metadata,
-                                     void* self)
+void FlacStream::onMetadata(const FLAC__StreamDecoder*, const FLAC__StreamMetadata* metadata, void* self)
 {
-    auto& stream = *static_cast<Stream*>(self);
+    auto& stream = *static_cast<FlacStream*>(self);
     if (metadata->type != FLAC__METADATA_TYPE_STREAMINFO)
         return;
     const FLAC__StreamMetadata_StreamInfo& info = metadata->data.stream_info;
-    stream.format = {info.sample_rate, static_cast<quint16>(info.channels),
-                     static_cast<quint16>(info.bits_per_sample)};
+    stream.pcm = {info.sample_rate, static_cast<quint16>(info.channels),
+                  static_cast<quint16>(info.bits_per_sample)};
     stream.total = info.total_samples;
     stream.headerSeen = info.channels > 0;
 }
 
-FLAC__StreamDecoderWriteStatus FlacDecoder::Stream::onFrame(const FLAC__StreamDecoder*,
-                                                            const FLAC__Frame* frame,
-                                                            const FLAC__int32* const channels[], void* self)
+FLAC__StreamDecoderWriteStatus FlacStream::onFrame(const FLAC__StreamDecoder*, const FLAC__Frame* frame,
+                                                   const FLAC__int32* const channels[], void* self)
 {
-    auto& stream = *static_cast<Stream*>(self);
+    auto& stream = *static_cast<FlacStream*>(self);
     // Nothing may be thrown through the library.
     if (withoutThrowing([&] { return stream.queue(*frame, channels); }))
         return FLAC__STREAM_DECODER_WRITE_STATUS_CONTINUE;
@@ -88,14 +83,14 @@ FLAC__StreamDecoderWriteStatus FlacDecoder::Stream::onFrame(const FLAC__StreamDe
     return FLAC__STREAM_DECODER_WRITE_STATUS_ABORT;
 }
 
-bool FlacDecoder::Stream::queue(const FLAC__Frame& frame, const FLAC__int32* const channels[])
+bool FlacStream::queue(const FLAC__Frame& frame, const FLAC__int32* const channels[])
 {
-    if (!headerSeen || frame.header.channels != format.channels)
+    if (!headerSeen || frame.header.channels != pcm.channels)
         return false;
     queued.erase(queued.begin(), queued.begin() + static_cast<std::ptrdiff_t>(taken));
     taken = 0;
     const std::size_t before = queued.size();
-    const std::size_t count = format.channels;
+    const std::size_t count = pcm.channels;
     queued.resize(before + frame.header.blocksize * count);
     const int shift = 32 - static_cast<int>(frame.header.bits_per_sample);
     for (std::size_t channel = 0; channel < count; ++channel) {
@@ -107,9 +102,9 @@ bool FlacDecoder::Stream::queue(const FLAC__Frame& frame, const FLAC__int32* con
     return true;
 }
 
-std::optional<AudioBlock> FlacDecoder::Stream::read()
+std::optional<AudioBlock> FlacStream::read()
 {
-    const std::size_t wanted = framesPerBlock(format.channels);
+    const std::size_t wanted = framesPerBlock(pcm.channels);
     while (queuedFrames() < wanted && !ended) {
         // The states behind the end are failures, which the call itself need not report.
         if (!FLAC__stream_decoder_process_single(decoder.get())
@@ -119,37 +114,13 @@ std::optional<AudioBlock> FlacDecoder::Stream::read()
     const std::size_t frames = std::min(queuedFrames(), wanted);
     if (frames == 0)
         return std::nullopt;
-    const std::size_t count = frames * format.channels;
+    const std::size_t count = frames * pcm.channels;
     const qint32* first = queued.data() + taken;
     AudioBlock block{QList<qint32>(first, first + count), frames};
     taken += count;
     return block;
 }
 
-FlacDecoder::FlacDecoder() = default;
-FlacDecoder::~FlacDecoder() = default;
+} // namespace
 
-bool FlacDecoder::open(const std::filesystem::path& path)
-{
-    if (stream)
-        return false;
-    return withoutThrowing([&] {
-        auto started = std::make_unique<Stream>();
-        if (!started->start(path))
-            return false;
-        pcm = started->format;
-        total = started->total;
-        stream = std::move(started);
-        return true;
-    });
-}
-
-std::optional<AudioBlock> FlacDecoder::read()
-{
-    return withoutThrowing([this] { return stream ? stream->read() : std::nullopt; });
-}
-
-void FlacDecoder::close()
-{
-    stream.reset();
-}
+FlacDecoder::FlacDecoder() : StreamDecoder(make<AudioStream, FlacStream>) {}

@@ -1,19 +1,9 @@
 #pragma once
 
-#include "codecs/IAudioDecoder.h"
-#include "codecs/media/MediaDecoding.h"
+#include "codecs/StreamDecoder.h"
 
 /// AAC in ADTS and MPEG-4 files, and ALAC in the latter, decoded by the platform.
-class AacDecoder : public IAudioDecoder {
+class AacDecoder : public StreamDecoder {
 public:
-    ~AacDecoder() override = default;
-
-    bool open(const std::filesystem::path& path) override { return media.open(path); }
-    AudioFormat format() const override { return media.format(); }
-    std::optional<AudioBlock> read() override { return media.read(); }
-    std::optional<quint64> totalFrames() const override { return media.totalFrames(); }
-    void close() override { media.close(); }
-
-private:
-    MediaDecoding media;
+    AacDecoder();
 };

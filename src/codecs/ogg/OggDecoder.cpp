@@ -1,10 +1,11 @@
 #include "codecs/ogg/OggDecoder.h"
 
+#include "codecs/AudioStream.h"
 #include "codecs/BlockSize.h"
 #include "codecs/CFile.h"
 #include "codecs/ChannelOrder.h"
 #include "codecs/FloatSample.h"
-#include "codecs/NoThrow.h"
+#include "codecs/Make.h"
 #include "codecs/StreamChange.h"
 
 // The header defines callbacks that nobody here uses.
@@ -109,58 +110,44 @@ void interleave(float* const* planes, std::size_t frames, std::size_t channels, 
     }
 }
 
-} // namespace
+class OggStream : public AudioStream {
+public:
+    bool open(const std::filesystem::path& path) override;
+    std::optional<AudioBlock> read() override;
 
-struct OggDecoder::Stream {
-    bool open(const std::filesystem::path& path)
-    {
-        source.file = openForReading(path);
-        source.bytesLeft = bytesToOpenWith(path);
-        if (!source.file)
-            return false;
-        const bool opened = vorbis.open(source);
-        source.bytesLeft = std::numeric_limits<quint64>::max();
-        return opened || vorbis.openAtTheStart(source);
-    }
+private:
+    bool openFile(const std::filesystem::path& path);
+    quint64 decode(quint64 frames, qint32* target);
 
     Source source;
     VorbisFile vorbis;
+    bool ended = false;
 };
 
-OggDecoder::OggDecoder() = default;
-OggDecoder::~OggDecoder() = default;
-
-bool OggDecoder::open(const std::filesystem::path& path)
+bool OggStream::openFile(const std::filesystem::path& path)
 {
-    if (stream)
+    source.file = openForReading(path);
+    source.bytesLeft = bytesToOpenWith(path);
+    if (!source.file)
         return false;
-    return withoutThrowing([&] { return openStream(path); });
+    const bool opened = vorbis.open(source);
+    source.bytesLeft = std::numeric_limits<quint64>::max();
+    return opened || vorbis.openAtTheStart(source);
 }
 
-bool OggDecoder::openStream(const std::filesystem::path& path)
+bool OggStream::open(const std::filesystem::path& path)
 {
-    auto started = std::make_unique<Stream>();
-    if (!started->open(path))
-        return false;
-    const vorbis_info* info = ov_info(started->vorbis.get(), 0);
+    const vorbis_info* info = openFile(path) ? ov_info(vorbis.get(), 0) : nullptr;
     if (!info || info->rate <= 0 || info->channels <= 0)
         return false;
     pcm = {static_cast<quint32>(info->rate), static_cast<quint16>(info->channels), deliveredBits};
-    const ogg_int64_t frames = ov_pcm_total(started->vorbis.get(), -1);
+    const ogg_int64_t frames = ov_pcm_total(vorbis.get(), -1);
     total = frames > 0 ? std::optional(static_cast<quint64>(frames)) : std::nullopt;
-    stream = std::move(started);
     return true;
 }
 
-std::optional<AudioBlock> OggDecoder::read()
+std::optional<AudioBlock> OggStream::read()
 {
-    return withoutThrowing([this] { return readBlock(); });
-}
-
-std::optional<AudioBlock> OggDecoder::readBlock()
-{
-    if (!stream || ended)
-        return std::nullopt;
     const quint64 wanted = framesPerBlock(pcm.channels);
     AudioBlock block{QList<qint32>(static_cast<qsizetype>(wanted * pcm.channels)), 0};
     while (!ended && block.frames < wanted)
@@ -170,14 +157,14 @@ std::optional<AudioBlock> OggDecoder::readBlock()
 }
 
 /// Takes what the library has at once, which is nothing at a hole and at the end.
-quint64 OggDecoder::decode(quint64 frames, qint32* target)
+quint64 OggStream::decode(quint64 frames, qint32* target)
 {
     float** planes = nullptr;
     int link = 0;
-    const long decoded = ov_read_float(stream->vorbis.get(), &planes, static_cast<int>(frames), &link);
+    const long decoded = ov_read_float(vorbis.get(), &planes, static_cast<int>(frames), &link);
     if (decoded == OV_HOLE)
         return 0;
-    const vorbis_info* info = decoded > 0 ? ov_info(stream->vorbis.get(), link) : nullptr;
+    const vorbis_info* info = decoded > 0 ? ov_info(vorbis.get(), link) : nullptr;
     const bool sameRate = info && info->rate == static_cast<long>(pcm.sampleRate);
     if (info && !sameRate)
         reportRateChange(pcm.sampleRate, static_cast<quint32>(info->rate));
@@ -197,8 +184,6 @@ quint64 OggDecoder::decode(quint64 frames, qint32* target)
     return count;
 }
 
-void OggDecoder::close()
-{
-    stream.reset();
-    ended = false;
-}
+} // namespace
+
+OggDecoder::OggDecoder() : StreamDecoder(make<AudioStream, OggStream>) {}

@@ -1,9 +1,10 @@
 #include "codecs/ogg/OpusDecoder.h"
 
+#include "codecs/AudioStream.h"
 #include "codecs/BlockSize.h"
 #include "codecs/CFile.h"
 #include "codecs/ChannelOrder.h"
-#include "codecs/NoThrow.h"
+#include "codecs/Make.h"
 #include "codecs/StreamChange.h"
 
 #include <opusfile.h>
@@ -60,66 +61,47 @@ AudioBlock widen(const std::vector<opus_int16>& interleaved, std::size_t frames,
     return block;
 }
 
-} // namespace
+class OpusStream : public AudioStream {
+public:
+    bool open(const std::filesystem::path& path) override;
+    std::optional<AudioBlock> read() override;
 
-struct OpusDecoder_::Stream {
+private:
     CFile file;
     std::unique_ptr<OggOpusFile, OpusDeleter> handle;
     std::vector<opus_int16> buffer;
 };
 
-OpusDecoder_::OpusDecoder_() = default;
-OpusDecoder_::~OpusDecoder_() = default;
-
-bool OpusDecoder_::open(const std::filesystem::path& path)
+bool OpusStream::open(const std::filesystem::path& path)
 {
-    if (stream)
+    file = openForReading(path);
+    if (!file)
         return false;
-    return withoutThrowing([&] {
-        auto started = std::make_unique<Stream>();
-        started->file = openForReading(path);
-        if (!started->file)
-            return false;
-        // No close among the callbacks: the file stays ours.
-        const OpusFileCallbacks callbacks{onRead, onSeek, onTell, nullptr};
-        started->handle.reset(op_open_callbacks(started->file.get(), &callbacks, nullptr, 0, nullptr));
-        const int channels = started->handle ? op_channel_count(started->handle.get(), -1) : 0;
-        if (channels < 1)
-            return false;
-        pcm = {opusRate, static_cast<quint16>(channels), deliveredBits};
-        // No more than a block even of the link that gets most frames out of it.
-        started->buffer.resize(framesPerBlock(pcm.channels)
-                               * static_cast<std::size_t>(fewestChannels(started->handle.get())));
-        const ogg_int64_t frames = op_pcm_total(started->handle.get(), -1);
-        total = frames > 0 ? std::optional(static_cast<quint64>(frames)) : std::nullopt;
-        stream = std::move(started);
-        return true;
-    });
+    // No close among the callbacks: the file stays ours.
+    const OpusFileCallbacks callbacks{onRead, onSeek, onTell, nullptr};
+    handle.reset(op_open_callbacks(file.get(), &callbacks, nullptr, 0, nullptr));
+    const int channels = handle ? op_channel_count(handle.get(), -1) : 0;
+    if (channels < 1)
+        return false;
+    pcm = {opusRate, static_cast<quint16>(channels), deliveredBits};
+    // No more than a block even of the link that gets most frames out of it.
+    buffer.resize(framesPerBlock(pcm.channels) * static_cast<std::size_t>(fewestChannels(handle.get())));
+    const ogg_int64_t frames = op_pcm_total(handle.get(), -1);
+    total = frames > 0 ? std::optional(static_cast<quint64>(frames)) : std::nullopt;
+    return true;
 }
 
-std::optional<AudioBlock> OpusDecoder_::read()
+std::optional<AudioBlock> OpusStream::read()
 {
-    return withoutThrowing([this] { return readBlock(); });
-}
-
-std::optional<AudioBlock> OpusDecoder_::readBlock()
-{
-    if (!stream || ended)
-        return std::nullopt;
-    std::vector<opus_int16>& buffer = stream->buffer;
     int link = 0;
-    const int frames = op_read(stream->handle.get(), buffer.data(), static_cast<int>(buffer.size()), &link);
-    if (frames <= 0) {
-        ended = true;
+    const int frames = op_read(handle.get(), buffer.data(), static_cast<int>(buffer.size()), &link);
+    if (frames <= 0)
         return std::nullopt;
-    }
-    const auto channels = static_cast<quint16>(op_channel_count(stream->handle.get(), link));
+    const auto channels = static_cast<quint16>(op_channel_count(handle.get(), link));
     AudioBlock block = widen(buffer, static_cast<std::size_t>(frames), channels);
     return channels == pcm.channels ? block : mapChannels(block, channels, pcm.channels, deliveredBits);
 }
 
-void OpusDecoder_::close()
-{
-    stream.reset();
-    ended = false;
-}
+} // namespace
+
+OpusDecoder_::OpusDecoder_() : StreamDecoder(make<AudioStream, OpusStream>) {}

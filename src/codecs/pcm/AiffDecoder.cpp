@@ -1,5 +1,7 @@
 #include "codecs/pcm/AiffDecoder.h"
 
+#include "codecs/pcm/PcmFileStream.h"
+
 #include <cmath>
 
 namespace {
@@ -78,9 +80,11 @@ std::optional<PcmLayoutInFile> readHeader(InputFile& file)
     return layout;
 }
 
+std::unique_ptr<AudioStream> makeStream()
+{
+    return std::make_unique<PcmFileStream>(ByteOrder::Big, readHeader);
+}
+
 } // namespace
 
-bool AiffDecoder::open(const std::filesystem::path& path)
-{
-    return reader.open(path, readHeader);
-}
+AiffDecoder::AiffDecoder() : StreamDecoder(makeStream, 0) {}

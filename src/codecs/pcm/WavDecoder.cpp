@@ -1,5 +1,7 @@
 #include "codecs/pcm/WavDecoder.h"
 
+#include "codecs/pcm/PcmFileStream.h"
+
 namespace {
 
 constexpr quint32 fixedFormatBytes = 16;
@@ -48,9 +50,11 @@ std::optional<PcmLayoutInFile> readHeader(InputFile& file)
     return layout;
 }
 
+std::unique_ptr<AudioStream> makeStream()
+{
+    return std::make_unique<PcmFileStream>(ByteOrder::Little, readHeader);
+}
+
 } // namespace
 
-bool WavDecoder::open(const std::filesystem::path& path)
-{
-    return reader.open(path, readHeader);
-}
+WavDecoder::WavDecoder() : StreamDecoder(makeStream, 0) {}

@@ -1,8 +1,9 @@
 #include "codecs/wavpack/WavPackDecoder.h"
 
+#include "codecs/AudioStream.h"
 #include "codecs/BlockSize.h"
 #include "codecs/CFile.h"
-#include "codecs/NoThrow.h"
+#include "codecs/Make.h"
 
 #include <wavpack/wavpack.h>
 
@@ -75,66 +76,46 @@ int onClose(void*)
     return 0;
 }
 
-} // namespace
+class WavPackStream : public AudioStream {
+public:
+    bool open(const std::filesystem::path& path) override;
+    std::optional<AudioBlock> read() override;
 
-struct WavPackDecoder::Stream {
+private:
     CFile file;
     WavpackStreamReader64 reader{onRead,     nullptr,  onTell,    onSeek,     onSeekFrom,
                                  onPushBack, onLength, onCanSeek, onTruncate, onClose};
     std::unique_ptr<WavpackContext, ContextDeleter> context;
 };
 
-WavPackDecoder::WavPackDecoder() = default;
-WavPackDecoder::~WavPackDecoder() = default;
-
-bool WavPackDecoder::open(const std::filesystem::path& path)
+bool WavPackStream::open(const std::filesystem::path& path)
 {
-    if (stream)
-        return false;
-    return withoutThrowing([&] { return openStream(path); });
-}
-
-bool WavPackDecoder::openStream(const std::filesystem::path& path)
-{
-    auto started = std::make_unique<Stream>();
-    started->file = openForReading(path);
-    if (!started->file)
+    file = openForReading(path);
+    if (!file)
         return false;
     char error[errorTextBytes];
-    started->context.reset(
-        WavpackOpenFileInputEx64(&started->reader, started->file.get(), nullptr, error, 0, 0));
-    if (!started->context)
+    context.reset(WavpackOpenFileInputEx64(&reader, file.get(), nullptr, error, 0, 0));
+    if (!context)
         return false;
-    const int channels = WavpackGetNumChannels(started->context.get());
-    const int bits = WavpackGetBitsPerSample(started->context.get());
-    const quint32 rate = WavpackGetSampleRate(started->context.get());
+    const int channels = WavpackGetNumChannels(context.get());
+    const int bits = WavpackGetBitsPerSample(context.get());
+    const quint32 rate = WavpackGetSampleRate(context.get());
     if (channels < 1 || channels > std::numeric_limits<quint16>::max() || bits < 1 || bits > sampleBits
         || rate == 0)
         return false;
     pcm = {rate, static_cast<quint16>(channels), static_cast<quint16>(bits)};
-    const int64_t frames = WavpackGetNumSamples64(started->context.get());
+    const int64_t frames = WavpackGetNumSamples64(context.get());
     total = frames > 0 ? std::optional(static_cast<quint64>(frames)) : std::nullopt;
-    stream = std::move(started);
     return true;
 }
 
-std::optional<AudioBlock> WavPackDecoder::read()
+std::optional<AudioBlock> WavPackStream::read()
 {
-    return withoutThrowing([this] { return readBlock(); });
-}
-
-std::optional<AudioBlock> WavPackDecoder::readBlock()
-{
-    if (!stream || ended)
-        return std::nullopt;
     const quint64 wanted = framesPerBlock(pcm.channels);
     AudioBlock block{QList<qint32>(static_cast<qsizetype>(wanted * pcm.channels)), 0};
-    block.frames =
-        WavpackUnpackSamples(stream->context.get(), block.samples.data(), static_cast<quint32>(wanted));
-    if (block.frames == 0) {
-        ended = true;
+    block.frames = WavpackUnpackSamples(context.get(), block.samples.data(), static_cast<quint32>(wanted));
+    if (block.frames == 0)
         return std::nullopt;
-    }
     block.samples.resize(static_cast<qsizetype>(block.frames * pcm.channels));
     const int shift = sampleBits - pcm.bitsPerSample;
     for (qint32& sample : block.samples)
@@ -142,8 +123,6 @@ std::optional<AudioBlock> WavPackDecoder::readBlock()
     return block;
 }
 
-void WavPackDecoder::close()
-{
-    stream.reset();
-    ended = false;
-}
+} // namespace
+
+WavPackDecoder::WavPackDecoder() : StreamDecoder(make<AudioStream, WavPackStream>) {}

@@ -2,6 +2,7 @@
 
 #include "codecs/DecoderFiles.h"
 #include "codecs/FloatSample.h"
+#include "codecs/dsd/DsdFirFilter.h"
 
 using namespace decoderfiles;
 

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "codecs/AudioStream.h"
 #include "codecs/InputFile.h"
 #include "codecs/dsd/DsdFilterBank.h"
-
-#include <optional>
 
 /// What the header of a file of one-bit audio tells.
 struct DsdLayoutInFile {
@@ -16,27 +15,22 @@ struct DsdLayoutInFile {
     bool lsbFirst = false;
 };
 
-/// A file of one-bit audio at an eighth of its rate, block after block: one frame
-/// for each byte of a channel. What the file is too short for reads as zero bytes.
-class DsdFileReader {
+/// A file of one-bit audio at an eighth of its rate: one frame for each byte of a
+/// channel. What the file is too short for reads as zero bytes.
+class DsdFileStream : public AudioStream {
 public:
     /// Nothing for a file that is refused; a layout has a rate and channels.
     using HeaderReader = std::optional<DsdLayoutInFile> (*)(InputFile&);
 
-    bool open(const std::filesystem::path& path, HeaderReader readHeader);
-    std::optional<AudioBlock> read();
-    void close();
-    const AudioFormat& format() const { return pcm; }
-    const std::optional<quint64>& totalFrames() const { return total; }
+    explicit DsdFileStream(HeaderReader headerReader) : readHeader(headerReader) {}
+
+    bool open(const std::filesystem::path& path) override;
+    std::optional<AudioBlock> read() override;
 
 private:
-    bool start(const std::optional<DsdLayoutInFile>& found);
-    std::optional<AudioBlock> readBlock();
-
+    HeaderReader readHeader;
     InputFile file;
     DsdLayoutInFile layout;
-    AudioFormat pcm;
-    std::optional<quint64> total;
     quint64 position = 0; ///< frames handed out
     DsdFilterBank filters;
 };

@@ -1,6 +1,7 @@
-#include "codecs/media/MediaDecoding.h"
+#include "codecs/media/MediaStream.h"
 
 #include "codecs/DecoderRun.h"
+#include "codecs/StreamDecoder.h"
 
 struct Script {
     bool opens = true;
@@ -38,21 +39,29 @@ struct ScriptedReader : MediaReader {
     }
 };
 
-class MediaDecodingTest : public ::testing::Test {
+struct ScriptedDecoder : StreamDecoder {
+    ScriptedDecoder()
+        : StreamDecoder([]() -> std::unique_ptr<AudioStream> {
+              return std::make_unique<MediaStream>(std::make_unique<ScriptedReader>());
+          })
+    {
+    }
+};
+
+class MediaStreamTest : public ::testing::Test {
 protected:
     using Outcome = MediaReader::Outcome;
 
-    MediaDecodingTest() { script = Script(); }
-    ~MediaDecodingTest() override { EXPECT_EQ(script.alive, 0); }
+    MediaStreamTest() { script = Script(); }
+    ~MediaStreamTest() override { EXPECT_EQ(script.alive, 0); }
 
     Script& script = ScriptedReader::script;
-    std::unique_ptr<MediaDecoding> media = std::make_unique<MediaDecoding>(
-        []() -> std::unique_ptr<MediaReader> { return std::make_unique<ScriptedReader>(); });
+    std::unique_ptr<ScriptedDecoder> media = std::make_unique<ScriptedDecoder>();
 
     void TearDown() override { media.reset(); }
 };
 
-TEST_F(MediaDecodingTest, AsksFor24BitsFirstAndThenFor16)
+TEST_F(MediaStreamTest, AsksFor24BitsFirstAndThenFor16)
 {
     EXPECT_TRUE(media->open("x"));
     EXPECT_EQ(script.asked, QList<int>{24});
@@ -68,7 +77,7 @@ TEST_F(MediaDecodingTest, AsksFor24BitsFirstAndThenFor16)
     EXPECT_EQ(script.alive, 0);
 }
 
-TEST_F(MediaDecodingTest, AnUnopenableSourceOrAZeroInItsFormatIsRefused)
+TEST_F(MediaStreamTest, AnUnopenableSourceOrAZeroInItsFormatIsRefused)
 {
     script.opens = false;
     EXPECT_FALSE(media->open("x"));
@@ -80,7 +89,7 @@ TEST_F(MediaDecodingTest, AnUnopenableSourceOrAZeroInItsFormatIsRefused)
     EXPECT_EQ(script.alive, 0);
 }
 
-TEST_F(MediaDecodingTest, TheTotalIsTheDurationTimesTheRateCut)
+TEST_F(MediaStreamTest, TheTotalIsTheDurationTimesTheRateCut)
 {
     const std::pair<quint64, quint64> cases[] = {
         {10000000, 44100}, {9999999, 44099}, {0, 0}, {1, 0}, {227, 1}};
@@ -95,7 +104,7 @@ TEST_F(MediaDecodingTest, TheTotalIsTheDurationTimesTheRateCut)
     EXPECT_EQ(media->totalFrames(), std::nullopt);
 }
 
-TEST_F(MediaDecodingTest, SamplesOfBothWidthsAreLeftJustified)
+TEST_F(MediaStreamTest, SamplesOfBothWidthsAreLeftJustified)
 {
     const QByteArray bytes("\x01\x80\xFF\x7F\x00\x80", 6);
     script.steps = {{Outcome::Samples, bytes}};
@@ -110,7 +119,7 @@ TEST_F(MediaDecodingTest, SamplesOfBothWidthsAreLeftJustified)
     EXPECT_EQ(block->samples, patterns({0x80010000, 0x7FFF0000}));
 }
 
-TEST_F(MediaDecodingTest, AGapIsAnEmptyBlockAndNotTheEnd)
+TEST_F(MediaStreamTest, AGapIsAnEmptyBlockAndNotTheEnd)
 {
     script.steps = {{Outcome::Gap, {}}, {Outcome::Samples, QByteArray(6, '\1')}};
     ASSERT_TRUE(media->open("x"));
@@ -122,7 +131,7 @@ TEST_F(MediaDecodingTest, AGapIsAnEmptyBlockAndNotTheEnd)
     EXPECT_FALSE(media->read());
 }
 
-TEST_F(MediaDecodingTest, AFailureEndsTheStreamForGood)
+TEST_F(MediaStreamTest, AFailureEndsTheStreamForGood)
 {
     script.steps = {{Outcome::Failure, {}}, {Outcome::Samples, QByteArray(6, '\1')}};
     ASSERT_TRUE(media->open("x"));
@@ -132,7 +141,7 @@ TEST_F(MediaDecodingTest, AFailureEndsTheStreamForGood)
     EXPECT_FALSE(media->read());
 }
 
-TEST_F(MediaDecodingTest, ASecondOpenIsRefusedAndTheFirstGoesOn)
+TEST_F(MediaStreamTest, ASecondOpenIsRefusedAndTheFirstGoesOn)
 {
     script.steps = {{Outcome::Samples, QByteArray(6, '\1')}};
     ASSERT_TRUE(media->open("x"));
