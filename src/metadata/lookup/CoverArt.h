@@ -1,18 +1,10 @@
 #pragma once
 
+#include "metadata/lookup/ITunes.h"
+
 #include <QByteArray>
 #include <QPixmap>
 #include <QString>
-#include <QStringList>
-
-/// What the iTunes store knows of an album. The empty album is the sign of a miss.
-struct ITunesResult {
-    QString artist;
-    QString album;
-    QString year; ///< four digits
-    QString artworkUrl;
-    QStringList tracks; ///< by track number; gaps in the numbers close up
-};
 
 /// Finds a cover picture, and an album's data, from artist and album text alone.
 /// All calls block the thread on their requests. A miss is an empty text, an

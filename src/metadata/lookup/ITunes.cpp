@@ -1,6 +1,5 @@
 #include "metadata/lookup/ITunes.h"
 
-#include "metadata/http/ServiceHosts.h"
 #include "metadata/lookup/JsonAnswer.h"
 #include "metadata/lookup/ReleaseDate.h"
 
@@ -97,32 +96,4 @@ QStringList parseITunesSongs(const QByteArray& body)
             titles[number] = title;
     }
     return titles.values();
-}
-
-ITunesResult CoverArt::lookupITunes(const QString& artist, const QString& album)
-{
-    const QString search = QLatin1String(services::iTunes) + QLatin1String("/search?term=")
-                           + iTunesTerm(artist, album)
-                           + QLatin1String("&entity=album&limit=10&country=JP&lang=ja_jp");
-    qDebug().noquote() << "[iTunes] album search:" << search;
-    const QByteArray albums = get(search);
-    if (albums.isEmpty()) {
-        qWarning() << "[iTunes] album search failed";
-        return {};
-    }
-
-    auto [result, collectionId] = chooseITunesAlbum(albums, album);
-    if (collectionId < 1)
-        return result;
-
-    const QString lookup =
-        QLatin1String(services::iTunes)
-        + QStringLiteral("/lookup?id=%1&entity=song&country=JP&lang=ja_jp").arg(collectionId);
-    qDebug().noquote() << "[iTunes] track lookup:" << lookup;
-    const QByteArray songs = get(lookup);
-    if (songs.isEmpty())
-        return result;
-    result.tracks = parseITunesSongs(songs);
-    qDebug() << "[iTunes] tracks:" << result.tracks.size();
-    return result;
 }

@@ -1,12 +1,19 @@
 #pragma once
 
-#include "metadata/lookup/CoverArt.h"
-
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 
 /// The answers of the iTunes Search API, without the requests.
+
+/// What the iTunes store knows of an album. The empty album is the sign of a miss.
+struct ITunesResult {
+    QString artist;
+    QString album;
+    QString year; ///< four digits
+    QString artworkUrl;
+    QStringList tracks; ///< by track number; gaps in the numbers close up
+};
 
 /// An album search's pick: the album's data and the number that its songs are
 /// asked by, below 1 when there is none.

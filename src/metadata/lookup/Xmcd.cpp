@@ -1,4 +1,4 @@
-#include "metadata/lookup/GnuDb.h"
+#include "metadata/lookup/Xmcd.h"
 
 #include <QDebug>
 #include <QMap>

@@ -1,7 +1,7 @@
 #include "metadata/tags/Id3Tags.h"
 
+#include "metadata/tags/TagData.h"
 #include "metadata/tags/TagValues.h"
-#include "metadata/tags/TagWriter.h"
 
 #include <taglib/attachedpictureframe.h>
 #include <taglib/id3v2tag.h>

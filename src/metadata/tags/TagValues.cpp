@@ -1,7 +1,7 @@
 #include "metadata/tags/TagValues.h"
 
 #include "metadata/lookup/ReleaseDate.h"
-#include "metadata/tags/TagWriter.h"
+#include "metadata/tags/TagData.h"
 
 #include <QBuffer>
 #include <QImage>
