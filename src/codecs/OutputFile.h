@@ -2,6 +2,7 @@
 
 #include "base/ByteOrder.h"
 #include "codecs/CFile.h"
+#include "codecs/NoThrow.h"
 
 #include <QtGlobal>
 
@@ -24,8 +25,15 @@ public:
     /// Moves to a place counted from the start of the file. Returns good().
     bool seek(quint64 offset);
 
-    /// Turns the state bad: what was to be written is lost.
-    void spoil() { failed = true; }
+    /// Runs an action that writes. One that fails, be it by an exception, turns the
+    /// state bad: what was to be written is lost.
+    template<typename Action>
+    bool attempt(Action&& action)
+    {
+        const bool done = withoutThrowing(action);
+        failed = failed || !done;
+        return done;
+    }
 
     /// Overwrites an integer at a place counted from the start, where it then stands.
     /// Returns good().

@@ -89,9 +89,3 @@ bool writePcm(OutputFile& file, const AudioBlock& block, PcmLayout layout)
     }
     return file.good();
 }
-
-quint64 heldFrames(const AudioBlock& block, quint16 channels)
-{
-    const auto samples = static_cast<quint64>(block.samples.size());
-    return std::min(block.frames, samples / std::max<quint16>(channels, 1));
-}

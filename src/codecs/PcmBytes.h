@@ -23,6 +23,3 @@ void packPcm(const qint32* samples, std::size_t count, PcmLayout layout, quint8*
 /// Writes all samples of the block through a small buffer, whatever its frame
 /// count says. Returns whether the file is good.
 bool writePcm(OutputFile& file, const AudioBlock& block, PcmLayout layout);
-
-/// The frames of the block that its sample list really holds.
-quint64 heldFrames(const AudioBlock& block, quint16 channels);

@@ -1,5 +1,8 @@
 #include "codecs/OutputFile.h"
+
 #include "codecs/EncoderRun.h"
+
+#include <new>
 
 class OutputFileTest : public EncoderTest {};
 
@@ -45,4 +48,22 @@ TEST_F(OutputFileTest, ASecondOpenLeavesTheFirstFileAttached)
     EXPECT_TRUE(output.finish());
     EXPECT_FALSE(output.finish());
     EXPECT_EQ(readAll(file("first")), "kept");
+}
+
+TEST_F(OutputFileTest, AFailedAttemptSticksAndAnExceptionIsOne)
+{
+    for (const bool throws : {false, true}) {
+        OutputFile output;
+        ASSERT_TRUE(output.open(toPath(file("attempted"))));
+        EXPECT_TRUE(output.attempt([&] { return output.write("a", 1); }));
+        EXPECT_TRUE(output.good());
+        EXPECT_FALSE(output.attempt([throws] {
+            if (throws)
+                throw std::bad_alloc();
+            return false;
+        }));
+        EXPECT_FALSE(output.good());
+        EXPECT_FALSE(output.attempt([&] { return output.write("b", 1); }));
+        EXPECT_FALSE(output.finish());
+    }
 }

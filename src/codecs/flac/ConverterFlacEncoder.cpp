@@ -1,8 +1,9 @@
 #include "codecs/flac/ConverterFlacEncoder.h"
 
+#include "codecs/BlockPieces.h"
+#include "codecs/CFile.h"
 #include "codecs/EncoderOptions.h"
 #include "codecs/NoThrow.h"
-#include "codecs/PcmBytes.h"
 
 #include <FLAC/stream_encoder.h>
 
@@ -103,20 +104,15 @@ bool ConverterFlacEncoder::Stream::write(const AudioBlock& block)
 bool ConverterFlacEncoder::Stream::encodeBlock(const AudioBlock& block)
 {
     const int shift = 32 - static_cast<int>(FLAC__stream_encoder_get_bits_per_sample(encoder.get()));
-    const qint32* samples = block.samples.constData();
-    for (quint64 left = heldFrames(block, channels); left > 0;) {
-        const auto frames = static_cast<std::size_t>(std::min<quint64>(left, framesPerCall));
+    return passOnInPieces(block, channels, framesPerCall, [&](const qint32* samples, std::size_t frames) {
         const std::size_t count = frames * channels;
         shifted.resize(std::max(shifted.size(), count));
         std::transform(samples, samples + count, shifted.data(),
                        [shift](qint32 sample) { return sample >> shift; });
-        if (!FLAC__stream_encoder_process_interleaved(encoder.get(), shifted.data(),
-                                                      static_cast<quint32>(frames)))
-            return false;
-        samples += count;
-        left -= frames;
-    }
-    return true;
+        return FLAC__stream_encoder_process_interleaved(encoder.get(), shifted.data(),
+                                                        static_cast<quint32>(frames))
+               != 0;
+    });
 }
 
 bool ConverterFlacEncoder::Stream::finish()

@@ -1,6 +1,6 @@
 #include "codecs/media/AacDecimator.h"
 
-#include "codecs/PcmBytes.h"
+#include "codecs/BlockPieces.h"
 #include "codecs/dsd/DsdFirFilter.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "codecs/mp3/Mp3Encoder.h"
 
+#include "codecs/BlockPieces.h"
 #include "codecs/EncoderOptions.h"
 #include "codecs/NoThrow.h"
-#include "codecs/PcmBytes.h"
 
 #include <lame/lame.h>
 
@@ -71,23 +71,13 @@ bool Mp3Encoder::openFile(const std::filesystem::path& path, const AudioFormat& 
 
 bool Mp3Encoder::write(const AudioBlock& block)
 {
-    const bool written = withoutThrowing([&] { return lame && writeBlock(block); });
-    if (!written)
-        file.spoil();
-    return written;
+    return file.attempt([&] { return lame && writeBlock(block); });
 }
 
 bool Mp3Encoder::writeBlock(const AudioBlock& block)
 {
-    const qint32* samples = block.samples.constData();
-    for (quint64 waiting = heldFrames(block, channels); waiting > 0;) {
-        const std::size_t frames = static_cast<std::size_t>(std::min<quint64>(waiting, framesPerCall));
-        if (!encode(samples, frames))
-            return false;
-        samples += frames * channels;
-        waiting -= frames;
-    }
-    return file.good();
+    const auto take = [this](const qint32* samples, std::size_t frames) { return encode(samples, frames); };
+    return passOnInPieces(block, channels, framesPerCall, take) && file.good();
 }
 
 bool Mp3Encoder::encode(const qint32* samples, std::size_t frames)
@@ -112,8 +102,7 @@ bool Mp3Encoder::close()
 {
     if (!lame)
         return false;
-    if (!withoutThrowing([this] { return writeTail(); }))
-        file.spoil();
+    file.attempt([this] { return writeTail(); });
     lame.reset();
     return file.finish();
 }

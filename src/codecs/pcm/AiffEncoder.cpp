@@ -1,7 +1,6 @@
 #include "codecs/pcm/AiffEncoder.h"
 
 #include "base/ByteOrder.h"
-#include "codecs/NoThrow.h"
 #include "codecs/PcmBytes.h"
 
 #include <array>
@@ -64,10 +63,7 @@ bool AiffEncoder::open(const std::filesystem::path& path, const AudioFormat& for
 
 bool AiffEncoder::write(const AudioBlock& block)
 {
-    const bool written = withoutThrowing([&] { return writeBlock(block); });
-    if (!written)
-        file.spoil();
-    return written;
+    return file.attempt([&] { return writeBlock(block); });
 }
 
 bool AiffEncoder::writeBlock(const AudioBlock& block)

@@ -84,10 +84,7 @@ bool WavEncoder::openFile(const std::filesystem::path& path, const AudioFormat& 
 
 bool WavEncoder::write(const AudioBlock& block)
 {
-    const bool written = withoutThrowing([&] { return writeBlock(block); });
-    if (!written)
-        file.spoil();
-    return written;
+    return file.attempt([&] { return writeBlock(block); });
 }
 
 bool WavEncoder::writeBlock(const AudioBlock& block)

@@ -60,10 +60,10 @@ static std::unique_ptr<MediaWriter> makeRecordingWriter()
 }
 
 template<typename Encoder>
-class MediaEncodersTest : public ::testing::Test {
+class MediaEncoderTest : public ::testing::Test {
 protected:
-    MediaEncodersTest() { log() = Log(); }
-    ~MediaEncodersTest() override { EXPECT_EQ(log().alive, 0); }
+    MediaEncoderTest() { log() = Log(); }
+    ~MediaEncoderTest() override { EXPECT_EQ(log().alive, 0); }
 
     static Log& log() { return RecordingWriter::log; }
 
@@ -80,19 +80,19 @@ protected:
 };
 
 using Encoders = ::testing::Types<AacEncoder, AlacEncoder>;
-TYPED_TEST_SUITE(MediaEncodersTest, Encoders);
+TYPED_TEST_SUITE(MediaEncoderTest, Encoders);
 
-using AacPcmTest = MediaEncodersTest<AacEncoder>;
-using AlacPcmTest = MediaEncodersTest<AlacEncoder>;
+using AacPcmTest = MediaEncoderTest<AacEncoder>;
+using AlacPcmTest = MediaEncoderTest<AlacEncoder>;
 
-TYPED_TEST(MediaEncodersTest, SixteenBitDiscAudioPassesUnchanged)
+TYPED_TEST(MediaEncoderTest, SixteenBitDiscAudioPassesUnchanged)
 {
     const QList<qint32> samples = audiomaker::from16(audiomaker::to16(audiomaker::noise(2 * 40000, 100)));
     EXPECT_EQ(TestFixture::written({44100, 2, 16}, samples), littleEndian(samples, 16));
     EXPECT_EQ(this->log().format.pcm, (AudioFormat{44100, 2, 16}));
 }
 
-TYPED_TEST(MediaEncodersTest, ARefusalByThePlatformIsARefusal)
+TYPED_TEST(MediaEncoderTest, ARefusalByThePlatformIsARefusal)
 {
     this->log().opens = false;
     TypeParam encoder(makeRecordingWriter);
@@ -102,7 +102,7 @@ TYPED_TEST(MediaEncodersTest, ARefusalByThePlatformIsARefusal)
     EXPECT_EQ(this->log().finished, 0);
 }
 
-TYPED_TEST(MediaEncodersTest, ALostWriteIsReported)
+TYPED_TEST(MediaEncoderTest, ALostWriteIsReported)
 {
     this->log().framesUntilFull = 20000;
     TypeParam encoder(makeRecordingWriter);
@@ -113,7 +113,7 @@ TYPED_TEST(MediaEncodersTest, ALostWriteIsReported)
     EXPECT_TRUE(encoder.close());
 }
 
-TYPED_TEST(MediaEncodersTest, AnEndThatFailsIsReportedOnce)
+TYPED_TEST(MediaEncoderTest, AnEndThatFailsIsReportedOnce)
 {
     this->log().finishes = false;
     TypeParam encoder(makeRecordingWriter);
@@ -123,7 +123,7 @@ TYPED_TEST(MediaEncodersTest, AnEndThatFailsIsReportedOnce)
     EXPECT_EQ(this->log().finished, 1);
 }
 
-TYPED_TEST(MediaEncodersTest, DestructionCompletesTheFile)
+TYPED_TEST(MediaEncoderTest, DestructionCompletesTheFile)
 {
     {
         TypeParam encoder(makeRecordingWriter);
@@ -132,7 +132,7 @@ TYPED_TEST(MediaEncodersTest, DestructionCompletesTheFile)
     EXPECT_EQ(this->log().finished, 1);
 }
 
-TYPED_TEST(MediaEncodersTest, ASecondOpenAsksNoOne)
+TYPED_TEST(MediaEncoderTest, ASecondOpenAsksNoOne)
 {
     TypeParam encoder(makeRecordingWriter);
     ASSERT_TRUE(encoder.open("x.m4a", {44100, 2, 16}));
@@ -143,7 +143,7 @@ TYPED_TEST(MediaEncodersTest, ASecondOpenAsksNoOne)
     EXPECT_EQ(this->log().pcm, littleEndian(samples, 16));
 }
 
-TYPED_TEST(MediaEncodersTest, AWholeDiscInOneBlockGoesThroughInPieces)
+TYPED_TEST(MediaEncoderTest, AWholeDiscInOneBlockGoesThroughInPieces)
 {
     this->written({44100, 2, 16}, audiomaker::noise(2 * 1000003, 103));
     EXPECT_EQ(this->log().frames, 1000003u);
