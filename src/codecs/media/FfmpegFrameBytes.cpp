@@ -10,6 +10,8 @@ extern "C" {
 #include <libavutil/frame.h>
 }
 
+#include <algorithm>
+
 namespace {
 
 /// A sample of any format as a value of so many bits.
@@ -61,6 +63,19 @@ void packFormat(const AVFrame& frame, std::size_t first, std::size_t frames, qui
     }
 }
 
+/// Spreads left-justified samples over a frame's planes, from one of its places on.
+template<typename Sample, typename Convert>
+void spread(const std::vector<qint32>& samples, AVFrame& frame, int first, int frames, Convert convert)
+{
+    const int channels = frame.ch_layout.nb_channels;
+    for (int channel = 0; channel < channels; ++channel) {
+        auto* plane = reinterpret_cast<Sample*>(frame.extended_data[channel]) + first;
+        const qint32* source = samples.data() + channel;
+        for (int i = 0; i < frames; ++i, source += channels)
+            plane[i] = convert(*source);
+    }
+}
+
 } // namespace
 
 int packedBits(const AVFrame& frame)
@@ -97,4 +112,24 @@ void packFrame(const AVFrame& frame, int first, int frames, const AudioFormat& p
     bytes.resize(count * pcm.channels * static_cast<std::size_t>(bits / 8));
     packPcm(mapped.samples.constData(), count * pcm.channels,
             bits == 24 ? PcmLayout::Little24 : PcmLayout::Little16, bytes.data());
+}
+
+void fillFrame(AVFrame& frame, int first, const quint8* pcm, int frames, int bits,
+               std::vector<qint32>& unpacked)
+{
+    constexpr float fullScale = 2147483648.0f;
+    const auto count =
+        static_cast<std::size_t>(frames) * static_cast<std::size_t>(frame.ch_layout.nb_channels);
+    unpacked.resize(std::max(unpacked.size(), count));
+    unpackPcm(pcm, count, bits, ByteOrder::Little, unpacked.data());
+    switch (frame.format) {
+    case AV_SAMPLE_FMT_FLTP:
+        return spread<float>(unpacked, frame, first, frames,
+                             [](qint32 sample) { return static_cast<float>(sample) / fullScale; });
+    case AV_SAMPLE_FMT_S16P:
+        return spread<qint16>(unpacked, frame, first, frames,
+                              [](qint32 sample) { return static_cast<qint16>(sample >> 16); });
+    case AV_SAMPLE_FMT_S32P:
+        return spread<qint32>(unpacked, frame, first, frames, [](qint32 sample) { return sample; });
+    }
 }

@@ -16,3 +16,9 @@ int packedBits(const AVFrame& frame);
 /// nearest value; wider integers lose their low bits.
 void packFrame(const AVFrame& frame, int first, int frames, const AudioFormat& pcm,
                std::vector<quint8>& bytes);
+
+/// The way back, for an encoder: spreads packed PCM of 16 or 24 bits over the planes
+/// of a frame that has room for it, from one of its places on.
+/// @param unpacked  room that may be kept from call to call
+void fillFrame(AVFrame& frame, int first, const quint8* pcm, int frames, int bits,
+               std::vector<qint32>& unpacked);

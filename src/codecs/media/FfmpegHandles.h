@@ -7,11 +7,11 @@ struct AVFrame;
 struct AVPacket;
 
 /// Owns what reading and writing through FFmpeg have in common.
-struct AvDeleter {
+struct FfmpegDeleter {
     void operator()(AVCodecContext* context) const;
     void operator()(AVFrame* frame) const;
     void operator()(AVPacket* packet) const;
 };
 
 template<typename Handle>
-using AvPointer = std::unique_ptr<Handle, AvDeleter>;
+using FfmpegPointer = std::unique_ptr<Handle, FfmpegDeleter>;

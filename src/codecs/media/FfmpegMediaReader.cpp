@@ -1,9 +1,10 @@
-#include "base/ByteOrder.h"
+#include "codecs/media/MediaReader.h"
+
 #include "codecs/StreamChange.h"
 #include "codecs/media/FfmpegFrameBytes.h"
 #include "codecs/media/FfmpegHandles.h"
-#include "codecs/media/MediaReader.h"
-#include "codecs/media/Mpeg4Timing.h"
+#include "codecs/media/FfmpegInput.h"
+#include "codecs/media/Mpeg4Facts.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -13,63 +14,10 @@ extern "C" {
 #include <algorithm>
 #include <cstdio>
 #include <limits>
-#include <string>
 
 namespace {
 
-// Above this an ALAC frame is no music; the library would allocate for 16 million.
-constexpr quint32 mostFramesInAlacFrame = 65536;
-
-// The index of a day's audio takes less. A table that hides from the look at the
-// boxes ends here.
-constexpr std::size_t mostBytesInOnePiece = 512 * 1024 * 1024;
-
-struct InputDeleter {
-    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-};
-
-using InputPointer = std::unique_ptr<AVFormatContext, InputDeleter>;
-
-InputPointer openContainer(const std::filesystem::path& path, bool ignoreEdits)
-{
-    AVDictionary* options = nullptr;
-    // A name that looks like an address, and a list of other files, stay unopened.
-    av_dict_set(&options, "protocol_whitelist", "file", 0);
-    av_dict_set(&options, "format_whitelist", "mp3,aac,mov", 0);
-    // Looking for the streams decodes what it finds, and a cover can claim gigabytes.
-    av_dict_set(&options, "codec_whitelist", "mp1float,mp1,mp2float,mp2,mp3float,mp3,aac,aac_fixed,alac", 0);
-    if (ignoreEdits)
-        av_dict_set(&options, "ignore_editlist", "1", 0);
-    AVFormatContext* context = nullptr;
-    const std::string name = "file:" + path.string();
-    const int status = avformat_open_input(&context, name.c_str(), nullptr, &options);
-    av_dict_free(&options);
-    return InputPointer(status < 0 ? nullptr : context);
-}
-
-bool isKnownCodec(AVCodecID id)
-{
-    return id == AV_CODEC_ID_MP1 || id == AV_CODEC_ID_MP2 || id == AV_CODEC_ID_MP3 || id == AV_CODEC_ID_AAC
-           || id == AV_CODEC_ID_ALAC;
-}
-
-bool isSound(const AVCodecParameters& parameters)
-{
-    constexpr int alacFrameLengthOffset = 12;
-    return parameters.codec_id != AV_CODEC_ID_ALAC
-           || (parameters.extradata_size >= alacFrameLengthOffset + 4
-               && byteorder::readBig<quint32>(parameters.extradata + alacFrameLengthOffset)
-                      <= mostFramesInAlacFrame);
-}
-
-/// Before any decoder is opened, which would already allocate by what it reads.
-bool areSound(const AVFormatContext& container)
-{
-    return std::all_of(container.streams, container.streams + container.nb_streams,
-                       [](const AVStream* stream) { return isSound(*stream->codecpar); });
-}
-
-class FfmpegReader : public MediaReader {
+class FfmpegMediaReader : public MediaReader {
 public:
     bool open(const std::filesystem::path& path) override;
     bool choosePcm(int bits) override;
@@ -79,18 +27,17 @@ public:
 
 private:
     bool chooseStream();
-    bool openDecoder();
     Outcome decodeNext();
     bool feed();
     const char* gaplessTag() const;
     void setExtent(const std::optional<Mpeg4Timing>& timing);
     void measure();
 
-    InputPointer container;
-    AvPointer<AVCodecContext> decoder;
-    AvPointer<AVPacket> packet{av_packet_alloc()};
-    AvPointer<AVFrame> current{av_frame_alloc()}; ///< decoded last time, not delivered yet
-    AvPointer<AVFrame> next{av_frame_alloc()};
+    FfmpegInput container;
+    FfmpegPointer<AVCodecContext> decoder;
+    FfmpegPointer<AVPacket> packet{av_packet_alloc()};
+    FfmpegPointer<AVFrame> current{av_frame_alloc()}; ///< decoded last time, not delivered yet
+    FfmpegPointer<AVFrame> next{av_frame_alloc()};
     AVStream* stream = nullptr;
     bool draining = false;
     bool ended = false;
@@ -101,24 +48,23 @@ private:
     quint64 deliveredFrames = 0;
 };
 
-bool FfmpegReader::open(const std::filesystem::path& path)
+bool FfmpegMediaReader::open(const std::filesystem::path& path)
 {
-    av_log_set_level(AV_LOG_QUIET);
-    av_max_alloc(mostBytesInOnePiece);
     // The library keeps to an edit list by whole packets; the samples are cut here.
     auto [timing, isPlausible] = readMpeg4Facts(path);
     if (!isPlausible)
         return false;
-    container = openContainer(path, timing.has_value());
+    container = openFfmpegInput(path, timing.has_value());
     if (container && timing && gaplessTag()) {
         timing.reset();
-        container = openContainer(path, false);
+        container = openFfmpegInput(path, false);
     }
     if (!container || !packet || !current || !next)
         return false;
     if (!areSound(*container) || avformat_find_stream_info(container.get(), nullptr) < 0)
         return false;
-    if (!chooseStream() || !openDecoder())
+    decoder = chooseStream() ? openDecoder(*stream) : nullptr;
+    if (!decoder)
         return false;
 
     // Only a decoded frame tells the rate and the channels for certain.
@@ -139,7 +85,7 @@ bool FfmpegReader::open(const std::filesystem::path& path)
 }
 
 /// The first stream of audio, whichever the file calls the better one.
-bool FfmpegReader::chooseStream()
+bool FfmpegMediaReader::chooseStream()
 {
     for (unsigned int i = 0; i < container->nb_streams; ++i) {
         AVStream* candidate = container->streams[i];
@@ -151,31 +97,15 @@ bool FfmpegReader::chooseStream()
     return stream != nullptr;
 }
 
-const char* FfmpegReader::gaplessTag() const
+const char* FfmpegMediaReader::gaplessTag() const
 {
     const AVDictionaryEntry* entry = av_dict_get(container->metadata, "iTunSMPB", nullptr, 0);
     return entry ? entry->value : nullptr;
 }
 
-bool FfmpegReader::openDecoder()
-{
-    // What is found by reading on is asked again.
-    if (!isKnownCodec(stream->codecpar->codec_id) || !isSound(*stream->codecpar))
-        return false;
-    const AVCodec* codec = avcodec_find_decoder(stream->codecpar->codec_id);
-    if (!codec)
-        return false;
-    decoder.reset(avcodec_alloc_context3(codec));
-    if (!decoder || avcodec_parameters_to_context(decoder.get(), stream->codecpar) < 0)
-        return false;
-    decoder->pkt_timebase = stream->time_base;
-    decoder->thread_count = 1;
-    return avcodec_open2(decoder.get(), codec, nullptr) == 0;
-}
-
 /// Hands the decoder one more packet of the stream, or the news that none is
 /// left. False for a packet that it refuses.
-bool FfmpegReader::feed()
+bool FfmpegMediaReader::feed()
 {
     while (av_read_frame(container.get(), packet.get()) >= 0) {
         const bool ours = packet->stream_index == stream->index;
@@ -188,7 +118,7 @@ bool FfmpegReader::feed()
     return avcodec_send_packet(decoder.get(), nullptr) >= 0;
 }
 
-MediaReader::Outcome FfmpegReader::decodeNext()
+MediaReader::Outcome FfmpegMediaReader::decodeNext()
 {
     for (;;) {
         const int status = avcodec_receive_frame(decoder.get(), next.get());
@@ -209,7 +139,7 @@ MediaReader::Outcome FfmpegReader::decodeNext()
 
 /// The audio within what is decoded: by the edit list, or by the tag of players,
 /// whose fourth hexadecimal number is the length after delay and padding.
-void FfmpegReader::setExtent(const std::optional<Mpeg4Timing>& timing)
+void FfmpegMediaReader::setExtent(const std::optional<Mpeg4Timing>& timing)
 {
     unsigned long long frames = 0;
     if (timing) {
@@ -225,7 +155,7 @@ void FfmpegReader::setExtent(const std::optional<Mpeg4Timing>& timing)
     }
 }
 
-void FfmpegReader::measure()
+void FfmpegMediaReader::measure()
 {
     constexpr std::int64_t ticksASecond = 10000000;
     const auto rate = static_cast<int>(pcm.sampleRate);
@@ -249,7 +179,7 @@ void FfmpegReader::measure()
         ticks = static_cast<quint64>(whole) + 1;
 }
 
-bool FfmpegReader::choosePcm(int bits)
+bool FfmpegMediaReader::choosePcm(int bits)
 {
     if (bits != packedBits(*current))
         return false;
@@ -257,7 +187,7 @@ bool FfmpegReader::choosePcm(int bits)
     return true;
 }
 
-MediaReader::Outcome FfmpegReader::read(std::vector<quint8>& pcmBytes)
+MediaReader::Outcome FfmpegMediaReader::read(std::vector<quint8>& pcmBytes)
 {
     if (ended)
         return Outcome::End;
@@ -287,5 +217,5 @@ MediaReader::Outcome FfmpegReader::read(std::vector<quint8>& pcmBytes)
 
 std::unique_ptr<MediaReader> makeMediaReader()
 {
-    return std::make_unique<FfmpegReader>();
+    return std::make_unique<FfmpegMediaReader>();
 }

@@ -1,7 +1,8 @@
-#include "codecs/OutputFile.h"
-#include "codecs/PcmUnpack.h"
-#include "codecs/media/FfmpegHandles.h"
 #include "codecs/media/MediaWriter.h"
+
+#include "codecs/OutputFile.h"
+#include "codecs/media/FfmpegFrameBytes.h"
+#include "codecs/media/FfmpegHandles.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -61,22 +62,9 @@ AVSampleFormat sampleFormat(const MediaFormat& format)
     return format.pcm.bitsPerSample == 16 ? AV_SAMPLE_FMT_S16P : AV_SAMPLE_FMT_S32P;
 }
 
-/// Spreads left-justified samples over a frame's planes, from one of its places on.
-template<typename Sample, typename Convert>
-void spread(const std::vector<qint32>& samples, AVFrame& frame, int first, int frames, Convert convert)
-{
-    const int channels = frame.ch_layout.nb_channels;
-    for (int channel = 0; channel < channels; ++channel) {
-        auto* plane = reinterpret_cast<Sample*>(frame.extended_data[channel]) + first;
-        const qint32* source = samples.data() + channel;
-        for (int i = 0; i < frames; ++i, source += channels)
-            plane[i] = convert(*source);
-    }
-}
-
-class FfmpegWriter : public MediaWriter {
+class FfmpegMediaWriter : public MediaWriter {
 public:
-    ~FfmpegWriter() override { static_cast<void>(finish()); }
+    ~FfmpegMediaWriter() override { static_cast<void>(finish()); }
 
     bool open(const std::filesystem::path& path, const MediaFormat& format) override;
     bool write(const quint8* pcmBytes, std::size_t frames) override;
@@ -87,7 +75,6 @@ private:
     bool prepareContainer();
     bool makeFrame();
     bool good() const { return whole && file.good() && io->error == 0; }
-    void fill(const quint8* pcmBytes, int frames);
     bool encodeHeld();
     bool encode(const AVFrame* held);
 
@@ -95,18 +82,18 @@ private:
     OutputFile file;
     std::unique_ptr<AVIOContext, IoDeleter> io;
     std::unique_ptr<AVFormatContext, ContainerDeleter> container;
-    AvPointer<AVCodecContext> encoder;
-    AvPointer<AVFrame> frame{av_frame_alloc()};
-    AvPointer<AVPacket> packet{av_packet_alloc()};
+    FfmpegPointer<AVCodecContext> encoder;
+    FfmpegPointer<AVFrame> frame{av_frame_alloc()};
+    FfmpegPointer<AVPacket> packet{av_packet_alloc()};
     AVStream* stream = nullptr;
-    std::vector<qint32> unpacked;
+    std::vector<qint32> unpacked;   ///< room for what is being filled in
     int framesOfCodec = 0;          ///< that the codec takes at a time
     int heldFrames = 0;             ///< filled in, but not encoded yet
     std::int64_t encodedFrames = 0; ///< the time of the next
     bool whole = false;             ///< nothing was lost since the header
 };
 
-bool FfmpegWriter::open(const std::filesystem::path& path, const MediaFormat& format)
+bool FfmpegMediaWriter::open(const std::filesystem::path& path, const MediaFormat& format)
 {
     av_log_set_level(AV_LOG_QUIET);
     // A file is made when all that could refuse the format has been asked.
@@ -119,7 +106,7 @@ bool FfmpegWriter::open(const std::filesystem::path& path, const MediaFormat& fo
     return whole;
 }
 
-bool FfmpegWriter::openEncoder(const MediaFormat& format)
+bool FfmpegMediaWriter::openEncoder(const MediaFormat& format)
 {
     constexpr int mostRate = std::numeric_limits<int>::max();
     const AudioFormat& wanted = format.pcm;
@@ -143,7 +130,7 @@ bool FfmpegWriter::openEncoder(const MediaFormat& format)
 
 /// Everything up to the first byte of the file. The index goes to the end, so that
 /// tags, which grow it, never move the audio.
-bool FfmpegWriter::prepareContainer()
+bool FfmpegMediaWriter::prepareContainer()
 {
     constexpr int ioBytes = 64 * 1024;
     auto* buffer = static_cast<unsigned char*>(av_malloc(ioBytes));
@@ -170,7 +157,7 @@ bool FfmpegWriter::prepareContainer()
     return status >= 0;
 }
 
-bool FfmpegWriter::makeFrame()
+bool FfmpegMediaWriter::makeFrame()
 {
     framesOfCodec = encoder->frame_size;
     frame->nb_samples = framesOfCodec;
@@ -180,16 +167,18 @@ bool FfmpegWriter::makeFrame()
            && av_frame_get_buffer(frame.get(), 0) == 0;
 }
 
-bool FfmpegWriter::write(const quint8* pcmBytes, std::size_t frames)
+bool FfmpegMediaWriter::write(const quint8* pcmBytes, std::size_t frames)
 {
     const std::size_t frameBytes = std::size_t{pcm.channels} * pcm.bitsPerSample / bitsPerByte;
     while (good() && frames > 0) {
         const auto room = static_cast<std::size_t>(framesOfCodec - heldFrames);
         const std::size_t taken = std::min(frames, room);
-        if (heldFrames == 0 && av_frame_make_writable(frame.get()) < 0)
+        if (heldFrames == 0 && av_frame_make_writable(frame.get()) < 0) {
             whole = false;
-        else
-            fill(pcmBytes, static_cast<int>(taken));
+            return false;
+        }
+        fillFrame(*frame, heldFrames, pcmBytes, static_cast<int>(taken), pcm.bitsPerSample, unpacked);
+        heldFrames += static_cast<int>(taken);
         if (heldFrames == framesOfCodec)
             whole = encodeHeld();
         pcmBytes += taken * frameBytes;
@@ -198,28 +187,7 @@ bool FfmpegWriter::write(const quint8* pcmBytes, std::size_t frames)
     return good();
 }
 
-void FfmpegWriter::fill(const quint8* pcmBytes, int frames)
-{
-    const std::size_t count = static_cast<std::size_t>(frames) * pcm.channels;
-    unpacked.resize(std::max(unpacked.size(), count));
-    unpackPcm(pcmBytes, count, pcm.bitsPerSample, ByteOrder::Little, unpacked.data());
-    constexpr float fullScale = 2147483648.0f;
-    switch (encoder->sample_fmt) {
-    case AV_SAMPLE_FMT_FLTP:
-        spread<float>(unpacked, *frame, heldFrames, frames,
-                      [](qint32 sample) { return static_cast<float>(sample) / fullScale; });
-        break;
-    case AV_SAMPLE_FMT_S16P:
-        spread<qint16>(unpacked, *frame, heldFrames, frames,
-                       [](qint32 sample) { return static_cast<qint16>(sample >> 16); });
-        break;
-    default:
-        spread<qint32>(unpacked, *frame, heldFrames, frames, [](qint32 sample) { return sample; });
-    }
-    heldFrames += frames;
-}
-
-bool FfmpegWriter::encodeHeld()
+bool FfmpegMediaWriter::encodeHeld()
 {
     frame->nb_samples = heldFrames;
     frame->pts = encodedFrames;
@@ -229,7 +197,7 @@ bool FfmpegWriter::encodeHeld()
 }
 
 /// Encodes a frame, or with none what the codec still holds back.
-bool FfmpegWriter::encode(const AVFrame* held)
+bool FfmpegMediaWriter::encode(const AVFrame* held)
 {
     if (avcodec_send_frame(encoder.get(), held) < 0)
         return false;
@@ -248,7 +216,7 @@ bool FfmpegWriter::encode(const AVFrame* held)
     }
 }
 
-bool FfmpegWriter::finish()
+bool FfmpegMediaWriter::finish()
 {
     if (!file.isOpen())
         return false;
@@ -265,5 +233,5 @@ bool FfmpegWriter::finish()
 
 std::unique_ptr<MediaWriter> makeMediaWriter()
 {
-    return std::make_unique<FfmpegWriter>();
+    return std::make_unique<FfmpegMediaWriter>();
 }
