@@ -5,8 +5,8 @@
 #include "Measure.h"
 #include "Options.h"
 
+#include "codecs/KaiserWindow.h"
 #include "codecs/Oversampler.h"
-#include "codecs/dsd/DsdFirFilter.h"
 #include "metadata/LoudnessMeter.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,7 @@
 #include "codecs/Oversampler.h"
 
 #include "codecs/FloatSample.h"
-#include "codecs/dsd/DsdFirFilter.h"
+#include "codecs/KaiserWindow.h"
 
 #include <algorithm>
 #include <cmath>
@@ -28,9 +28,7 @@ std::array<double, tapCount> designFilter(quint32 factor)
     for (std::size_t i = 0; i < tapCount; ++i) {
         const double n = static_cast<double>(i) - centre;
         const double lowPass = std::sin(cutoff * twoPi * n) / (n * std::numbers::pi);
-        const double ratio = n / centre;
-        const double window = besselI0(beta * std::sqrt(std::max(0.0, 1.0 - ratio * ratio))) / besselI0(beta);
-        const double value = lowPass * window;
+        const double value = lowPass * kaiserWindow(n / centre, beta);
         designed[i] = static_cast<float>(value);
         sum += value;
     }

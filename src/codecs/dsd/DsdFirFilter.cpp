@@ -26,9 +26,7 @@ std::array<float, taps> designLowPass()
     for (std::size_t i = 0; i < taps; ++i) {
         const double n = static_cast<double>(i) - centre;
         const double lowPass = std::sin(n * cutoff) / (n * std::numbers::pi);
-        const double ratio = n / centre;
-        const double window = besselI0(beta * std::sqrt(std::max(0.0, 1.0 - ratio * ratio))) / besselI0(beta);
-        const double value = lowPass * window;
+        const double value = lowPass * kaiserWindow(n / centre, beta);
         designed[i] = static_cast<float>(value);
         sum += value;
     }
@@ -111,22 +109,6 @@ void advanceRing(DsdFirFilter& filter, const quint8* in, std::size_t count, std:
 }
 
 } // namespace
-
-double besselI0(double x, int mostTerms)
-{
-    constexpr double precision = 1e-12;
-
-    double sum = 1.0;
-    double term = 1.0;
-    for (int k = 1; k <= mostTerms; ++k) {
-        const double factor = x / (2.0 * k);
-        term *= factor * factor;
-        sum += term;
-        if (sum * precision > term)
-            break;
-    }
-    return sum;
-}
 
 DsdFirFilter::DsdFirFilter()
 {

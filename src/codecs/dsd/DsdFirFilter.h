@@ -1,5 +1,7 @@
 #pragma once
 
+#include "codecs/KaiserWindow.h"
+
 #include <QtGlobal>
 
 #include <array>
@@ -16,10 +18,6 @@ struct DsdFirFilter {
     std::array<float, taps> ring{}; ///< the last bits as +1 and -1; 0 before the first
     quint32 position = 0;           ///< slot of the ring that is written next
 };
-
-/// The modified Bessel function of the first kind and order 0, by its series,
-/// which ends after so many terms at the latest.
-double besselI0(double x, int mostTerms = 31);
 
 /// Filters `count` bytes of one channel into as many values. Steps are counted
 /// in bytes and in floats, so that interleaved channels are taken where they are.

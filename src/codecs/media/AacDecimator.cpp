@@ -1,7 +1,7 @@
 #include "codecs/media/AacDecimator.h"
 
 #include "codecs/BlockPieces.h"
-#include "codecs/dsd/DsdFirFilter.h"
+#include "codecs/KaiserWindow.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,10 +39,9 @@ std::vector<double> designLowPass(int factor)
         const double lowPass =
             i == centre ? 2.0 * cutoff : std::sin(d * cutoff * twoPi) / (d * std::numbers::pi);
         const double t = 2.0 * i / (taps - 1) - 1.0;
-        const double window =
-            besselI0(beta * std::sqrt(std::max(0.0, 1.0 - t * t)), seriesTerms) / besselI0(beta, seriesTerms);
-        designed[static_cast<std::size_t>(i)] = lowPass * window;
-        sum += lowPass * window;
+        const double value = lowPass * kaiserWindow(t, beta, seriesTerms);
+        designed[static_cast<std::size_t>(i)] = value;
+        sum += value;
     }
     for (double& coefficient : designed)
         coefficient /= sum;

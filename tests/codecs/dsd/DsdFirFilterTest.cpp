@@ -18,14 +18,6 @@ static std::vector<quint8> noiseBytes(quint64 count, quint32 seed)
     return bytes;
 }
 
-TEST(BesselI0, SeriesValues)
-{
-    EXPECT_EQ(besselI0(0), 1.0);
-    EXPECT_NEAR(besselI0(8.0), 427.5641, 0.0001);
-    for (const double x : {0.5, 1.0, 2.5, 5.0, 8.0})
-        EXPECT_NEAR(besselI0(x) / std::cyl_bessel_i(0.0, x), 1.0, 1e-11) << x;
-}
-
 TEST(DsdFirFilter, CoefficientsAreSymmetricAndSumToOne)
 {
     const DsdFirFilter filter;
