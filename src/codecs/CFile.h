@@ -11,8 +11,7 @@ struct CFileCloser {
 };
 using CFile = std::unique_ptr<std::FILE, CFileCloser>;
 
-/// Null when the file can't be opened for reading.
-inline CFile openForReading(const std::filesystem::path& path)
-{
-    return CFile(std::fopen(path.c_str(), "rb"));
-}
+/// Null when the file can't be opened.
+CFile openForReading(const std::filesystem::path& path);
+/// Creates or truncates the file; null when it can't be created.
+CFile openForWriting(const std::filesystem::path& path);

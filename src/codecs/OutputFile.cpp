@@ -4,7 +4,7 @@ bool OutputFile::open(const std::filesystem::path& path)
 {
     if (file)
         return false;
-    file.reset(std::fopen(path.c_str(), "wb"));
+    file = openForWriting(path);
     offsetNow = 0;
     failed = false;
     return isOpen();

@@ -79,19 +79,17 @@ bool ConverterFlacEncoder::Stream::start(const std::filesystem::path& path, cons
     if (!isTaken(format))
         return false;
     fileBuffer.resize(fileBufferBytes);
-    std::FILE* file = std::fopen(path.c_str(), "wb");
+    CFile file = openForWriting(path);
     if (!file)
         return false;
-    std::setvbuf(file, fileBuffer.data(), _IOFBF, fileBuffer.size());
+    std::setvbuf(file.get(), fileBuffer.data(), _IOFBF, fileBuffer.size());
     encoder = configuredEncoder(format);
-    if (!encoder) {
-        std::fclose(file);
+    if (!encoder)
         return false;
-    }
     channels = format.channels;
     // From here on the file is the encoder's, which closes it when deleted even
     // if this call refuses the format.
-    return FLAC__stream_encoder_init_FILE(encoder.get(), file, nullptr, nullptr)
+    return FLAC__stream_encoder_init_FILE(encoder.get(), file.release(), nullptr, nullptr)
            == FLAC__STREAM_ENCODER_INIT_STATUS_OK;
 }
 

@@ -2,6 +2,7 @@
 
 #include "codecs/AudioStream.h"
 #include "codecs/BlockSize.h"
+#include "codecs/CFile.h"
 #include "codecs/Make.h"
 #include "codecs/NoThrow.h"
 
@@ -42,18 +43,16 @@ private:
 
 bool FlacStream::open(const std::filesystem::path& path)
 {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
+    CFile file = openForReading(path);
     if (!file)
         return false;
     decoder.reset(FLAC__stream_decoder_new());
-    if (!decoder) {
-        std::fclose(file);
+    if (!decoder)
         return false;
-    }
     FLAC__stream_decoder_set_metadata_respond(decoder.get(), FLAC__METADATA_TYPE_STREAMINFO);
     // From here on the file is the decoder's, which closes it when deleted even
     // if this call fails.
-    if (FLAC__stream_decoder_init_FILE(decoder.get(), file, onFrame, onMetadata, onError, this)
+    if (FLAC__stream_decoder_init_FILE(decoder.get(), file.release(), onFrame, onMetadata, onError, this)
         != FLAC__STREAM_DECODER_INIT_STATUS_OK)
         return false;
     // The library finds the end of the metadata also where it finds none.
