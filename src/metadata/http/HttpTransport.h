@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/ServiceOverride.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -71,16 +73,7 @@ public:
 HttpTransport& httpTransport();
 
 /// Puts another transport in place for its lifetime; while no request is under way.
-class HttpTransportOverride {
-public:
-    explicit HttpTransportOverride(HttpTransport& replacement);
-    ~HttpTransportOverride();
-    HttpTransportOverride(const HttpTransportOverride&) = delete;
-    HttpTransportOverride& operator=(const HttpTransportOverride&) = delete;
-
-private:
-    HttpTransport* previous;
-};
+using HttpTransportOverride = ServiceOverride<HttpTransport>;
 
 /// The transport of the machine this was built for.
 /// @param detour  null for the real network
