@@ -26,6 +26,22 @@ QPixmap archiveImage(const QString& mbid)
     return image;
 }
 
+/// The first entry of a list in an answer. Without one it is undefined, and the
+/// log has a word on it.
+QJsonValue firstOf(const QByteArray& body, QLatin1String key, const char* noAnswer, const char* noEntries)
+{
+    if (body.isEmpty()) {
+        qWarning() << noAnswer;
+        return QJsonValue::Undefined;
+    }
+    const QJsonArray entries = jsonArray(body, key);
+    if (entries.isEmpty()) {
+        qWarning() << noEntries;
+        return QJsonValue::Undefined;
+    }
+    return entries.first();
+}
+
 } // namespace
 
 QByteArray CoverArt::get(const QString& url)
@@ -84,16 +100,11 @@ QString CoverArt::findMbid(const QString& artist, const QString& album)
     const QString query = QStringLiteral("artist:\"%1\" AND release:\"%2\"").arg(artist, album);
     const QByteArray body = get(QLatin1String(services::musicBrainz) + QLatin1String("/ws/2/release/?query=")
                                 + percentEncoded(query) + QLatin1String("&fmt=json&limit=5"));
-    if (body.isEmpty()) {
-        qWarning() << "CoverArt[MB]: request failed";
+    const QJsonValue release = firstOf(body, QLatin1String("releases"), "CoverArt[MB]: request failed",
+                                       "CoverArt[MB]: no releases found");
+    if (release.isUndefined())
         return {};
-    }
-    const QJsonArray releases = jsonArray(body, QLatin1String("releases"));
-    if (releases.isEmpty()) {
-        qWarning() << "CoverArt[MB]: no releases found";
-        return {};
-    }
-    const QString mbid = releases.first()[QLatin1String("id")].toString();
+    const QString mbid = release[QLatin1String("id")].toString();
     qDebug().noquote() << "CoverArt[MB]: MBID =" << mbid;
     return mbid;
 }
@@ -107,19 +118,13 @@ QString CoverArt::discogsImageUrl(const QString& artist, const QString& album) c
     const QString query = percentEncoded(QStringLiteral("%1 %2").arg(artist, album));
     const QByteArray body = get(QLatin1String(services::discogs) + QLatin1String("/database/search?q=")
                                 + query + QLatin1String("&type=release&per_page=5&token=") + discogsToken);
-    if (body.isEmpty()) {
-        qWarning() << "CoverArt[Discogs]: request failed";
+    const QJsonValue result = firstOf(body, QLatin1String("results"), "CoverArt[Discogs]: request failed",
+                                      "CoverArt[Discogs]: no results");
+    if (result.isUndefined())
         return {};
-    }
-    const QJsonArray results = jsonArray(body, QLatin1String("results"));
-    if (results.isEmpty()) {
-        qWarning() << "CoverArt[Discogs]: no results";
-        return {};
-    }
-    const QJsonValue first = results.first();
-    QString url = first[QLatin1String("cover_image")].toString();
+    QString url = result[QLatin1String("cover_image")].toString();
     if (url.isEmpty())
-        url = first[QLatin1String("thumb")].toString();
+        url = result[QLatin1String("thumb")].toString();
     qDebug().noquote() << "CoverArt[Discogs]: url =" << url;
     return url;
 }
