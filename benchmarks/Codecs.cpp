@@ -36,12 +36,14 @@ double workOf(const RunCost& cost)
     return cost.output.simplified().toDouble();
 }
 
-/// One kind of file: how a tool makes one of the WAV file IN, and the tools that
-/// turn one, IN, back into a WAV file OUT.
+/// One kind of file: how a tool makes one of the WAV file IN, the tools that turn
+/// one, IN, back into a WAV file OUT, and, where they have no other kind of file to
+/// serve, the program of ours that has none either.
 struct Decoding {
     const char* ending;
     const char* maker;
     QList<const char*> tools;
+    const char* alone = nullptr;
 };
 
 const QList<Decoding>& decodings()
@@ -49,10 +51,10 @@ const QList<Decoding>& decodings()
     static const QList<Decoding> list{
         {"wav", "cp IN OUT", {"sox -D IN OUT"}},
         {"aiff", "sox -D IN OUT", {"sox -D IN OUT"}},
-        {"flac", "flac -s -5 -o OUT IN", {"flac -d -s -f -o OUT IN"}},
-        {"ogg", "oggenc -Q -q 6 -o OUT IN", {"oggdec -Q -o OUT IN"}},
-        {"opus", "opusenc --quiet IN OUT", {"opusdec --quiet IN OUT"}},
-        {"wv", "wavpack -q IN -o OUT", {"wvunpack -q -y IN -o OUT"}},
+        {"flac", "flac -s -5 -o OUT IN", {"flac -d -s -f -o OUT IN"}, "decode_Flac IN OUT"},
+        {"ogg", "oggenc -Q -q 6 -o OUT IN", {"oggdec -Q -o OUT IN"}, "decode_Ogg IN OUT"},
+        {"opus", "opusenc --quiet IN OUT", {"opusdec --quiet IN OUT"}, "decode_Opus IN OUT"},
+        {"wv", "wavpack -q IN -o OUT", {"wvunpack -q -y IN -o OUT"}, "decode_WavPack IN OUT"},
         {"mp3",
          "lame --quiet -b 320 -q 5 IN OUT",
          {"lame --quiet --decode IN OUT", "ffmpeg -v error -y -i IN -c:a pcm_s24le OUT"}},
@@ -124,6 +126,14 @@ private:
                 in, out};
     }
 
+    /// A command whose program stands in the folder of this one.
+    static QStringList besideThis(const char* program, const QString& in, const QString& out)
+    {
+        QStringList command = filled(program, in, out);
+        command.first().prepend(QCoreApplication::applicationDirPath() + u'/');
+        return command;
+    }
+
     void row(const QString& name, const QStringList& ours, const QList<QStringList>& other)
     {
         const PairedCosts costs = runPairs(
@@ -145,10 +155,16 @@ private:
         for (const Decoding& kind : decodings()) {
             const QString source = folder + QStringLiteral("/in.") + QLatin1String(kind.ending);
             runChild(filled(kind.maker, wave, source));
-            for (const char* tool : kind.tools)
-                row(QStringLiteral("decode %1 / %2").arg(QLatin1String(kind.ending), words(tool).first()),
-                    convert(WavEncoderId, source, output(QStringLiteral("wav"))),
-                    {filled(tool, source, output(QStringLiteral("wav")))});
+            const QString target = output(QStringLiteral("wav"));
+            for (const char* tool : kind.tools) {
+                const QString sides =
+                    QStringLiteral(" %1 / %2").arg(QLatin1String(kind.ending), words(tool).first());
+                const QList<QStringList> other{filled(tool, source, target)};
+                row(QStringLiteral("decode") + sides, convert(WavEncoderId, source, target), other);
+                if (kind.alone)
+                    row(QStringLiteral("alone, decode") + sides, besideThis(kind.alone, source, target),
+                        other);
+            }
             QFile::remove(source);
         }
     }
