@@ -62,12 +62,13 @@ struct RipWorker::DiscRun {
 void RipWorker::runCdMode()
 {
     DiscRun run = beginDiscRun();
-    for (qsizetype place = 0; place < disc.tracks.size() && !stopping; ++place) {
-        if (disc.tracks[place].isData) {
+    for (qsizetype place = 0; place < order.disc.tracks.size() && !stopping; ++place) {
+        if (order.disc.tracks[place].isData) {
             Q_EMIT logLine(QStringLiteral("  Track %1: data track (not audio) - skipped")
-                               .arg(disc.tracks[place].number, 2, 10, QLatin1Char('0')));
+                               .arg(order.disc.tracks[place].number, 2, 10, QLatin1Char('0')));
         } else if (!withinMemory([&] { ripDiscTrack(run, place); })) {
-            Q_EMIT trackDone(failedTrack(disc.tracks[place].number, trackName(disc.tracks[place])));
+            Q_EMIT trackDone(
+                failedTrack(order.disc.tracks[place].number, trackName(order.disc.tracks[place])));
         }
     }
     qDebug() << "[RipWorker] Cross-check mismatches this disc:" << run.mismatches;
@@ -76,9 +77,9 @@ void RipWorker::runCdMode()
 RipWorker::DiscRun RipWorker::beginDiscRun()
 {
     DiscRun run;
-    run.firstAudioLba = disc.tracks.constFirst().startLba;
-    lastAudioLba = disc.tracks.constLast().endLba;
-    for (const TrackInfo& track : std::as_const(disc.tracks)) {
+    run.firstAudioLba = order.disc.tracks.constFirst().startLba;
+    lastAudioLba = order.disc.tracks.constLast().endLba;
+    for (const TrackInfo& track : std::as_const(order.disc.tracks)) {
         if (track.isData)
             continue;
         if (run.audioCount++ == 0)
@@ -86,34 +87,34 @@ RipWorker::DiscRun RipWorker::beginDiscRun()
         run.lastAudioNumber = track.number;
         lastAudioLba = track.endLba;
     }
-    if (!cover.isNull())
+    if (!order.cover.isNull())
         saveCover();
     errorTotal = 0;
     suspectTotal = 0;
 
-    run.usb = drive->isUsb();
+    run.usb = order.drive->isUsb();
     qDebug().noquote() << "[RipWorker] Drive is USB:" << run.usb << "-> keepalive"
                        << (run.usb ? "enabled" : "disabled");
     const bool c2 =
-        drive->probeC2(run.firstAudioLba + std::min(probeDistance, lastAudioLba - run.firstAudioLba));
-    drive->setC2Enabled(c2);
-    run.c2Mode = drive->c2Enabled();
+        order.drive->probeC2(run.firstAudioLba + std::min(probeDistance, lastAudioLba - run.firstAudioLba));
+    order.drive->setC2Enabled(c2);
+    run.c2Mode = order.drive->c2Enabled();
     const QString mode =
         run.c2Mode
             ? QStringLiteral("Read mode   : secure - C2 error pointers (max %1 re-reads / sector)")
             : QStringLiteral("Read mode   : secure - double read & compare (max %1 re-reads / sector)");
-    Q_EMIT logLine(mode.arg(rereadLimit));
+    Q_EMIT logLine(mode.arg(order.rereadLimit));
     return run;
 }
 
 void RipWorker::ripDiscTrack(DiscRun& run, qsizetype place)
 {
-    const TrackInfo& track = disc.tracks.at(place);
+    const TrackInfo& track = order.disc.tracks.at(place);
     const QString name = trackName(track);
     Q_EMIT trackStarted(static_cast<int>(place) + 1, run.audioCount, name);
 
-    const bool isLast = place + 1 == disc.tracks.size();
-    const quint32 bound = isLast ? lastAudioLba : disc.tracks.at(place + 1).startLba - 1;
+    const bool isLast = place + 1 == order.disc.tracks.size();
+    const quint32 bound = isLast ? lastAudioLba : order.disc.tracks.at(place + 1).startLba - 1;
     const quint32 lastLba = std::min(track.endLba, bound);
     const quint32 count = sectorCount(track.startLba, lastLba);
     if (place > 0)
@@ -148,7 +149,7 @@ void RipWorker::ripDiscTrack(DiscRun& run, qsizetype place)
     result.frameWindow = frameWindowOf(samples);
     applyReadOffset(samples, track.startLba, lastLba);
     result.ok = encodeTrack(std::move(samples), AudioFormat(), outputBasePath(track.number, name), name,
-                            track.number, run.audioCount, cover);
+                            track.number, run.audioCount, order.cover);
     accurateRipCrc(spareSamples, track.number, run.lastAudioNumber, result.crcV1, result.crcV2);
     Q_EMIT trackDone(result);
 }
@@ -157,10 +158,10 @@ QList<QByteArray> RipWorker::readFirstPass(const DiscRun& run, quint32 firstLba,
 {
     QList<QByteArray> firstPass(count);
     for (quint32 place = 0; place < count && !stopping; ++place) {
-        firstPass[place] = drive->readSector(firstLba + place);
+        firstPass[place] = order.drive->readSector(firstLba + place);
         keepAlive(run, firstLba + place);
     }
-    drive->flushDriveCache(firstLba);
+    order.drive->flushDriveCache(firstLba);
     return firstPass;
 }
 
@@ -170,7 +171,7 @@ bool RipWorker::readTrackSamples(DiscRun& run, quint32 firstLba, quint32 count,
     for (quint32 place = 0; place < count; ++place) {
         if (stopping)
             return false;
-        QByteArray data = drive->readSector(firstLba + place);
+        QByteArray data = order.drive->readSector(firstLba + place);
         Q_EMIT sectorDone(judgeSector(run, firstLba + place,
                                       firstPass.isEmpty() ? nullptr : &firstPass[place], data, result));
         if (data.isEmpty())
@@ -183,7 +184,7 @@ bool RipWorker::readTrackSamples(DiscRun& run, quint32 firstLba, quint32 count,
 void RipWorker::keepAlive(const DiscRun& run, quint32 lba)
 {
     if (run.usb && lba > run.firstAudioLba && (lba - run.firstAudioLba) % keepAliveInterval == 0)
-        drive->readToc();
+        order.drive->readToc();
 }
 
 SectorResult RipWorker::judgeSector(DiscRun& run, quint32 lba, const QByteArray* first, QByteArray& data,
@@ -191,8 +192,8 @@ SectorResult RipWorker::judgeSector(DiscRun& run, quint32 lba, const QByteArray*
 {
     SectorResult record;
     record.lba = lba;
-    record.speed = drive->speedKBs();
-    record.c2Errors = run.c2Mode ? drive->lastC2Errors() : 0;
+    record.speed = order.drive->speedKBs();
+    record.c2Errors = run.c2Mode ? order.drive->lastC2Errors() : 0;
     keepAlive(run, lba);
 
     const bool trusted =
@@ -230,10 +231,10 @@ SectorResult RipWorker::judgeSector(DiscRun& run, quint32 lba, const QByteArray*
 
 bool RipWorker::passesCrossCheck(quint32 lba, QByteArray& data)
 {
-    const QByteArray copy = drive->readSectorFresh(lba);
+    const QByteArray copy = order.drive->readSectorFresh(lba);
     if (copy.isEmpty() || copy == data)
         return true;
-    const QByteArray third = drive->readSectorFresh(lba);
+    const QByteArray third = order.drive->readSectorFresh(lba);
     if (third == copy)
         data = copy;
     qWarning() << "[RipWorker] Cross-check mismatch at LBA" << lba;
@@ -246,10 +247,10 @@ QByteArray RipWorker::rereadSector(quint32 lba, const QList<QByteArray>& seeds, 
     const auto read = [this, lba]() -> SectorRead {
         if (stopping)
             return {};
-        const QByteArray data = drive->readSectorFresh(lba);
-        return {data, drive->lastC2Errors()};
+        const QByteArray data = order.drive->readSectorFresh(lba);
+        return {data, order.drive->lastC2Errors()};
     };
-    const RereadOutcome outcome = rereadVote(read, seeds, c2Mode, rereadLimit);
+    const RereadOutcome outcome = rereadVote(read, seeds, c2Mode, order.rereadLimit);
     reads = outcome.reads;
     confirmed = outcome.confirmed;
     return outcome.data;

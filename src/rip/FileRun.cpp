@@ -49,9 +49,9 @@ std::optional<QList<int>> RipWorker::decodeAll(IAudioDecoder& decoder) const
 void RipWorker::runFileMode()
 {
     const auto fail = [this](const char* japanese, const char* english) {
-        Q_EMIT error(pickLang(japanese, english) + sourceAudioFile);
+        Q_EMIT error(pickLang(japanese, english) + order.sourceAudioFile);
     };
-    const std::filesystem::path path = QFile::encodeName(sourceAudioFile).toStdString();
+    const std::filesystem::path path = QFile::encodeName(order.sourceAudioFile).toStdString();
     const auto decoder = makeDecoder(path);
     if (!decoder)
         return fail("対応していないファイル形式です: ", "Unsupported file format: ");
@@ -67,18 +67,18 @@ void RipWorker::runFileMode()
     if (samples && samples->isEmpty())
         return fail("デコードできるデータがありませんでした: ", "No decodable audio data: ");
 
-    const QFileInfo source(sourceAudioFile);
+    const QFileInfo source(order.sourceAudioFile);
     const QString title = source.completeBaseName();
     Q_EMIT trackStarted(1, 1, title);
     RipResult result;
     result.trackNumber = 1;
     result.title = title;
     if (samples) {
-        const QString folder = uniqueFolder(outputFolder, source.absoluteDir().dirName());
+        const QString folder = uniqueFolder(order.outputFolder, source.absoluteDir().dirName());
         withinMemory([&] {
             result.ok = encodeTrack(std::move(*samples), format,
                                     folder + QStringLiteral("/01. ") + withoutForbiddenCharacters(title),
-                                    title, 1, 1, cover);
+                                    title, 1, 1, order.cover);
         });
     }
     result.errorSectors = result.ok ? 0 : noSamplesRead;

@@ -45,16 +45,16 @@ void copyCover(const QString& from, const QString& to)
 
 QPixmap RipWorker::imageCover()
 {
-    const auto trackCount = static_cast<int>(disc.tracks.size());
-    const QString target = outputFolder + QLatin1String(coverFileName);
-    if (!cover.isNull()) {
+    const auto trackCount = static_cast<int>(order.disc.tracks.size());
+    const QString target = order.outputFolder + QLatin1String(coverFileName);
+    if (!order.cover.isNull()) {
         saveCover();
         Q_EMIT trackStarted(0, trackCount, QStringLiteral("Cover art: OK"));
-        return cover;
+        return order.cover;
     }
     QPixmap found;
     const QString sibling =
-        QFileInfo(disc.tracks.constFirst().sourceFile).absolutePath() + QLatin1String(coverFileName);
+        QFileInfo(order.disc.tracks.constFirst().sourceFile).absolutePath() + QLatin1String(coverFileName);
     if (QFileInfo(sibling).isFile() && found.load(sibling))
         copyCover(sibling, target);
     // Said in every case, also after a cover was found and copied.
@@ -70,9 +70,9 @@ void RipWorker::runCueMode()
         Q_EMIT sectorDone(record);
         reader.abortFlag = stopping;
     };
-    const auto trackCount = static_cast<int>(disc.tracks.size());
+    const auto trackCount = static_cast<int>(order.disc.tracks.size());
     int place = 0;
-    for (const TrackInfo& track : std::as_const(disc.tracks)) {
+    for (const TrackInfo& track : std::as_const(order.disc.tracks)) {
         if (stopping)
             return;
         const QString name = trackName(track);
@@ -90,7 +90,7 @@ RipResult RipWorker::ripImageTrack(ParanoiaReader& reader, const TrackInfo& trac
     RipResult result = failedTrack(track.number, name);
     if (!memoryHoldsSectors(track.endLba - track.startLba + 1))
         return result;
-    QList<qint16> samples = reader.readTrack(*drive, track);
+    QList<qint16> samples = reader.readTrack(*order.drive, track);
     if (samples.isEmpty())
         return result;
     result.errorSectors = static_cast<quint32>(std::count_if(reader.results.cbegin(), reader.results.cend(),
@@ -103,8 +103,8 @@ RipResult RipWorker::ripImageTrack(ParanoiaReader& reader, const TrackInfo& trac
     leftJustify(samples, pcm);
     samples = QList<qint16>();
     result.ok = encodeTrack(std::move(pcm), AudioFormat(), outputBasePath(track.number, name), name,
-                            track.number, static_cast<int>(disc.tracks.size()), trackCover);
-    accurateRipCrc(spareSamples, track.number, static_cast<int>(disc.tracks.size()), result.crcV1,
+                            track.number, static_cast<int>(order.disc.tracks.size()), trackCover);
+    accurateRipCrc(spareSamples, track.number, static_cast<int>(order.disc.tracks.size()), result.crcV1,
                    result.crcV2);
     return result;
 }

@@ -31,52 +31,53 @@ void fillTitles(QList<TrackInfo>& tracks, const QList<Track>& found)
 
 void RipWorker::fetchMetadata()
 {
-    Q_EMIT trackStarted(0, static_cast<int>(disc.tracks.size()), QStringLiteral("Fetching metadata..."));
+    Q_EMIT trackStarted(0, static_cast<int>(order.disc.tracks.size()),
+                        QStringLiteral("Fetching metadata..."));
     // What leaves this thread's slot ends the program.
     try {
         fillFromServices();
     } catch (const std::exception& trouble) {
         qWarning() << "[RipWorker] lookup given up:" << trouble.what();
     }
-    Q_EMIT metadataReady(artist, album, year, cover, disc.tracks);
+    Q_EMIT metadataReady(order.artist, order.album, order.year, order.cover, order.disc.tracks);
 }
 
 void RipWorker::fillFromServices()
 {
     fillFromMusicBrainz();
-    if (album.isEmpty() && !stopping)
+    if (order.album.isEmpty() && !stopping)
         fillFromGnuDb();
-    if (cover.isNull() && !album.isEmpty() && !stopping) {
+    if (order.cover.isNull() && !order.album.isEmpty() && !stopping) {
         qDebug() << "[RipWorker] Fetching cover art via CoverArt";
         CoverArt covers;
-        covers.discogsToken = discogsToken;
-        cover = covers.fetch(artist, album);
+        covers.discogsToken = order.discogsToken;
+        order.cover = covers.fetch(order.artist, order.album);
     }
 }
 
 void RipWorker::fillFromMusicBrainz()
 {
-    const MusicBrainzResult found = musicBrainzLookup(disc);
+    const MusicBrainzResult found = musicBrainzLookup(order.disc);
     if (found.title.isEmpty())
         return;
     qDebug().noquote() << "[RipWorker] MusicBrainz OK:" << found.title;
-    fillIfEmpty(artist, found.artist);
-    fillIfEmpty(album, found.title);
-    fillIfEmpty(year, found.year);
-    fillTitles(disc.tracks, found.tracks);
-    if (cover.isNull() && !found.mbid.isEmpty())
-        cover = CoverArt::pictureAt(CoverArt::archiveImageUrl(found.mbid));
+    fillIfEmpty(order.artist, found.artist);
+    fillIfEmpty(order.album, found.title);
+    fillIfEmpty(order.year, found.year);
+    fillTitles(order.disc.tracks, found.tracks);
+    if (order.cover.isNull() && !found.mbid.isEmpty())
+        order.cover = CoverArt::pictureAt(CoverArt::archiveImageUrl(found.mbid));
 }
 
 void RipWorker::fillFromGnuDb()
 {
     qDebug() << "[RipWorker] MusicBrainz not found, trying GnuDB";
-    const GnuDbResult found = gnudbLookup(disc);
+    const GnuDbResult found = gnudbLookup(order.disc);
     if (found.album.isEmpty())
         return;
     qDebug().noquote() << "[RipWorker] GnuDB OK:" << found.album;
-    fillIfEmpty(artist, found.artist);
-    fillIfEmpty(album, found.album);
-    fillIfEmpty(year, found.year);
-    fillTitles(disc.tracks, found.tracks);
+    fillIfEmpty(order.artist, found.artist);
+    fillIfEmpty(order.album, found.album);
+    fillIfEmpty(order.year, found.year);
+    fillTitles(order.disc.tracks, found.tracks);
 }

@@ -1,8 +1,6 @@
 #include "rip/OutputNaming.h"
 
-#include "base/Settings.h"
-#include "base/UniqueFolder.h"
-#include "rip/RipWorker.h"
+#include "rip/RipOrder.h"
 
 #include <QRegularExpression>
 
@@ -34,23 +32,18 @@ QString cleanNamePart(const QString& text)
     return name.trimmed();
 }
 
-QString RipWorker::outputBasePath(int trackNumber, const QString& title) const
+QString outputBasePath(const RipOrder& order, int trackNumber, const QString& title)
 {
-    QString name = namingRule.trimmed();
+    QString name = order.namingRule.trimmed();
     if (name.isEmpty())
         name = QLatin1String(settings::defaultNamingRule);
     name.replace(QLatin1String("{track}"), twoDigits(trackNumber));
     name.replace(QLatin1String("{title}"), cleanNamePart(title));
-    name.replace(QLatin1String("{artist}"), cleanNamePart(artist));
-    name.replace(QLatin1String("{album}"), cleanNamePart(album));
-    name.replace(QLatin1String("{year}"), cleanNamePart(year.left(4)));
+    name.replace(QLatin1String("{artist}"), cleanNamePart(order.artist));
+    name.replace(QLatin1String("{album}"), cleanNamePart(order.album));
+    name.replace(QLatin1String("{year}"), cleanNamePart(order.year.left(4)));
     name = cleanNamePart(name);
     if (name.isEmpty())
         name = twoDigits(trackNumber) + QStringLiteral(". ") + cleanNamePart(title);
-    return outputFolder + u'/' + name;
-}
-
-QString RipWorker::uniqueFolder(const QString& parent, const QString& name)
-{
-    return makeUniqueFolder(parent, name).path;
+    return order.outputFolder + u'/' + name;
 }

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+struct RipOrder;
 struct TrackInfo;
 
 /// Where the album's cover goes, below the output folder.
@@ -16,3 +17,7 @@ QString withoutForbiddenCharacters(QString text);
 /// The text without forbidden characters, and without blanks and full stops at
 /// its end.
 QString cleanNamePart(const QString& text);
+
+/// Output folder, slash and file name without extension, by the order's naming
+/// rule.
+QString outputBasePath(const RipOrder& order, int trackNumber, const QString& title);

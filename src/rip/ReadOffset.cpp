@@ -15,7 +15,7 @@ constexpr qint64 framesPerSector = SECTOR_VALUES / 2;
 
 void RipWorker::applyReadOffset(QList<int>& pcm, quint32 firstLba, quint32 lastLba)
 {
-    const qint64 offset = drive ? drive->readOffset() : 0;
+    const qint64 offset = order.drive ? order.drive->readOffset() : 0;
     if (offset == 0 || pcm.isEmpty())
         return;
     // More than the whole track may move in; only what stays is read.
@@ -36,9 +36,10 @@ bool RipWorker::mayHoldAudio(qint64 lba) const
 {
     const qint64 bound = lastAudioLba != 0 ? lastAudioLba : std::numeric_limits<quint32>::max();
     return lba >= 0 && lba <= bound
-           && std::none_of(disc.tracks.cbegin(), disc.tracks.cend(), [lba](const TrackInfo& track) {
-                  return track.isData && track.startLba <= lba && lba <= track.endLba;
-              });
+           && std::none_of(order.disc.tracks.cbegin(), order.disc.tracks.cend(),
+                           [lba](const TrackInfo& track) {
+                               return track.isData && track.startLba <= lba && lba <= track.endLba;
+                           });
 }
 
 QList<int> RipWorker::neighbourValues(qint64 firstFrame, qsizetype count)
@@ -51,7 +52,7 @@ QList<int> RipWorker::neighbourValues(qint64 firstFrame, qsizetype count)
     for (qint64 lba = firstSector; values.size() < skipped + count; ++lba) {
         QByteArray sector;
         if (mayHoldAudio(lba))
-            sector = drive->readSectorUnjudged(static_cast<quint32>(lba));
+            sector = order.drive->readSectorUnjudged(static_cast<quint32>(lba));
         if (sector.size() != RAW_SECTOR_BYTES)
             sector = QByteArray(RAW_SECTOR_BYTES, '\0');
         appendSampleValues(values, sector);

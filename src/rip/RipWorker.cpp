@@ -3,7 +3,7 @@
 #include "base/FittingName.h"
 #include "base/FreeSpace.h"
 #include "base/Language.h"
-#include "base/Settings.h"
+#include "base/UniqueFolder.h"
 #include "codecs/EncoderOptions.h"
 #include "codecs/IAudioEncoder.h"
 #include "disc/CdDrive.h"
@@ -55,8 +55,7 @@ bool roomForTags(const QString& path, const QPixmap& cover)
 
 } // namespace
 
-RipWorker::RipWorker(QObject* parent)
-    : QObject(parent), namingRule(QLatin1String(settings::defaultNamingRule))
+RipWorker::RipWorker(QObject* parent) : QObject(parent)
 {
     qRegisterMetaType<SectorResult>();
     qRegisterMetaType<RipResult>();
@@ -68,30 +67,42 @@ RipWorker::~RipWorker()
     runOver.load(std::memory_order_acquire);
 }
 
-void RipWorker::configure(CdDrive* newDrive, const DiscToc& newDisc, const QString& folder,
-                          const QString& newArtist, const QString& newAlbum, const QString& newYear,
-                          const QPixmap& newCover, const QString& token, int number, int total, int quality,
-                          OutputFormat format, const QString& audioFile, int rereads)
+void RipWorker::configure(CdDrive* drive, const DiscToc& disc, const QString& outputFolder,
+                          const QString& artist, const QString& album, const QString& year,
+                          const QPixmap& cover, const QString& discogsToken, int discNumber, int discTotal,
+                          int qualityValue, OutputFormat outputFormat, const QString& sourceAudioFile,
+                          int maxRereads)
 {
-    drive = newDrive;
-    disc = newDisc;
-    outputFolder = folder;
-    artist = newArtist;
-    album = newAlbum;
-    year = newYear;
-    cover = newCover;
-    discogsToken = token;
-    discNumber = number;
-    discTotal = total;
-    qualityValue = quality;
-    outputFormat = format;
-    sourceAudioFile = audioFile;
-    rereadLimit = std::max(rereads, 1);
+    order = {.drive = drive,
+             .disc = disc,
+             .outputFolder = outputFolder,
+             .namingRule = order.namingRule,
+             .artist = artist,
+             .album = album,
+             .year = year,
+             .cover = cover,
+             .discogsToken = discogsToken,
+             .discNumber = discNumber,
+             .discTotal = discTotal,
+             .qualityValue = qualityValue,
+             .outputFormat = outputFormat,
+             .sourceAudioFile = sourceAudioFile,
+             .rereadLimit = std::max(maxRereads, 1)};
 }
 
 void RipWorker::setNamingRule(const QString& rule)
 {
-    namingRule = rule;
+    order.namingRule = rule;
+}
+
+QString RipWorker::outputBasePath(int trackNumber, const QString& title) const
+{
+    return ::outputBasePath(order, trackNumber, title);
+}
+
+QString RipWorker::uniqueFolder(const QString& parent, const QString& name)
+{
+    return makeUniqueFolder(parent, name).path;
 }
 
 QString RipWorker::unfinishedFile() const
@@ -108,10 +119,10 @@ void RipWorker::setUnfinishedFile(const QString& path)
 
 void RipWorker::run()
 {
-    if (sourceAudioFile.isEmpty()) {
+    if (order.sourceAudioFile.isEmpty()) {
         runDisc();
     } else {
-        QDir().mkpath(outputFolder);
+        QDir().mkpath(order.outputFolder);
         runFileMode();
         finishReplayGain(false);
     }
@@ -121,7 +132,7 @@ void RipWorker::run()
 
 void RipWorker::runDisc()
 {
-    if (!drive || disc.tracks.isEmpty()) {
+    if (!order.drive || order.disc.tracks.isEmpty()) {
         heldDrive.reset();
         Q_EMIT error(QStringLiteral("No drive or tracks"));
         return;
@@ -132,9 +143,9 @@ void RipWorker::runDisc()
         return;
     }
     runGuard().begin();
-    if (!QDir().mkpath(outputFolder)) {
+    if (!QDir().mkpath(order.outputFolder)) {
         failAllTracks();
-    } else if (disc.isImage) {
+    } else if (order.disc.isImage) {
         runCueMode();
     } else {
         fetchMetadata();
@@ -148,8 +159,8 @@ void RipWorker::runDisc()
 
 bool RipWorker::holdDrive()
 {
-    if (!heldDrive && drive->borrow())
-        heldDrive.reset(drive);
+    if (!heldDrive && order.drive->borrow())
+        heldDrive.reset(order.drive);
     return heldDrive != nullptr;
 }
 
@@ -161,13 +172,14 @@ void RipWorker::GiveBack::operator()(CdDrive* borrowed) const
 void RipWorker::failAllTracks()
 {
     const QString words =
-        pickLang("出力フォルダを作成できません: ", "Cannot create the output folder: ") + outputFolder;
+        pickLang("出力フォルダを作成できません: ", "Cannot create the output folder: ") + order.outputFolder;
     Q_EMIT error(words);
     Q_EMIT logLine(QStringLiteral("  ⚠ ") + words);
     const auto isAudio = [](const TrackInfo& track) { return !track.isData; };
-    const auto total = static_cast<int>(std::count_if(disc.tracks.cbegin(), disc.tracks.cend(), isAudio));
+    const auto total =
+        static_cast<int>(std::count_if(order.disc.tracks.cbegin(), order.disc.tracks.cend(), isAudio));
     int place = 0;
-    for (const TrackInfo& track : std::as_const(disc.tracks)) {
+    for (const TrackInfo& track : std::as_const(order.disc.tracks)) {
         ++place;
         if (track.isData)
             continue;
@@ -179,8 +191,8 @@ void RipWorker::failAllTracks()
 void RipWorker::saveCover() const
 {
     constexpr int coverQuality = 90;
-    const QString path = outputFolder + QLatin1String(coverFileName);
-    if (!cover.save(path, "JPEG", coverQuality))
+    const QString path = order.outputFolder + QLatin1String(coverFileName);
+    if (!order.cover.save(path, "JPEG", coverQuality))
         QFile::remove(path); // empty, or not whole
 }
 
@@ -204,7 +216,7 @@ bool RipWorker::encodeTrack(QList<int>&& pcm, const AudioFormat& format, const Q
                             const QString& title, int trackNumber, int totalTracks, const QPixmap& trackCover)
 {
     const quint64 frames = static_cast<quint64>(pcm.size()) / std::max<quint64>(format.channels, 1);
-    const QString path = fittingPath(basePath, QLatin1String(formatOfRip(outputFormat).extension));
+    const QString path = fittingPath(basePath, QLatin1String(formatOfRip(order.outputFormat).extension));
     AudioBlock block{std::move(pcm), frames};
     const bool whole = writeAudio(block, format, path);
     if (whole) {
@@ -246,13 +258,13 @@ void RipWorker::tagTrack(const QString& path, const QString& title, int trackNum
     };
     TagData tags;
     tags.title = title;
-    tags.artist = artist;
-    tags.album = album;
-    tags.year = year;
+    tags.artist = order.artist;
+    tags.album = order.album;
+    tags.year = order.year;
     tags.trackNumber = trackNumber;
     tags.trackTotal = totalTracks;
-    tags.discNumber = discNumber;
-    tags.discTotal = discTotal;
+    tags.discNumber = order.discNumber;
+    tags.discTotal = order.discTotal;
     tags.cover = trackCover;
     bool coverLeftOut = false;
     if (!roomForTags(path, trackCover) || !writeTags(path, tags, &coverLeftOut))
@@ -264,7 +276,7 @@ void RipWorker::tagTrack(const QString& path, const QString& title, int trackNum
 
 bool RipWorker::writeAudio(const AudioBlock& block, const AudioFormat& format, const QString& path)
 {
-    const auto encoder = makeEncoder(formatOfRip(outputFormat).encoder);
+    const auto encoder = makeEncoder(formatOfRip(order.outputFormat).encoder);
     const bool opened = encoder->open(QFile::encodeName(path).toStdString(), format);
     if (opened)
         setUnfinishedFile(path);

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "codecs/AudioFormat.h"
-#include "disc/DiscModel.h"
 #include "metadata/tags/ReplayGain.h"
-#include "rip/RipTypes.h"
+#include "rip/RipOrder.h"
 
 #include <QObject>
 #include <QPixmap>
@@ -40,7 +39,7 @@ public:
     /// Says that the drive was borrowed for the run already, by whoever
     /// configured it. Without this the run borrows it, and ends with an error
     /// where another has it. Either way the run gives it back.
-    void adoptBorrowedDrive() { heldDrive.reset(drive); }
+    void adoptBorrowedDrive() { heldDrive.reset(order.drive); }
 
     /// Output folder, slash and file name without extension, by the naming rule.
     QString outputBasePath(int trackNumber, const QString& title) const;
@@ -57,7 +56,7 @@ public:
     /// @param firstLba  first and last sector of the track
     void applyReadOffset(QList<int>& pcm, quint32 firstLba, quint32 lastLba);
 
-    int maxRereads() const { return rereadLimit; }
+    int maxRereads() const { return order.rereadLimit; }
 
     /// Makes the run end before its next sector or track; from any thread. A
     /// track in the encoder is still finished.
@@ -141,22 +140,8 @@ private:
         void operator()(CdDrive* borrowed) const;
     };
 
-    CdDrive* drive = nullptr;
+    RipOrder order;
     std::unique_ptr<CdDrive, GiveBack> heldDrive; ///< the drive while it is borrowed for this run
-    DiscToc disc;
-    QString outputFolder;
-    QString namingRule;
-    QString artist;
-    QString album;
-    QString year;
-    QPixmap cover;
-    QString discogsToken;
-    int discNumber = 0;
-    int discTotal = 0;
-    int qualityValue = 300;
-    OutputFormat outputFormat = OutputFlac;
-    QString sourceAudioFile;
-    int rereadLimit = 20;
     /// The samples of the track before, for their memory: touching fresh memory
     /// costs as much as encoding it.
     QList<int> spareSamples;
