@@ -10,6 +10,7 @@
 #include "metadata/LoudnessMeter.h"
 #include "metadata/tags/TagWriter.h"
 #include "rip/OutputNaming.h"
+#include "rip/ReadOffset.h"
 #include "rip/RunGuard.h"
 
 #include <QDir>
@@ -103,6 +104,12 @@ QString RipWorker::outputBasePath(int trackNumber, const QString& title) const
 QString RipWorker::uniqueFolder(const QString& parent, const QString& name)
 {
     return makeUniqueFolder(parent, name).path;
+}
+
+void RipWorker::applyReadOffset(QList<int>& pcm, quint32 firstLba, quint32 lastLba)
+{
+    if (order.drive)
+        ::applyReadOffset(*order.drive, {order.disc.tracks, lastAudioLba}, pcm, firstLba, lastLba);
 }
 
 QString RipWorker::unfinishedFile() const

@@ -115,9 +115,6 @@ private:
     bool passesCrossCheck(quint32 lba, QByteArray& data);
     QByteArray rereadSector(quint32 lba, const QList<QByteArray>& seeds, bool c2Mode, int& reads,
                             bool& confirmed);
-    bool mayHoldAudio(qint64 lba) const;
-    /// Values of the disc from a stereo frame on, read without judgement.
-    QList<int> neighbourValues(qint64 firstFrame, qsizetype count);
 
     /// Does the work of one track. False when memory did not hold it; then
     /// nothing is left of its file.
