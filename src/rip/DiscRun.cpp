@@ -7,6 +7,7 @@
 #include "rip/RipWorker.h"
 #include "rip/SampleValues.h"
 #include "rip/TrackMemory.h"
+#include "rip/TrackWriter.h"
 #include "secure/RereadVote.h"
 #include "secure/SectorVote.h"
 #include "verify/AccurateRip.h"
@@ -66,7 +67,7 @@ void RipWorker::runCdMode()
         if (order.disc.tracks[place].isData) {
             Q_EMIT logLine(QStringLiteral("  Track %1: data track (not audio) - skipped")
                                .arg(order.disc.tracks[place].number, 2, 10, QLatin1Char('0')));
-        } else if (!withinMemory([&] { ripDiscTrack(run, place); })) {
+        } else if (!writer->withinMemory([&] { ripDiscTrack(run, place); })) {
             Q_EMIT trackDone(
                 failedTrack(order.disc.tracks[place].number, trackName(order.disc.tracks[place])));
         }
@@ -88,7 +89,7 @@ RipWorker::DiscRun RipWorker::beginDiscRun()
         lastAudioLba = track.endLba;
     }
     if (!order.cover.isNull())
-        saveCover();
+        writer->saveCover();
     errorTotal = 0;
     suspectTotal = 0;
 
@@ -128,7 +129,7 @@ void RipWorker::ripDiscTrack(DiscRun& run, qsizetype place)
     result.trackNumber = track.number;
     result.title = name;
 
-    QList<int> samples = std::exchange(spareSamples, {});
+    QList<int> samples = writer->takeSpareSamples();
     samples.resize(0);
     reserveLarge(samples, qsizetype{count} * SECTOR_VALUES);
     {
@@ -148,9 +149,10 @@ void RipWorker::ripDiscTrack(DiscRun& run, qsizetype place)
     }
     result.frameWindow = frameWindowOf(samples);
     applyReadOffset(samples, track.startLba, lastLba);
-    result.ok = encodeTrack(std::move(samples), AudioFormat(), outputBasePath(track.number, name), name,
-                            track.number, run.audioCount, order.cover);
-    accurateRipCrc(spareSamples, track.number, run.lastAudioNumber, result.crcV1, result.crcV2);
+    result.ok =
+        writer->write(std::move(samples), AudioFormat(),
+                      {outputBasePath(track.number, name), name, track.number, run.audioCount, order.cover});
+    accurateRipCrc(writer->writtenSamples(), track.number, run.lastAudioNumber, result.crcV1, result.crcV2);
     Q_EMIT trackDone(result);
 }
 

@@ -5,6 +5,7 @@
 #include "rip/OutputNaming.h"
 #include "rip/RipWorker.h"
 #include "rip/TrackMemory.h"
+#include "rip/TrackWriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -75,10 +76,10 @@ void RipWorker::runFileMode()
     result.title = title;
     if (samples) {
         const QString folder = uniqueFolder(order.outputFolder, source.absoluteDir().dirName());
-        withinMemory([&] {
-            result.ok = encodeTrack(std::move(*samples), format,
-                                    folder + QStringLiteral("/01. ") + withoutForbiddenCharacters(title),
-                                    title, 1, 1, order.cover);
+        writer->withinMemory([&] {
+            result.ok = writer->write(std::move(*samples), format,
+                                      {folder + QStringLiteral("/01. ") + withoutForbiddenCharacters(title),
+                                       title, 1, 1, order.cover});
         });
     }
     result.errorSectors = result.ok ? 0 : noSamplesRead;

@@ -5,6 +5,7 @@
 #include "rip/OutputNaming.h"
 #include "rip/RipWorker.h"
 #include "rip/TrackMemory.h"
+#include "rip/TrackWriter.h"
 #include "secure/ParanoiaReader.h"
 #include "verify/AccurateRip.h"
 
@@ -48,7 +49,7 @@ QPixmap RipWorker::imageCover()
     const auto trackCount = static_cast<int>(order.disc.tracks.size());
     const QString target = order.outputFolder + QLatin1String(coverFileName);
     if (!order.cover.isNull()) {
-        saveCover();
+        writer->saveCover();
         Q_EMIT trackStarted(0, trackCount, QStringLiteral("Cover art: OK"));
         return order.cover;
     }
@@ -78,7 +79,7 @@ void RipWorker::runCueMode()
         const QString name = trackName(track);
         Q_EMIT trackStarted(++place, trackCount, name);
         RipResult result = failedTrack(track.number, name);
-        withinMemory([&] { result = ripImageTrack(reader, track, name, runCover); });
+        writer->withinMemory([&] { result = ripImageTrack(reader, track, name, runCover); });
         if (!reader.abortFlag)
             Q_EMIT trackDone(result);
     }
@@ -99,12 +100,13 @@ RipResult RipWorker::ripImageTrack(ParanoiaReader& reader, const TrackInfo& trac
         reader.results.cbegin(), reader.results.cend(), quint32{0},
         [](quint32 sum, const SectorResult& r) { return sum + static_cast<quint32>(r.retries); });
 
-    QList<int> pcm = std::exchange(spareSamples, {});
+    QList<int> pcm = writer->takeSpareSamples();
     leftJustify(samples, pcm);
     samples = QList<qint16>();
-    result.ok = encodeTrack(std::move(pcm), AudioFormat(), outputBasePath(track.number, name), name,
-                            track.number, static_cast<int>(order.disc.tracks.size()), trackCover);
-    accurateRipCrc(spareSamples, track.number, static_cast<int>(order.disc.tracks.size()), result.crcV1,
-                   result.crcV2);
+    result.ok = writer->write(std::move(pcm), AudioFormat(),
+                              {outputBasePath(track.number, name), name, track.number,
+                               static_cast<int>(order.disc.tracks.size()), trackCover});
+    accurateRipCrc(writer->writtenSamples(), track.number, static_cast<int>(order.disc.tracks.size()),
+                   result.crcV1, result.crcV2);
     return result;
 }

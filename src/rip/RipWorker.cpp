@@ -1,62 +1,19 @@
 #include "rip/RipWorker.h"
 
-#include "base/FittingName.h"
-#include "base/FreeSpace.h"
 #include "base/Language.h"
 #include "base/UniqueFolder.h"
-#include "codecs/EncoderOptions.h"
-#include "codecs/IAudioEncoder.h"
 #include "disc/CdDrive.h"
-#include "metadata/LoudnessMeter.h"
-#include "metadata/tags/TagWriter.h"
 #include "rip/OutputNaming.h"
 #include "rip/ReadOffset.h"
 #include "rip/RunGuard.h"
+#include "rip/TrackWriter.h"
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
-#include <limits>
-#include <new>
 #include <utility>
 
-namespace {
-
-struct FormatOfRip {
-    OutputFormat format;
-    EncoderId encoder;
-    const char* extension;
-};
-
-constexpr FormatOfRip formats[] = {
-    {OutputFlac, FlacEncoderId, ".flac"}, {OutputWav, WavEncoderId, ".wav"},
-    {OutputMp3, Mp3EncoderId, ".mp3"},    {OutputAac, AacEncoderId, ".m4a"},
-    {OutputAlac, AlacEncoderId, ".m4a"},
-};
-constexpr const FormatOfRip& wavFormat = formats[1];
-
-const FormatOfRip& formatOfRip(OutputFormat format)
-{
-    const auto* found = std::find_if(std::begin(formats), std::end(formats),
-                                     [format](const auto& f) { return f.format == format; });
-    return found == std::end(formats) ? wavFormat : *found;
-}
-
-// Tags that run out of room in the middle would cut the end off the audio, so
-// they are only begun where they surely fit.
-bool roomForTags(const QString& path, const QPixmap& cover)
-{
-    constexpr quint64 texts = 256 * 1024;
-    const quint64 picture = quint64(cover.width()) * quint64(cover.height()) * 2;
-    const std::optional<quint64> room = freeSpaceBytes(QFileInfo(path).absolutePath());
-    return !room || *room > texts + picture;
-}
-
-} // namespace
-
-RipWorker::RipWorker(QObject* parent) : QObject(parent)
+RipWorker::RipWorker(QObject* parent) : QObject(parent), writer(new TrackWriter(order, *this))
 {
     qRegisterMetaType<SectorResult>();
     qRegisterMetaType<RipResult>();
@@ -114,14 +71,7 @@ void RipWorker::applyReadOffset(QList<int>& pcm, quint32 firstLba, quint32 lastL
 
 QString RipWorker::unfinishedFile() const
 {
-    const std::lock_guard lock(fileLock);
-    return fileInWork;
-}
-
-void RipWorker::setUnfinishedFile(const QString& path)
-{
-    const std::lock_guard lock(fileLock);
-    fileInWork = path;
+    return writer->unfinishedFile();
 }
 
 void RipWorker::run()
@@ -131,7 +81,7 @@ void RipWorker::run()
     } else {
         QDir().mkpath(order.outputFolder);
         runFileMode();
-        finishReplayGain(false);
+        writer->finish(GainOf::eachFile);
     }
     Q_EMIT finished();
     runOver.store(true, std::memory_order_release);
@@ -158,8 +108,7 @@ void RipWorker::runDisc()
         fetchMetadata();
         runCdMode();
     }
-    spareSamples = {};
-    finishReplayGain(true);
+    writer->finish(GainOf::album);
     runGuard().end();
     heldDrive.reset();
 }
@@ -195,103 +144,37 @@ void RipWorker::failAllTracks()
     }
 }
 
-void RipWorker::saveCover() const
+void RipWorker::sector(const SectorResult& record)
 {
-    constexpr int coverQuality = 90;
-    const QString path = order.outputFolder + QLatin1String(coverFileName);
-    if (!order.cover.save(path, "JPEG", coverQuality))
-        QFile::remove(path); // empty, or not whole
+    Q_EMIT sectorDone(record);
 }
 
-// What an exception leaves on this thread's slot ends the program.
-bool RipWorker::withinMemory(const std::function<void()>& work)
+void RipWorker::trackBegins(int place, int totalTracks, const QString& title)
 {
-    try {
-        work();
-        return true;
-    } catch (const std::bad_alloc&) {
-        spareSamples = {};
-        const QString begun = unfinishedFile();
-        if (!begun.isEmpty())
-            QFile::remove(begun);
-        setUnfinishedFile(QString());
-        return false;
-    }
+    Q_EMIT trackStarted(place, totalTracks, title);
 }
 
-bool RipWorker::encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,
-                            const QString& title, int trackNumber, int totalTracks, const QPixmap& trackCover)
+void RipWorker::trackEnds(const RipResult& result)
 {
-    const quint64 frames = static_cast<quint64>(pcm.size()) / std::max<quint64>(format.channels, 1);
-    const QString path = fittingPath(basePath, QLatin1String(formatOfRip(order.outputFormat).extension));
-    AudioBlock block{std::move(pcm), frames};
-    const bool whole = writeAudio(block, format, path);
-    if (whole) {
-        if (encoderOptions.replayGainEnabled)
-            measureGain(block, format, path);
-        tagTrack(path, title, trackNumber, totalTracks, trackCover);
-    }
-    spareSamples = std::move(block.samples);
-    setUnfinishedFile(QString());
-    return whole;
+    Q_EMIT trackDone(result);
 }
 
-void RipWorker::measureGain(const AudioBlock& block, const AudioFormat& format, const QString& path)
+void RipWorker::metadata(const RipOrder& filled)
 {
-    LoudnessMeter meter(format.sampleRate, format.channels);
-    meter.add(block.samples.constData(), block.frames);
-    meter.finish();
-    gainEntries.append({path, replayGainFor(meter.gatedLoudness()), meter.peak, meter.gated});
+    Q_EMIT metadataReady(filled.artist, filled.album, filled.year, filled.cover, filled.disc.tracks);
 }
 
-void RipWorker::finishReplayGain(bool asAlbum)
+void RipWorker::failure(const QString& message)
 {
-    const QList<ReplayGainTrack> tracks = std::exchange(gainEntries, {});
-    if (stopping)
-        return;
-    if (asAlbum) {
-        writeAlbumReplayGain(tracks);
-        return;
-    }
-    for (const ReplayGainTrack& track : tracks)
-        writeReplayGain(track.path, track.gain, track.peak, std::numeric_limits<double>::quiet_NaN(), 0.0);
+    Q_EMIT error(message);
 }
 
-void RipWorker::tagTrack(const QString& path, const QString& title, int trackNumber, int totalTracks,
-                         const QPixmap& trackCover)
+void RipWorker::log(const QString& line)
 {
-    const auto note = [this, &path](const char* japanese, const char* english) {
-        Q_EMIT logLine(pickLang(japanese, english) + QFileInfo(path).fileName());
-    };
-    TagData tags;
-    tags.title = title;
-    tags.artist = order.artist;
-    tags.album = order.album;
-    tags.year = order.year;
-    tags.trackNumber = trackNumber;
-    tags.trackTotal = totalTracks;
-    tags.discNumber = order.discNumber;
-    tags.discTotal = order.discTotal;
-    tags.cover = trackCover;
-    bool coverLeftOut = false;
-    if (!roomForTags(path, trackCover) || !writeTags(path, tags, &coverLeftOut))
-        note("  ⚠ タグを書き込めませんでした: ", "  ⚠ The tags could not be written: ");
-    else if (coverLeftOut)
-        note("  ⚠ カバー画像が大きすぎるため埋め込めませんでした: ",
-             "  ⚠ The cover is too large to be embedded: ");
+    Q_EMIT logLine(line);
 }
 
-bool RipWorker::writeAudio(const AudioBlock& block, const AudioFormat& format, const QString& path)
+void RipWorker::status(const QString& text)
 {
-    const auto encoder = makeEncoder(formatOfRip(order.outputFormat).encoder);
-    const bool opened = encoder->open(QFile::encodeName(path).toStdString(), format);
-    if (opened)
-        setUnfinishedFile(path);
-    const bool written = opened && encoder->write(block);
-    const bool closed = encoder->close();
-    const bool whole = written && closed;
-    // What a failed encoder leaves behind would pass for a track.
-    if (opened && !whole && QFileInfo(path).isFile())
-        QFile::remove(path);
-    return whole;
+    Q_EMIT statusText(text);
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "codecs/AudioFormat.h"
-#include "metadata/tags/ReplayGain.h"
 #include "rip/RipOrder.h"
+#include "rip/RunReport.h"
 
 #include <QObject>
 #include <QPixmap>
@@ -11,18 +11,18 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 class CdDrive;
 class IAudioDecoder;
 class ParanoiaReader;
+class TrackWriter;
 
 /// Turns a source into files: one object, one run, on a thread of its own.
 /// Everything it has to say goes out as signals; `finished` is the last of
 /// every run. A failed track or sector never stops a run, and the user has no
 /// cancel: only the end of the process asks a run to stop.
-class RipWorker : public QObject {
+class RipWorker : public QObject, private RunReport {
     Q_OBJECT
 public:
     explicit RipWorker(QObject* parent = nullptr);
@@ -93,8 +93,6 @@ private:
     void fillFromServices();
     void fillFromMusicBrainz();
     void fillFromGnuDb();
-    /// The worker's own cover as "cover.jpg" in the output folder.
-    void saveCover() const;
     QPixmap imageCover();
     RipResult ripImageTrack(ParanoiaReader& reader, const TrackInfo& track, const QString& name,
                             const QPixmap& trackCover);
@@ -116,35 +114,22 @@ private:
     QByteArray rereadSector(quint32 lba, const QList<QByteArray>& seeds, bool c2Mode, int& reads,
                             bool& confirmed);
 
-    /// Does the work of one track. False when memory did not hold it; then
-    /// nothing is left of its file.
-    bool withinMemory(const std::function<void()>& work);
-    /// Encodes and tags one track; false when its file is not whole.
-    /// @param pcm  taken over, and found in spareSamples afterwards; 16-bit values
-    ///             shifted left by 16
-    bool encodeTrack(QList<int>&& pcm, const AudioFormat& format, const QString& basePath,
-                     const QString& title, int trackNumber, int totalTracks, const QPixmap& trackCover);
-    void tagTrack(const QString& path, const QString& title, int trackNumber, int totalTracks,
-                  const QPixmap& trackCover);
-    void measureGain(const AudioBlock& block, const AudioFormat& format, const QString& path);
-    /// Writes the gain tags of the files of this run, as one album or each for
-    /// itself.
-    void finishReplayGain(bool asAlbum);
-    bool writeAudio(const AudioBlock& block, const AudioFormat& format, const QString& path);
-    void setUnfinishedFile(const QString& path);
+    void sector(const SectorResult& record) override;
+    void trackBegins(int place, int totalTracks, const QString& title) override;
+    void trackEnds(const RipResult& result) override;
+    void metadata(const RipOrder& filled) override;
+    void failure(const QString& message) override;
+    void log(const QString& line) override;
+    void status(const QString& text) override;
+    bool stopRequested() const override { return stopping; }
 
     struct GiveBack {
         void operator()(CdDrive* borrowed) const;
     };
 
     RipOrder order;
+    const std::unique_ptr<TrackWriter> writer;
     std::unique_ptr<CdDrive, GiveBack> heldDrive; ///< the drive while it is borrowed for this run
-    /// The samples of the track before, for their memory: touching fresh memory
-    /// costs as much as encoding it.
-    QList<int> spareSamples;
-
-    QList<ReplayGainTrack> gainEntries; ///< stays empty while no gain is asked for
-
     quint32 errorTotal = 0;
     quint32 suspectTotal = 0;
     quint32 lastAudioLba = 0; ///< offset reads go no further; 0 until a disc run begins
@@ -153,6 +138,4 @@ private:
     /// Orders all that the run touched before the worker's destruction on another
     /// thread.
     std::atomic<bool> runOver = false;
-    mutable std::mutex fileLock;
-    QString fileInWork;
 };
