@@ -1,9 +1,11 @@
-// The run over one audio file.
+#include "rip/FileRun.h"
 
 #include "base/Language.h"
+#include "base/UniqueFolder.h"
 #include "codecs/IAudioDecoder.h"
 #include "rip/OutputNaming.h"
-#include "rip/RipWorker.h"
+#include "rip/RipOrder.h"
+#include "rip/RunReport.h"
 #include "rip/TrackMemory.h"
 #include "rip/TrackWriter.h"
 
@@ -12,7 +14,9 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <filesystem>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -27,13 +31,13 @@ void reserveHint(QList<int>& samples, const IAudioDecoder& decoder)
 
 } // namespace
 
-std::optional<QList<int>> RipWorker::decodeAll(IAudioDecoder& decoder) const
+std::optional<QList<int>> FileRun::decodeAll(IAudioDecoder& decoder) const
 {
     try {
         const auto most = static_cast<qsizetype>(trackMemoryBytes() / sizeof(int));
         QList<int> samples;
         reserveHint(samples, decoder);
-        while (!stopping) {
+        while (!report.stopRequested()) {
             const auto block = decoder.read();
             if (!block)
                 break;
@@ -47,11 +51,8 @@ std::optional<QList<int>> RipWorker::decodeAll(IAudioDecoder& decoder) const
     }
 }
 
-void RipWorker::runFileMode()
+void FileRun::run()
 {
-    const auto fail = [this](const char* japanese, const char* english) {
-        Q_EMIT error(pickLang(japanese, english) + order.sourceAudioFile);
-    };
     const std::filesystem::path path = QFile::encodeName(order.sourceAudioFile).toStdString();
     const auto decoder = makeDecoder(path);
     if (!decoder)
@@ -63,27 +64,36 @@ void RipWorker::runFileMode()
     const AudioFormat format = decoder->format();
     std::optional<QList<int>> samples = decodeAll(*decoder);
     decoder->close();
-    if (stopping)
+    if (report.stopRequested())
         return;
     if (samples && samples->isEmpty())
         return fail("デコードできるデータがありませんでした: ", "No decodable audio data: ");
+    if (!writeTrack(std::move(samples), format))
+        fail("エンコードに失敗しました: ", "Encoding failed: ");
+}
 
+bool FileRun::writeTrack(std::optional<QList<int>> samples, const AudioFormat& format)
+{
     const QFileInfo source(order.sourceAudioFile);
-    const QString title = source.completeBaseName();
-    Q_EMIT trackStarted(1, 1, title);
     RipResult result;
     result.trackNumber = 1;
-    result.title = title;
+    result.title = source.completeBaseName();
+    report.trackBegins(1, 1, result.title);
     if (samples) {
-        const QString folder = uniqueFolder(order.outputFolder, source.absoluteDir().dirName());
-        writer->withinMemory([&] {
-            result.ok = writer->write(std::move(*samples), format,
-                                      {folder + QStringLiteral("/01. ") + withoutForbiddenCharacters(title),
-                                       title, 1, 1, order.cover});
+        const QString folder = makeUniqueFolder(order.outputFolder, source.absoluteDir().dirName()).path;
+        writer.withinMemory([&] {
+            const QString basePath =
+                folder + QStringLiteral("/01. ") + withoutForbiddenCharacters(result.title);
+            result.ok =
+                writer.write(std::move(*samples), format, {basePath, result.title, 1, 1, order.cover});
         });
     }
     result.errorSectors = result.ok ? 0 : noSamplesRead;
-    Q_EMIT trackDone(result);
-    if (!result.ok)
-        fail("エンコードに失敗しました: ", "Encoding failed: ");
+    report.trackEnds(result);
+    return result.ok;
+}
+
+void FileRun::fail(const char* japanese, const char* english)
+{
+    report.failure(pickLang(japanese, english) + order.sourceAudioFile);
 }

@@ -1,10 +1,11 @@
-// The step of a disc run that fills in what the user left empty.
+#include "rip/MetadataStep.h"
 
 #include "metadata/lookup/AnswerText.h"
 #include "metadata/lookup/CoverArt.h"
 #include "metadata/lookup/GnuDb.h"
 #include "metadata/lookup/MusicBrainz.h"
-#include "rip/RipWorker.h"
+#include "rip/RipOrder.h"
+#include "rip/RunReport.h"
 
 #include <QDebug>
 
@@ -27,35 +28,7 @@ void fillTitles(QList<TrackInfo>& tracks, const QList<Track>& found)
         fillIfEmpty(tracks[i].title, found[i].title);
 }
 
-} // namespace
-
-void RipWorker::fetchMetadata()
-{
-    Q_EMIT trackStarted(0, static_cast<int>(order.disc.tracks.size()),
-                        QStringLiteral("Fetching metadata..."));
-    // What leaves this thread's slot ends the program.
-    try {
-        fillFromServices();
-    } catch (const std::exception& trouble) {
-        qWarning() << "[RipWorker] lookup given up:" << trouble.what();
-    }
-    Q_EMIT metadataReady(order.artist, order.album, order.year, order.cover, order.disc.tracks);
-}
-
-void RipWorker::fillFromServices()
-{
-    fillFromMusicBrainz();
-    if (order.album.isEmpty() && !stopping)
-        fillFromGnuDb();
-    if (order.cover.isNull() && !order.album.isEmpty() && !stopping) {
-        qDebug() << "[RipWorker] Fetching cover art via CoverArt";
-        CoverArt covers;
-        covers.discogsToken = order.discogsToken;
-        order.cover = covers.fetch(order.artist, order.album);
-    }
-}
-
-void RipWorker::fillFromMusicBrainz()
+void fillFromMusicBrainz(RipOrder& order)
 {
     const MusicBrainzResult found = musicBrainzLookup(order.disc);
     if (found.title.isEmpty())
@@ -69,7 +42,7 @@ void RipWorker::fillFromMusicBrainz()
         order.cover = CoverArt::pictureAt(CoverArt::archiveImageUrl(found.mbid));
 }
 
-void RipWorker::fillFromGnuDb()
+void fillFromGnuDb(RipOrder& order)
 {
     qDebug() << "[RipWorker] MusicBrainz not found, trying GnuDB";
     const GnuDbResult found = gnudbLookup(order.disc);
@@ -80,4 +53,31 @@ void RipWorker::fillFromGnuDb()
     fillIfEmpty(order.album, found.album);
     fillIfEmpty(order.year, found.year);
     fillTitles(order.disc.tracks, found.tracks);
+}
+
+void fillFromServices(RipOrder& order, const RunReport& report)
+{
+    fillFromMusicBrainz(order);
+    if (order.album.isEmpty() && !report.stopRequested())
+        fillFromGnuDb(order);
+    if (order.cover.isNull() && !order.album.isEmpty() && !report.stopRequested()) {
+        qDebug() << "[RipWorker] Fetching cover art via CoverArt";
+        CoverArt covers;
+        covers.discogsToken = order.discogsToken;
+        order.cover = covers.fetch(order.artist, order.album);
+    }
+}
+
+} // namespace
+
+void runMetadataStep(RipOrder& order, RunReport& report)
+{
+    report.trackBegins(0, static_cast<int>(order.disc.tracks.size()), QStringLiteral("Fetching metadata..."));
+    // What leaves a thread's slot ends the program.
+    try {
+        fillFromServices(order, report);
+    } catch (const std::exception& trouble) {
+        qWarning() << "[RipWorker] lookup given up:" << trouble.what();
+    }
+    report.metadata(order);
 }

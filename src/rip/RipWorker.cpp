@@ -3,6 +3,8 @@
 #include "base/Language.h"
 #include "base/UniqueFolder.h"
 #include "disc/CdDrive.h"
+#include "rip/FileRun.h"
+#include "rip/MetadataStep.h"
 #include "rip/OutputNaming.h"
 #include "rip/ReadOffset.h"
 #include "rip/RunGuard.h"
@@ -80,7 +82,7 @@ void RipWorker::run()
         runDisc();
     } else {
         QDir().mkpath(order.outputFolder);
-        runFileMode();
+        FileRun(order, *writer, *this).run();
         writer->finish(GainOf::eachFile);
     }
     Q_EMIT finished();
@@ -105,7 +107,7 @@ void RipWorker::runDisc()
     } else if (order.disc.isImage) {
         runCueMode();
     } else {
-        fetchMetadata();
+        runMetadataStep(order, *this);
         runCdMode();
     }
     writer->finish(GainOf::album);

@@ -14,7 +14,6 @@
 #include <optional>
 
 class CdDrive;
-class IAudioDecoder;
 class ParanoiaReader;
 class TrackWriter;
 
@@ -85,14 +84,6 @@ private:
     void failAllTracks();
     bool holdDrive();
     void runCueMode();
-    void runFileMode();
-    /// All samples of an opened decoder; nothing when memory does not hold them.
-    std::optional<QList<int>> decodeAll(IAudioDecoder& decoder) const;
-    /// Looks a disc up and fills what the user left empty; misses are no error.
-    void fetchMetadata();
-    void fillFromServices();
-    void fillFromMusicBrainz();
-    void fillFromGnuDb();
     QPixmap imageCover();
     RipResult ripImageTrack(ParanoiaReader& reader, const TrackInfo& track, const QString& name,
                             const QPixmap& trackCover);
