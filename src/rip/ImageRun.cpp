@@ -1,9 +1,10 @@
-// The run over a CUE image.
+#include "rip/ImageRun.h"
 
 #include "base/LargeMemory.h"
 #include "disc/CdDrive.h"
 #include "rip/OutputNaming.h"
-#include "rip/RipWorker.h"
+#include "rip/RipOrder.h"
+#include "rip/RunReport.h"
 #include "rip/TrackMemory.h"
 #include "rip/TrackWriter.h"
 #include "secure/ParanoiaReader.h"
@@ -44,49 +45,47 @@ void copyCover(const QString& from, const QString& to)
 
 } // namespace
 
-QPixmap RipWorker::imageCover()
+void ImageRun::run()
+{
+    cover = placeCover();
+    ParanoiaReader reader;
+    reader.onSector = [this, &reader](const SectorResult& record) {
+        report.sector(record);
+        reader.abortFlag = report.stopRequested();
+    };
+    const auto trackCount = static_cast<int>(order.disc.tracks.size());
+    int place = 0;
+    for (const TrackInfo& track : order.disc.tracks) {
+        if (report.stopRequested())
+            return;
+        const QString name = trackName(track);
+        report.trackBegins(++place, trackCount, name);
+        RipResult result = failedTrack(track.number, name);
+        writer.withinMemory([&] { result = ripTrack(reader, track, name); });
+        if (!reader.abortFlag)
+            report.trackEnds(result);
+    }
+}
+
+QPixmap ImageRun::placeCover()
 {
     const auto trackCount = static_cast<int>(order.disc.tracks.size());
-    const QString target = order.outputFolder + QLatin1String(coverFileName);
     if (!order.cover.isNull()) {
-        writer->saveCover();
-        Q_EMIT trackStarted(0, trackCount, QStringLiteral("Cover art: OK"));
+        writer.saveCover();
+        report.trackBegins(0, trackCount, QStringLiteral("Cover art: OK"));
         return order.cover;
     }
     QPixmap found;
     const QString sibling =
         QFileInfo(order.disc.tracks.constFirst().sourceFile).absolutePath() + QLatin1String(coverFileName);
     if (QFileInfo(sibling).isFile() && found.load(sibling))
-        copyCover(sibling, target);
+        copyCover(sibling, order.outputFolder + QLatin1String(coverFileName));
     // Said in every case, also after a cover was found and copied.
-    Q_EMIT trackStarted(0, trackCount, QStringLiteral("Cover art: not found"));
+    report.trackBegins(0, trackCount, QStringLiteral("Cover art: not found"));
     return found;
 }
 
-void RipWorker::runCueMode()
-{
-    const QPixmap runCover = imageCover();
-    ParanoiaReader reader;
-    reader.onSector = [this, &reader](const SectorResult& record) {
-        Q_EMIT sectorDone(record);
-        reader.abortFlag = stopping;
-    };
-    const auto trackCount = static_cast<int>(order.disc.tracks.size());
-    int place = 0;
-    for (const TrackInfo& track : std::as_const(order.disc.tracks)) {
-        if (stopping)
-            return;
-        const QString name = trackName(track);
-        Q_EMIT trackStarted(++place, trackCount, name);
-        RipResult result = failedTrack(track.number, name);
-        writer->withinMemory([&] { result = ripImageTrack(reader, track, name, runCover); });
-        if (!reader.abortFlag)
-            Q_EMIT trackDone(result);
-    }
-}
-
-RipResult RipWorker::ripImageTrack(ParanoiaReader& reader, const TrackInfo& track, const QString& name,
-                                   const QPixmap& trackCover)
+RipResult ImageRun::ripTrack(ParanoiaReader& reader, const TrackInfo& track, const QString& name)
 {
     RipResult result = failedTrack(track.number, name);
     if (!memoryHoldsSectors(track.endLba - track.startLba + 1))
@@ -100,13 +99,13 @@ RipResult RipWorker::ripImageTrack(ParanoiaReader& reader, const TrackInfo& trac
         reader.results.cbegin(), reader.results.cend(), quint32{0},
         [](quint32 sum, const SectorResult& r) { return sum + static_cast<quint32>(r.retries); });
 
-    QList<int> pcm = writer->takeSpareSamples();
+    QList<int> pcm = writer.takeSpareSamples();
     leftJustify(samples, pcm);
     samples = QList<qint16>();
-    result.ok = writer->write(std::move(pcm), AudioFormat(),
-                              {outputBasePath(track.number, name), name, track.number,
-                               static_cast<int>(order.disc.tracks.size()), trackCover});
-    accurateRipCrc(writer->writtenSamples(), track.number, static_cast<int>(order.disc.tracks.size()),
-                   result.crcV1, result.crcV2);
+    const auto trackCount = static_cast<int>(order.disc.tracks.size());
+    result.ok =
+        writer.write(std::move(pcm), AudioFormat(),
+                     {outputBasePath(order, track.number, name), name, track.number, trackCount, cover});
+    accurateRipCrc(writer.writtenSamples(), track.number, trackCount, result.crcV1, result.crcV2);
     return result;
 }

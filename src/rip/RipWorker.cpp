@@ -4,6 +4,7 @@
 #include "base/UniqueFolder.h"
 #include "disc/CdDrive.h"
 #include "rip/FileRun.h"
+#include "rip/ImageRun.h"
 #include "rip/MetadataStep.h"
 #include "rip/OutputNaming.h"
 #include "rip/ReadOffset.h"
@@ -105,7 +106,7 @@ void RipWorker::runDisc()
     if (!QDir().mkpath(order.outputFolder)) {
         failAllTracks();
     } else if (order.disc.isImage) {
-        runCueMode();
+        ImageRun(order, *writer, *this).run();
     } else {
         runMetadataStep(order, *this);
         runCdMode();

@@ -14,7 +14,6 @@
 #include <optional>
 
 class CdDrive;
-class ParanoiaReader;
 class TrackWriter;
 
 /// Turns a source into files: one object, one run, on a thread of its own.
@@ -83,11 +82,6 @@ private:
     /// Says why no track can be written, and reports each as failed.
     void failAllTracks();
     bool holdDrive();
-    void runCueMode();
-    QPixmap imageCover();
-    RipResult ripImageTrack(ParanoiaReader& reader, const TrackInfo& track, const QString& name,
-                            const QPixmap& trackCover);
-
     struct DiscRun;
     void runCdMode();
     DiscRun beginDiscRun();
