@@ -3,6 +3,8 @@
 #include "base/Language.h"
 #include "base/UniqueFolder.h"
 #include "disc/CdDrive.h"
+#include "rip/AudioArea.h"
+#include "rip/DiscRun.h"
 #include "rip/FileRun.h"
 #include "rip/ImageRun.h"
 #include "rip/MetadataStep.h"
@@ -109,7 +111,8 @@ void RipWorker::runDisc()
         ImageRun(order, *writer, *this).run();
     } else {
         runMetadataStep(order, *this);
-        runCdMode();
+        lastAudioLba = audioAreaOf(order.disc.tracks).lastLba;
+        DiscRun(order, *writer, *this).run();
     }
     writer->finish(GainOf::album);
     runGuard().end();
@@ -134,9 +137,7 @@ void RipWorker::failAllTracks()
         pickLang("出力フォルダを作成できません: ", "Cannot create the output folder: ") + order.outputFolder;
     Q_EMIT error(words);
     Q_EMIT logLine(QStringLiteral("  ⚠ ") + words);
-    const auto isAudio = [](const TrackInfo& track) { return !track.isData; };
-    const auto total =
-        static_cast<int>(std::count_if(order.disc.tracks.cbegin(), order.disc.tracks.cend(), isAudio));
+    const int total = audioAreaOf(order.disc.tracks).trackCount;
     int place = 0;
     for (const TrackInfo& track : std::as_const(order.disc.tracks)) {
         ++place;

@@ -82,23 +82,6 @@ private:
     /// Says why no track can be written, and reports each as failed.
     void failAllTracks();
     bool holdDrive();
-    struct DiscRun;
-    void runCdMode();
-    DiscRun beginDiscRun();
-    void ripDiscTrack(DiscRun& run, qsizetype place);
-    QList<QByteArray> readFirstPass(const DiscRun& run, quint32 firstLba, quint32 count);
-    bool readTrackSamples(DiscRun& run, quint32 firstLba, quint32 count, const QList<QByteArray>& firstPass,
-                          QList<int>& samples, RipResult& result);
-    void keepAlive(const DiscRun& run, quint32 lba);
-    /// Judges what a pass read, replaces it where re-reads know better, and counts.
-    SectorResult judgeSector(DiscRun& run, quint32 lba, const QByteArray* first, QByteArray& data,
-                             RipResult& result);
-    /// Reads a sector again that the drive called clean; false when it came back
-    /// different. Two fresh reads outvote the data.
-    bool passesCrossCheck(quint32 lba, QByteArray& data);
-    QByteArray rereadSector(quint32 lba, const QList<QByteArray>& seeds, bool c2Mode, int& reads,
-                            bool& confirmed);
-
     void sector(const SectorResult& record) override;
     void trackBegins(int place, int totalTracks, const QString& title) override;
     void trackEnds(const RipResult& result) override;
@@ -115,9 +98,7 @@ private:
     RipOrder order;
     const std::unique_ptr<TrackWriter> writer;
     std::unique_ptr<CdDrive, GiveBack> heldDrive; ///< the drive while it is borrowed for this run
-    quint32 errorTotal = 0;
-    quint32 suspectTotal = 0;
-    quint32 lastAudioLba = 0; ///< offset reads go no further; 0 until a disc run begins
+    quint32 lastAudioLba = 0;                     ///< offset reads go no further; 0 until a disc run begins
 
     std::atomic<bool> stopping = false;
     /// Orders all that the run touched before the worker's destruction on another
