@@ -14,7 +14,9 @@ struct AudioBounds {
 
 /// Shifts the samples of a finished disc track in place, by the drive's read
 /// offset in stereo frames. What moves in comes from the neighbouring track by a
-/// plain read, or is silence outside of the bounds and where nothing is read.
+/// plain read, or is silence outside of the bounds and where nothing is read. An
+/// image track is shifted by values and filled with silence instead:
+/// shiftWithSilence.
 ///
 /// @param pcm       16-bit values shifted left by 16; its length never changes
 /// @param firstLba  first and last sector of the track

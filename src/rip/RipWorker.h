@@ -1,6 +1,5 @@
 #pragma once
 
-#include "codecs/AudioFormat.h"
 #include "rip/RipOrder.h"
 #include "rip/RunReport.h"
 
@@ -9,9 +8,7 @@
 #include <QString>
 
 #include <atomic>
-#include <functional>
 #include <memory>
-#include <optional>
 
 class CdDrive;
 class TrackWriter;
@@ -44,11 +41,9 @@ public:
     /// Creates a folder that did not exist before, and returns its path.
     static QString uniqueFolder(const QString& parent, const QString& name);
 
-    /// Shifts the samples of a finished disc track in place, by the drive's read
-    /// offset in stereo frames. What moves in comes from the neighbouring track
-    /// by a plain read, or is silence at the ends of the audio area. An image
-    /// track is shifted by values and filled with silence instead:
-    /// shiftWithSilence.
+    /// Shifts the samples of a finished disc track in place by the read offset of
+    /// the drive, if there is one: applyReadOffset of rip/ReadOffset.h. Until a disc
+    /// run begins, only data tracks bound what is borrowed.
     ///
     /// @param pcm       16-bit values shifted left by 16; its length never changes
     /// @param firstLba  first and last sector of the track
@@ -82,6 +77,7 @@ private:
     /// Says why no track can be written, and reports each as failed.
     void failAllTracks();
     bool holdDrive();
+
     void sector(const SectorResult& record) override;
     void trackBegins(int place, int totalTracks, const QString& title) override;
     void trackEnds(const RipResult& result) override;
