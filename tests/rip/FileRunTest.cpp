@@ -1,30 +1,26 @@
-#include "base/Language.h"
+#include "rip/FileRun.h"
 
-#include <gtest/gtest.h>
-
-#include "RunRecorder.h"
+#include "RunParts.h"
+#include "TrackFiles.h"
 #include "base/PhysicalMemory.h"
 #include "codecs/DecoderFiles.h"
 #include "support/FileSizeLimit.h"
+#include "support/Language.h"
 #include "support/Tool.h"
 
 #include <QDir>
-#include <QSettings>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 namespace {
 
 constexpr quint32 allOnes = 0xFFFFFFFF;
 
-class FileRun : public ::testing::Test {
+class FileRunTest : public ::testing::Test {
 protected:
-    void SetUp() override { useLanguage(2); }
-    void TearDown() override { useLanguage(2); }
-
-    static void useLanguage(int mode)
-    {
-        setLanguageMode(mode);
-        loadLanguage();
-    }
+    FileRunTest() { speak(2); }
+    ~FileRunTest() override { speak(2); }
 
     /// A folder named "Album" for the sources; the results go to "out".
     QString source(const QString& name) const
@@ -34,25 +30,22 @@ protected:
     }
     QString out(const QString& name) const { return folder.filePath(QStringLiteral("out/") + name); }
 
-    static void convert(RunRecorder& run, const QString& audioFile, OutputFormat format,
-                        const QString& target, const QPixmap& cover = {})
+    static void convert(RunParts& run, const QString& audioFile, OutputFormat format, const QString& target)
     {
-        run.worker.configure(nullptr, DiscToc(), target, QStringLiteral("Ada"), QStringLiteral("Blue"),
-                             QStringLiteral("1998"), cover, QString(), 1, 1, 300, format, audioFile, 20);
-        run.worker.run();
+        run.order.sourceAudioFile = audioFile;
+        run.order.outputFormat = format;
+        run.order.outputFolder = target;
+        FileRun(run.order, run.writer, run.report).run();
     }
-    void convert(RunRecorder& run, const QString& audioFile, OutputFormat format)
+    void convert(RunParts& run, const QString& audioFile, OutputFormat format) const
     {
         convert(run, audioFile, format, folder.filePath(QStringLiteral("out")));
     }
 
     /// The run ended by this text alone, with no track begun.
-    static void expectRefused(const RunRecorder& run, const QString& text)
+    static void expectRefused(const RunParts& run, const QString& text)
     {
-        EXPECT_EQ(run.errors, QStringList{text});
-        EXPECT_TRUE(run.started.isEmpty());
-        EXPECT_TRUE(run.results.isEmpty());
-        EXPECT_EQ(run.finishedCount, 1);
+        EXPECT_EQ(run.report.said, QStringList{QStringLiteral("failure ") + text});
     }
 
     QTemporaryDir folder;
@@ -70,7 +63,7 @@ QString probed(const QString& path, const QString& entry)
 
 } // namespace
 
-TEST_F(FileRun, EveryKindOfAudioFileBecomesATrackInItsOwnRate)
+TEST_F(FileRunTest, EveryKindOfAudioFileBecomesATrackInItsOwnRate)
 {
     const struct {
         const char* ending;
@@ -82,12 +75,11 @@ TEST_F(FileRun, EveryKindOfAudioFileBecomesATrackInItsOwnRate)
         SCOPED_TRACE(kind.ending);
         const QString name = QStringLiteral("Some Song.") + QLatin1String(kind.ending);
         decoderfiles::make(source(name), 20000);
-        RunRecorder run;
+        RunParts run;
         convert(run, source(name), OutputFlac, out(QLatin1String(kind.ending)));
-        EXPECT_EQ(run.started, QStringList{QStringLiteral("1/1 Some Song")});
-        ASSERT_EQ(run.results.size(), 1);
-        EXPECT_TRUE(run.results[0].ok);
-        EXPECT_EQ(run.finishedCount, 1);
+        EXPECT_EQ(run.report.started, QStringList{QStringLiteral("1/1 Some Song")});
+        ASSERT_EQ(run.report.results.size(), 1);
+        EXPECT_TRUE(run.report.results[0].ok);
         const QString written = out(QLatin1String(kind.ending)) + QStringLiteral("/Album/01. Some Song.flac");
         EXPECT_EQ(probed(written, QStringLiteral("stream=sample_rate")), QLatin1String(kind.rate));
         EXPECT_TRUE(
@@ -95,7 +87,7 @@ TEST_F(FileRun, EveryKindOfAudioFileBecomesATrackInItsOwnRate)
     }
 }
 
-TEST_F(FileRun, LosslessAudioKeepsEveryBitThroughEveryLosslessFormat)
+TEST_F(FileRunTest, LosslessAudioKeepsEveryBitThroughEveryLosslessFormat)
 {
     constexpr AudioFormat format{96000, 2, 24};
     const QList<qint32> samples = keepBits(decoderfiles::audio(30000, 2), 24);
@@ -103,7 +95,7 @@ TEST_F(FileRun, LosslessAudioKeepsEveryBitThroughEveryLosslessFormat)
     for (const auto& [kind, ending] :
          {std::pair{OutputFlac, "flac"}, {OutputWav, "wav"}, {OutputAlac, "m4a"}}) {
         SCOPED_TRACE(ending);
-        RunRecorder run;
+        RunParts run;
         convert(run, source(QStringLiteral("Deep.wav")), kind, out(QLatin1String(ending)));
         const QString written =
             out(QLatin1String(ending)) + QStringLiteral("/Album/01. Deep.") + QLatin1String(ending);
@@ -112,41 +104,42 @@ TEST_F(FileRun, LosslessAudioKeepsEveryBitThroughEveryLosslessFormat)
     }
 }
 
-TEST_F(FileRun, TheTrackCarriesTheTagsTheCoverAndNoChecksum)
+TEST_F(FileRunTest, TheTrackCarriesTheTagsTheCoverAndNoChecksum)
 {
     decoderfiles::make(source(QStringLiteral("Song.wav")), 5000);
     QPixmap cover(12, 12);
     cover.fill(Qt::red);
-    RunRecorder run;
-    convert(run, source(QStringLiteral("Song.wav")), OutputFlac, out({}), cover);
+    RunParts run;
+    run.order.cover = cover;
+    convert(run, source(QStringLiteral("Song.wav")), OutputFlac);
     const QString written = out(QStringLiteral("Album/01. Song.flac"));
     const QString tags = QString::fromUtf8(
         runTool(QStringLiteral("metaflac"), {QStringLiteral("--export-tags-to=-"), written}).output);
-    for (const char* tag : {"TITLE=Song", "ARTIST=Ada", "ALBUM=Blue", "TRACKNUMBER=1"})
+    for (const char* tag : {"TITLE=Song", "ARTIST=Test Artist", "ALBUM=Test Album", "TRACKNUMBER=1"})
         EXPECT_TRUE(tags.contains(QLatin1String(tag), Qt::CaseInsensitive))
             << tag << " in " << tags.toStdString();
     EXPECT_FALSE(runTool(QStringLiteral("metaflac"),
                          {QStringLiteral("--list"), QStringLiteral("--block-type=PICTURE"), written})
                      .output.isEmpty());
-    EXPECT_EQ(run.results[0].trackNumber, 1);
-    EXPECT_EQ(run.results[0].title, QStringLiteral("Song"));
-    EXPECT_EQ(run.results[0].errorSectors, 0U);
-    EXPECT_EQ(run.results[0].suspectSectors, 0U);
-    EXPECT_EQ(run.results[0].crcV1, 0U);
-    EXPECT_EQ(run.results[0].crcV2, 0U);
-    EXPECT_TRUE(run.results[0].frameWindow.isEmpty());
-    EXPECT_TRUE(run.sectors.isEmpty());
+    EXPECT_EQ(run.report.results[0].trackNumber, 1);
+    EXPECT_EQ(run.report.results[0].title, QStringLiteral("Song"));
+    EXPECT_EQ(run.report.results[0].errorSectors, 0U);
+    EXPECT_EQ(run.report.results[0].suspectSectors, 0U);
+    EXPECT_EQ(run.report.results[0].crcV1, 0U);
+    EXPECT_EQ(run.report.results[0].crcV2, 0U);
+    EXPECT_TRUE(run.report.results[0].frameWindow.isEmpty());
+    EXPECT_TRUE(run.report.sectors.isEmpty());
 }
 
-TEST_F(FileRun, TheSameFileAgainGoesToAFolderOfItsOwn)
+TEST_F(FileRunTest, TheSameFileAgainGoesToAFolderOfItsOwn)
 {
     decoderfiles::make(source(QStringLiteral("Song.wav")), 100);
     for (int i = 0; i < 3; ++i) {
-        RunRecorder run;
+        RunParts run;
         convert(run, source(QStringLiteral("Song.wav")), OutputWav);
     }
-    useLanguage(1);
-    RunRecorder run;
+    speak(1);
+    RunParts run;
     convert(run, source(QStringLiteral("Song.wav")), OutputWav);
     const QStringList made = QDir(out({})).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     EXPECT_EQ(made, (QStringList{QStringLiteral("Album"), QStringLiteral("Album - Copy"),
@@ -155,7 +148,7 @@ TEST_F(FileRun, TheSameFileAgainGoesToAFolderOfItsOwn)
         EXPECT_TRUE(QFileInfo(out(name + QStringLiteral("/01. Song.wav"))).isFile()) << name.toStdString();
 }
 
-TEST_F(FileRun, ForbiddenCharactersAloneAreTakenOutOfTheName)
+TEST_F(FileRunTest, ForbiddenCharactersAloneAreTakenOutOfTheName)
 {
     for (const auto& [name, expected] : {std::pair{"What? 1:2..wav", "01. What 12..wav"},
                                          {"???.wav", "01. .wav"},
@@ -163,103 +156,97 @@ TEST_F(FileRun, ForbiddenCharactersAloneAreTakenOutOfTheName)
         SCOPED_TRACE(name);
         decoderfiles::make(source(QLatin1String(name)), 100);
         QTemporaryDir target;
-        RunRecorder run;
+        RunParts run;
         convert(run, source(QLatin1String(name)), OutputWav, target.path());
         EXPECT_EQ(QDir(target.filePath(QStringLiteral("Album"))).entryList(QDir::Files),
                   QStringList{QLatin1String(expected)});
     }
 }
 
-TEST_F(FileRun, AFolderWithoutANameIsACopyOfTheOutputFolderInIt)
-{
-    EXPECT_EQ(RipWorker::uniqueFolder(folder.path(), QString()), folder.path() + QStringLiteral("/ - Copy"));
-}
-
-TEST_F(FileRun, AFileOfNoKnownKindIsRefused)
+TEST_F(FileRunTest, AFileOfNoKnownKindIsRefused)
 {
     for (const char* name : {"notes.txt", "noending", "film.mp4", "dot."}) {
         writeAll(source(QLatin1String(name)), "text");
-        RunRecorder run;
+        RunParts run;
         convert(run, source(QLatin1String(name)), OutputFlac);
         expectRefused(run, QStringLiteral("Unsupported file format: ") + source(QLatin1String(name)));
     }
-    useLanguage(1);
-    RunRecorder run;
+    speak(1);
+    RunParts run;
     convert(run, source(QStringLiteral("notes.txt")), OutputFlac);
     expectRefused(run,
                   QStringLiteral("対応していないファイル形式です: ") + source(QStringLiteral("notes.txt")));
     EXPECT_TRUE(QDir(out({})).isEmpty());
 }
 
-TEST_F(FileRun, AFileThatDoesNotOpenIsRefused)
+TEST_F(FileRunTest, AFileThatDoesNotOpenIsRefused)
 {
     writeAll(source(QStringLiteral("junk.flac")), "this is no audio");
     for (const char* name : {"junk.flac", "missing.wav"}) {
-        RunRecorder run;
+        RunParts run;
         convert(run, source(QLatin1String(name)), OutputFlac);
         expectRefused(run, QStringLiteral("Cannot open the file (corrupted or unsupported codec): ")
                                + source(QLatin1String(name)));
     }
-    useLanguage(1);
-    RunRecorder run;
+    speak(1);
+    RunParts run;
     convert(run, source(QStringLiteral("junk.flac")), OutputFlac);
     expectRefused(run, QStringLiteral("ファイルを開けません（壊れている、または非対応のコーデックです）: ")
                            + source(QStringLiteral("junk.flac")));
 }
 
-TEST_F(FileRun, AFileWithoutSamplesIsRefused)
+TEST_F(FileRunTest, AFileWithoutSamplesIsRefused)
 {
     writeAll(source(QStringLiteral("empty.wav")), waveFile({44100, 2, 16}, {}));
-    RunRecorder run;
+    RunParts run;
     convert(run, source(QStringLiteral("empty.wav")), OutputFlac);
     expectRefused(run, QStringLiteral("No decodable audio data: ") + source(QStringLiteral("empty.wav")));
-    useLanguage(1);
-    RunRecorder japanese;
+    speak(1);
+    RunParts japanese;
     convert(japanese, source(QStringLiteral("empty.wav")), OutputFlac);
     expectRefused(japanese, QStringLiteral("デコードできるデータがありませんでした: ")
                                 + source(QStringLiteral("empty.wav")));
     EXPECT_TRUE(QDir(out({})).isEmpty());
 }
 
-TEST_F(FileRun, AnEncoderThatFailsIsAFailedTrackAndAnError)
+TEST_F(FileRunTest, AnEncoderThatFailsIsAFailedTrackAndAnError)
 {
     constexpr AudioFormat nineChannels{44100, 9, 16};
     writeAll(source(QStringLiteral("nine.wav")), waveFile(nineChannels, QList<qint32>(9 * 100, 1 << 20)));
-    RunRecorder run;
+    RunParts run;
     convert(run, source(QStringLiteral("nine.wav")), OutputFlac);
-    ASSERT_EQ(run.results.size(), 1);
-    EXPECT_FALSE(run.results[0].ok);
-    EXPECT_EQ(run.results[0].errorSectors, allOnes);
-    EXPECT_EQ(run.errors,
+    ASSERT_EQ(run.report.results.size(), 1);
+    EXPECT_FALSE(run.report.results[0].ok);
+    EXPECT_EQ(run.report.results[0].errorSectors, allOnes);
+    EXPECT_EQ(run.report.errors,
               QStringList{QStringLiteral("Encoding failed: ") + source(QStringLiteral("nine.wav"))});
-    EXPECT_EQ(run.finishedCount, 1);
     EXPECT_EQ(QDir(out(QStringLiteral("Album"))).entryList(QDir::Files), QStringList());
 
-    useLanguage(1);
-    RunRecorder japanese;
+    speak(1);
+    RunParts japanese;
     convert(japanese, source(QStringLiteral("nine.wav")), OutputFlac);
-    EXPECT_EQ(japanese.errors,
+    EXPECT_EQ(japanese.report.errors,
               QStringList{QStringLiteral("エンコードに失敗しました: ") + source(QStringLiteral("nine.wav"))});
 }
 
-TEST_F(FileRun, AFullDiskFailsTheTrackAndLeavesNoFile)
+TEST_F(FileRunTest, AFullDiskFailsTheTrackAndLeavesNoFile)
 {
     decoderfiles::make(source(QStringLiteral("Song.wav")), 200000);
     for (const OutputFormat format : {OutputFlac, OutputWav, OutputMp3, OutputAac, OutputAlac}) {
         QTemporaryDir target;
-        RunRecorder run;
+        RunParts run;
         {
             const FileSizeLimit limit(10000);
             convert(run, source(QStringLiteral("Song.wav")), format, target.path());
         }
-        ASSERT_EQ(run.results.size(), 1);
-        EXPECT_FALSE(run.results[0].ok) << format;
+        ASSERT_EQ(run.report.results.size(), 1);
+        EXPECT_FALSE(run.report.results[0].ok) << format;
         EXPECT_TRUE(QDir(target.filePath(QStringLiteral("Album"))).entryList(QDir::Files).isEmpty())
             << format;
     }
 }
 
-TEST_F(FileRun, AHeaderThatPromisesFarTooMuchDoesNotTakeTheMemory)
+TEST_F(FileRunTest, AHeaderThatPromisesFarTooMuchDoesNotTakeTheMemory)
 {
     QByteArray flac;
     decoderfiles::make(source(QStringLiteral("Song.flac")), 3000);
@@ -268,17 +255,17 @@ TEST_F(FileRun, AHeaderThatPromisesFarTooMuchDoesNotTakeTheMemory)
     for (int i = 22; i < 26; ++i)
         flac[i] = '\xFF';
     writeAll(source(QStringLiteral("Song.flac")), flac);
-    RunRecorder run;
+    RunParts run;
     convert(run, source(QStringLiteral("Song.flac")), OutputWav);
-    ASSERT_EQ(run.results.size(), 1);
-    EXPECT_TRUE(run.results[0].ok);
+    ASSERT_EQ(run.report.results.size(), 1);
+    EXPECT_TRUE(run.report.results[0].ok);
     EXPECT_EQ(audioOfWave(out(QStringLiteral("Album/01. Song.wav"))).size(), 3000 * 4);
 }
 
 // A header may claim 2^63 bytes, which are all delivered, as silence.
-TEST_F(FileRun, AudioBeyondTheMemoryOfTheMachineIsAFailedTrack)
+TEST_F(FileRunTest, AudioBeyondTheMemoryOfTheMachineIsAFailedTrack)
 {
-    const auto convertDff = [this](RunRecorder& run, quint64 frames) {
+    const auto convertDff = [this](RunParts& run, quint64 frames) {
         QByteArray dff =
             decoderfiles::dff(decoderfiles::dffProperties(2822400, 1), decoderfiles::bits(64, 1));
         dff.replace(dff.size() - 64 - 8, 8, big(frames));
@@ -287,33 +274,48 @@ TEST_F(FileRun, AudioBeyondTheMemoryOfTheMachineIsAFailedTrack)
     };
     // Three quarters of it may be samples of four bytes each.
     pretendPhysicalMemory(4 * 20000 * 4 / 3);
-    RunRecorder fitting;
+    RunParts fitting;
     convertDff(fitting, 19999);
-    RunRecorder tooLong;
+    RunParts tooLong;
     convertDff(tooLong, 20001);
-    RunRecorder endless;
+    RunParts endless;
     convertDff(endless, quint64{1} << 63);
     pretendPhysicalMemory(0);
 
-    ASSERT_EQ(fitting.results.size(), 1);
-    EXPECT_TRUE(fitting.results[0].ok);
-    for (const RunRecorder* run : {&tooLong, &endless}) {
-        ASSERT_EQ(run->results.size(), 1);
-        EXPECT_FALSE(run->results[0].ok);
-        EXPECT_EQ(run->results[0].errorSectors, allOnes);
-        EXPECT_EQ(run->errors,
+    ASSERT_EQ(fitting.report.results.size(), 1);
+    EXPECT_TRUE(fitting.report.results[0].ok);
+    for (const RunParts* run : {&tooLong, &endless}) {
+        ASSERT_EQ(run->report.results.size(), 1);
+        EXPECT_FALSE(run->report.results[0].ok);
+        EXPECT_EQ(run->report.results[0].errorSectors, allOnes);
+        EXPECT_EQ(run->report.errors,
                   QStringList{QStringLiteral("Encoding failed: ") + source(QStringLiteral("Long.dff"))});
-        EXPECT_EQ(run->finishedCount, 1);
     }
 }
 
-TEST_F(FileRun, ARunThatIsAskedToStopWritesNothing)
+TEST_F(FileRunTest, ARunThatIsAskedToStopWritesNothing)
 {
     decoderfiles::make(source(QStringLiteral("Song.wav")), 5000);
-    RunRecorder run;
-    run.worker.requestStop();
+    RunParts run;
+    run.report.stop = true;
     convert(run, source(QStringLiteral("Song.wav")), OutputWav);
-    EXPECT_EQ(run.finishedCount, 1);
-    EXPECT_TRUE(run.results.isEmpty());
+    EXPECT_TRUE(run.report.said.isEmpty());
     EXPECT_TRUE(QDir(out({})).isEmpty());
+}
+
+TEST_F(FileRunTest, ATrackIsSaidInOrderAndItsFailureBehindIt)
+{
+    decoderfiles::make(source(QStringLiteral("Song.wav")), 5000);
+    RunParts run;
+    convert(run, source(QStringLiteral("Song.wav")), OutputWav);
+    const QStringList words{QStringLiteral("begins 1/1 Song"), QStringLiteral("ends 1")};
+    EXPECT_EQ(run.report.said, words);
+    RunParts failing;
+    {
+        const FileSizeLimit limit(100);
+        convert(failing, source(QStringLiteral("Song.wav")), OutputWav);
+    }
+    EXPECT_EQ(failing.report.said, words
+                                       + QStringList{QStringLiteral("failure Encoding failed: ")
+                                                     + source(QStringLiteral("Song.wav"))});
 }

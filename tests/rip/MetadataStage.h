@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "RunRecorder.h"
+#include "RecordingReport.h"
+#include "disc/CdDrive.h"
+#include "rip/MetadataStep.h"
+#include "support/DiscMaker.h"
 #include "support/LogCapture.h"
 #include "support/LoopbackServices.h"
 #include "support/ServiceAnswers.h"
@@ -18,17 +21,17 @@ inline const QString okLine = QStringLiteral("[RipWorker] MusicBrainz OK: Still 
 inline const QString gnudbLine = QStringLiteral("[RipWorker] MusicBrainz not found, trying GnuDB");
 inline const QString coverLine = QStringLiteral("[RipWorker] Fetching cover art via CoverArt");
 
-/// What the worker knew when its step had ended.
+/// What was known when the step had ended.
 struct Announced {
     QString artist;
     QString album;
     QString year;
     QPixmap cover;
     QStringList titles;
-    QStringList lines; ///< the worker's debug lines so far
+    QStringList lines; ///< of the run's subject in the debug log
 };
 
-/// What the user left to the step.
+/// What the user typed, and so did not leave to the step.
 struct Typed {
     QString artist;
     QString album;
@@ -46,29 +49,36 @@ protected:
         shelf.tracks = {{0}, {30}, {60}};
     }
 
-    /// Rips the disc of three tracks; the step's outcome, if it told one.
-    std::optional<Announced> step(const Typed& typed, OutputFormat format = OutputWav)
+    /// Takes the step for the disc of three tracks; its outcome, told once, behind
+    /// the one word in front.
+    std::optional<Announced> step(const Typed& typed)
     {
         announced.reset();
-        const LogCapture log;
-        EXPECT_TRUE(run.drive.open(CdDrive::enumerateDrives().constFirst()));
-        DiscToc disc = run.drive.readToc();
+        said.said.clear();
+        said.announced.clear();
+        CdDrive drive;
+        EXPECT_TRUE(drive.open(CdDrive::enumerateDrives().constFirst()));
+        order = RipOrder();
+        order.disc = drive.readToc();
+        order.artist = typed.artist;
+        order.album = typed.album;
+        order.year = typed.year;
+        order.cover = typed.cover;
+        order.discogsToken = typed.discogsToken;
         for (qsizetype i = 0; i < typed.titles.size(); ++i)
-            disc.tracks[i].title = typed.titles[i];
-        const auto connection =
-            QObject::connect(&run.worker, &RipWorker::metadataReady,
-                             [&](const QString& artist, const QString& album, const QString& year,
-                                 const QPixmap& cover, const QList<TrackInfo>& tracks) {
-                                 EXPECT_FALSE(announced) << "announced twice";
-                                 announced = Announced{artist, album, year, cover, {}, {}};
-                                 for (const TrackInfo& track : tracks)
-                                     announced->titles << track.title;
-                                 announced->lines = log.debugLines().filter(QStringLiteral("[RipWorker]"));
-                             });
-        run.worker.configure(&run.drive, disc, folder.path(), typed.artist, typed.album, typed.year,
-                             typed.cover, typed.discogsToken, 1, 1, 300, format, QString(), 20);
-        run.worker.run();
-        QObject::disconnect(connection);
+            order.disc.tracks[i].title = typed.titles[i];
+        const LogCapture log;
+        runMetadataStep(order, said);
+        EXPECT_EQ(said.said, (QStringList{QStringLiteral("begins 0/3 Fetching metadata..."),
+                                          QStringLiteral("metadata ") + order.album}));
+        if (said.announced.size() != 1)
+            return std::nullopt;
+        const RipOrder& told = said.announced.constFirst();
+        announced = Announced{told.artist, told.album, told.year, told.cover, {}, {}};
+        for (const TrackInfo& track : told.disc.tracks)
+            announced->titles << track.title;
+        announced->lines = log.debugLines().filter(QStringLiteral("[RipWorker]"));
+        warnings = log.warnings();
         return announced;
     }
 
@@ -110,10 +120,11 @@ protected:
         return found;
     }
 
-    QTemporaryDir folder;
     LoopbackServices services;
     SimulatedDrive shelf;
     DrivePlatformOverride platform{shelf};
-    RunRecorder run;
+    RipOrder order;
+    RecordingReport said;
     std::optional<Announced> announced;
+    QStringList warnings; ///< of all subjects
 };

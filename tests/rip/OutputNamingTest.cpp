@@ -1,12 +1,11 @@
 #include "rip/OutputNaming.h"
-#include "base/Language.h"
-#include "base/Settings.h"
+#include "rip/RipOrder.h"
 #include "rip/RipWorker.h"
+#include "support/Language.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSettings>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -19,11 +18,13 @@ QString named(const char* rule, int number, const QString& title,
               const QString& album = QStringLiteral("Album"),
               const QString& year = QStringLiteral("2001-05-12"))
 {
-    RipWorker worker;
-    worker.configure(nullptr, DiscToc(), QStringLiteral("/out"), artist, album, year, QPixmap(), QString(), 1,
-                     1, 300, OutputFlac, QString(), 20);
-    worker.setNamingRule(QString::fromUtf8(rule));
-    const QString path = worker.outputBasePath(number, title);
+    RipOrder order;
+    order.outputFolder = QStringLiteral("/out");
+    order.artist = artist;
+    order.album = album;
+    order.year = year;
+    order.namingRule = QString::fromUtf8(rule);
+    const QString path = outputBasePath(order, number, title);
     EXPECT_TRUE(path.startsWith(QStringLiteral("/out/")));
     return path.mid(5);
 }
@@ -86,8 +87,7 @@ TEST(OutputNaming, TokensAreCaseSensitiveAndAllOccurrencesCount)
 
 TEST(UniqueFolder, NamesGoOnWhereTheyAreTaken)
 {
-    QSettings().setValue(QLatin1String(settings::language), 2);
-    loadLanguage();
+    speak(2);
     QTemporaryDir folder;
     const QString base = folder.path();
     for (const char* expected : {"x", "x - Copy", "x - Copy (2)", "x - Copy (3)"}) {
@@ -99,8 +99,7 @@ TEST(UniqueFolder, NamesGoOnWhereTheyAreTaken)
 
 TEST(UniqueFolder, TheSuffixFollowsTheLanguage)
 {
-    QSettings().setValue(QLatin1String(settings::language), 1);
-    loadLanguage();
+    speak(1);
     QTemporaryDir folder;
     RipWorker::uniqueFolder(folder.path(), QStringLiteral("x"));
     EXPECT_EQ(RipWorker::uniqueFolder(folder.path(), QStringLiteral("x")),
@@ -112,4 +111,11 @@ TEST(UniqueFolder, AnEmptyNameGivesAPathThatEndsInASlash)
     QTemporaryDir folder;
     EXPECT_EQ(RipWorker::uniqueFolder(folder.path() + QStringLiteral("/new"), QString()),
               folder.path() + QStringLiteral("/new/"));
+}
+
+TEST(UniqueFolder, AnEmptyNameInAFolderThatIsThereIsACopyInIt)
+{
+    speak(2);
+    QTemporaryDir folder;
+    EXPECT_EQ(RipWorker::uniqueFolder(folder.path(), QString()), folder.path() + QStringLiteral("/ - Copy"));
 }

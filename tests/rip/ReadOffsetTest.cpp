@@ -1,7 +1,10 @@
-#include <gtest/gtest.h>
+#include "rip/ReadOffset.h"
 
-#include "RunRecorder.h"
 #include "ScriptedDrive.h"
+#include "disc/CdDrive.h"
+#include "rip/SampleValues.h"
+
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 
@@ -22,82 +25,119 @@ QByteArray discFrames(const QByteArray& audio, qint64 firstFrame, qint64 frames,
     return expected;
 }
 
-class ReadOffset : public ::testing::TestWithParam<int> {
+class ReadOffset : public ::testing::Test {
 protected:
-    void expectTrack(int number, quint32 firstLba, quint32 count, quint32 firstAudio, quint32 lastAudio)
+    ReadOffset() { EXPECT_TRUE(drive.open(disc.letter)); }
+
+    /// The disc's own tracks, and its last audio sector.
+    AudioBounds load(const QList<SimulatedTrack>& tracks, quint32 lastAudio)
     {
-        const QByteArray track = audioOfWave(folder.filePath(
-            QStringLiteral("%1. Track %2.wav").arg(number, 2, 10, QLatin1Char('0')).arg(number)));
-        const QByteArray expected = discFrames(disc.audio, qint64{firstLba} * 588 + GetParam(),
-                                               qint64{count} * 588, firstAudio, lastAudio);
-        ASSERT_EQ(track.size(), expected.size());
-        EXPECT_TRUE(track == expected) << "track " << number;
+        disc.tracks = tracks;
+        EXPECT_TRUE(drive.open(disc.letter));
+        return {drive.readToc().tracks, lastAudio};
     }
 
-    void rip()
+    QList<int> samplesOf(quint32 firstLba, quint32 count) const
     {
-        run.drive.setReadOffset(GetParam());
-        run.ripDisc(folder.path());
+        QList<int> samples;
+        for (quint32 lba = firstLba; lba < firstLba + count; ++lba)
+            appendSampleValues(samples, disc.truth(lba));
+        return samples;
     }
 
-    QTemporaryDir folder;
     ScriptedDrive disc{300};
     DrivePlatformOverride platform{disc};
-    RunRecorder run;
+    CdDrive drive;
+};
+
+class ReadOffsets : public ReadOffset, public ::testing::WithParamInterface<int> {
+protected:
+    void expectTrack(const AudioBounds& bounds, quint32 firstLba, quint32 count, quint32 firstAudio)
+    {
+        drive.setReadOffset(GetParam());
+        QList<int> samples = samplesOf(firstLba, count);
+        applyReadOffset(drive, bounds, samples, firstLba, firstLba + count - 1);
+        const QByteArray expected = discFrames(disc.audio, qint64{firstLba} * 588 + GetParam(),
+                                               qint64{count} * 588, firstAudio, bounds.lastAudioLba);
+        QList<int> values;
+        for (qsizetype at = 0; at < expected.size(); at += RAW_SECTOR_BYTES)
+            appendSampleValues(values, expected.mid(at, RAW_SECTOR_BYTES));
+        EXPECT_TRUE(samples == values) << "the track at " << firstLba;
+    }
 };
 
 } // namespace
 
-TEST_P(ReadOffset, TracksBorrowFromTheirNeighboursAndFromSilenceAtTheEnds)
+TEST_P(ReadOffsets, TracksBorrowFromTheirNeighboursAndFromSilenceAtTheEnds)
 {
-    disc.tracks = {{0}, {100}, {102}};
-    rip();
-    expectTrack(1, 0, 100, 0, 299);
-    expectTrack(2, 100, 2, 0, 299);
-    expectTrack(3, 102, 198, 0, 299);
-    EXPECT_EQ(run.sectors.size(), 300) << "borrowed sectors are not reported";
+    const AudioBounds bounds = load({{0}, {100}, {102}}, 299);
+    expectTrack(bounds, 0, 100, 0);
+    expectTrack(bounds, 100, 2, 0);
+    expectTrack(bounds, 102, 198, 0);
 }
 
-TEST_P(ReadOffset, NothingIsBorrowedFromADataTrackInFront)
+TEST_P(ReadOffsets, NothingIsBorrowedFromADataTrackInFront)
 {
-    disc.tracks = {{0, true}, {100}, {200}};
-    rip();
-    expectTrack(2, 100, 100, 100, 299);
-    expectTrack(3, 200, 100, 100, 299);
+    const AudioBounds bounds = load({{0, true}, {100}, {200}}, 299);
+    expectTrack(bounds, 100, 100, 100);
+    expectTrack(bounds, 200, 100, 100);
 }
 
-TEST_P(ReadOffset, NothingIsBorrowedFromBehindTheLastAudioTrack)
+TEST_P(ReadOffsets, NothingIsBorrowedFromBehindTheLastAudioTrack)
 {
-    disc.tracks = {{0}, {100}, {200, true}};
-    rip();
-    expectTrack(1, 0, 100, 0, 199);
-    expectTrack(2, 100, 100, 0, 199);
+    const AudioBounds bounds = load({{0}, {100}, {200, true}}, 199);
+    expectTrack(bounds, 0, 100, 0);
+    expectTrack(bounds, 100, 100, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Offsets, ReadOffset,
+INSTANTIATE_TEST_SUITE_P(Offsets, ReadOffsets,
                          ::testing::Values(0, 6, -6, 30, -30, 587, 588, -588, 589, 667, -667, 1176, 70000,
                                            -70000));
 
-TEST(ApplyReadOffset, WithoutADriveNothingMoves)
+TEST_F(ReadOffset, ANeighbourThatCannotBeReadIsSilence)
 {
-    RipWorker worker;
-    QList<int> samples{1, 2, 3, 4};
-    worker.applyReadOffset(samples, 0, 0);
-    EXPECT_EQ(samples, (QList<int>{1, 2, 3, 4}));
-}
-
-TEST(ApplyReadOffset, ANeighbourThatCannotBeReadIsSilence)
-{
-    ScriptedDrive disc(20);
-    const DrivePlatformOverride platform(disc);
-    CdDrive drive;
-    ASSERT_TRUE(drive.open(disc.letter));
     drive.setReadOffset(-2);
-    RipWorker worker;
-    worker.configure(&drive, drive.readToc(), QString(), QString(), QString(), QString(), QPixmap(),
-                     QString(), 1, 1, 300, OutputWav, QString(), 20);
     disc.failReads(9, 1);
     QList<int> samples{1, 2, 3, 4, 5, 6};
-    worker.applyReadOffset(samples, 10, 10);
+    applyReadOffset(drive, load({{0}}, 299), samples, 10, 10);
     EXPECT_EQ(samples, (QList<int>{0, 0, 0, 0, 1, 2}));
+}
+
+TEST_F(ReadOffset, WithoutABoundTheDiscIsReadToItsEnd)
+{
+    drive.setReadOffset(1);
+    AudioBounds bounds = load({{0}}, 99);
+    QList<int> bounded{1, 2, 3, 4};
+    applyReadOffset(drive, bounds, bounded, 99, 99);
+    EXPECT_EQ(bounded, (QList<int>{3, 4, 0, 0}));
+    bounds.lastAudioLba = 0;
+    QList<int> unbounded{1, 2, 3, 4};
+    applyReadOffset(drive, bounds, unbounded, 99, 99);
+    EXPECT_EQ(unbounded, QList<int>({3, 4}) + samplesOf(100, 1).first(2));
+}
+
+TEST_F(ReadOffset, NoCommandReachesSectorsOutsideOfTheBounds)
+{
+    const AudioBounds bounds = load({{0, true}, {100}, {200, true}}, 199);
+    const qsizetype before = disc.commands.size();
+    for (const int frames : {-700, 700}) {
+        drive.setReadOffset(frames);
+        QList<int> samples = samplesOf(100, 100);
+        applyReadOffset(drive, bounds, samples, 100, 199);
+    }
+    EXPECT_EQ(disc.commands.size(), before);
+}
+
+TEST_F(ReadOffset, WithNothingToShiftNothingIsRead)
+{
+    const AudioBounds bounds = load({{0}}, 299);
+    const qsizetype before = disc.commands.size();
+    QList<int> samples{1, 2, 3, 4};
+    applyReadOffset(drive, bounds, samples, 50, 50);
+    drive.setReadOffset(30);
+    QList<int> none;
+    applyReadOffset(drive, bounds, none, 50, 50);
+    EXPECT_EQ(samples, (QList<int>{1, 2, 3, 4}));
+    EXPECT_TRUE(none.isEmpty());
+    EXPECT_EQ(disc.commands.size(), before);
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "RunRecorder.h"
+#include "base/FreeSpace.h"
 #include "support/Language.h"
 #include "support/SimulatedDrive.h"
 
@@ -204,4 +205,99 @@ TEST(RipWorker, AnAudioFileWithoutADecoderIsRefused)
     EXPECT_TRUE(run.errors[0].endsWith(QStringLiteral(": /music/a.xyz")));
     EXPECT_TRUE(run.started.isEmpty());
     EXPECT_EQ(run.finishedCount, 1);
+}
+
+TEST(RipWorker, WhatADiscRunSaysComesAsSignalsInItsOrder)
+{
+    QTemporaryDir folder;
+    SimulatedDrive disc;
+    const DrivePlatformOverride platform(disc);
+    disc.audio = makeAudio(60, 1);
+    disc.tracks = {{0}, {30}};
+    disc.c2Available = false;
+    RunRecorder run;
+    run.ripDisc(folder.path());
+    EXPECT_EQ(run.said,
+              (QStringList{
+                  QStringLiteral("begins 0/2 Fetching metadata..."), QStringLiteral("metadata Test Album"),
+                  QStringLiteral("Read mode   : secure - double read & compare (max 20 re-reads / sector)"),
+                  QStringLiteral("begins 1/2 Track 1"), QStringLiteral("Track 1/2: Track 1  —  1st read"),
+                  QStringLiteral("Track 1/2: Track 1  —  2nd read (compare)"), QStringLiteral("ends 1"),
+                  QStringLiteral("begins 2/2 Track 2"), QStringLiteral("Track 2/2: Track 2  —  1st read"),
+                  QStringLiteral("Track 2/2: Track 2  —  2nd read (compare)"), QStringLiteral("ends 2"),
+                  QStringLiteral("finished")}));
+    EXPECT_EQ(run.sectors.size(), 60);
+}
+
+TEST(RipWorker, ADiscCannotBeTakenAwayDuringItsRun)
+{
+    QTemporaryDir folder;
+    SimulatedDrive disc;
+    const DrivePlatformOverride platform(disc);
+    disc.audio = makeAudio(60, 1);
+    disc.tracks = {{0}};
+    RunRecorder run;
+    run.onSector = [&](const SectorResult& record) {
+        if (record.lba != 0)
+            return;
+        EXPECT_FALSE(run.drive.open(disc.letter));
+        EXPECT_FALSE(run.drive.openCue(QStringLiteral("none.cue")));
+        run.drive.close();
+    };
+    run.ripDisc(folder.path());
+    EXPECT_EQ(run.sectors.size(), 60);
+    EXPECT_TRUE(audioOfWave(folder.filePath(QStringLiteral("01. Track 1.wav"))) == disc.audio)
+        << "the close waits for the end of the run";
+    EXPECT_TRUE(run.drive.readSector(0).isEmpty()) << "then it takes effect";
+}
+
+// With no room for tags a line is said while the file is still in work.
+TEST(RipWorker, TheUnfinishedFileIsThatOfTheTrackInWork)
+{
+    QTemporaryDir folder;
+    ImageDescription image;
+    image.tracks = {{0, QStringLiteral("One")}};
+    RunRecorder run;
+    QString inWork;
+    run.onLog = [&](const QString&) { inWork = run.worker.unfinishedFile(); };
+    pretendFreeSpace(1);
+    run.rip(writeImage(folder.path(), image, makeAudio(5, 1)), OutputWav, folder.path());
+    pretendFreeSpace(std::nullopt);
+    EXPECT_EQ(inWork, folder.filePath(QStringLiteral("01. One.wav")));
+    EXPECT_EQ(run.worker.unfinishedFile(), QString());
+}
+
+TEST(RipWorkerOffset, WithoutADriveNothingMoves)
+{
+    RipWorker worker;
+    QList<int> samples{1, 2, 3, 4};
+    worker.applyReadOffset(samples, 0, 0);
+    EXPECT_EQ(samples, (QList<int>{1, 2, 3, 4}));
+}
+
+// The disc goes on behind the end that its table gives.
+TEST(RipWorkerOffset, TheAudioEndsWhereTheTableSaysOnceARunHasBegun)
+{
+    QTemporaryDir folder;
+    SimulatedDrive disc;
+    const DrivePlatformOverride platform(disc);
+    disc.audio = makeAudio(60, 1);
+    disc.tracks = {{0}};
+    CdDrive drive;
+    ASSERT_TRUE(drive.open(disc.letter));
+    DiscToc table = drive.readToc();
+    table.tracks[0].endLba = 29;
+    drive.setReadOffset(1);
+    RipWorker worker;
+    worker.configure(&drive, table, folder.path(), QString(), QString(), QString(), QPixmap(), QString(), 1,
+                     1, 300, OutputWav, QString(), 20);
+    const char* behind = disc.audio.constData() + 30 * RAW_SECTOR_BYTES;
+    QList<int> before{1, 2, 3, 4};
+    worker.applyReadOffset(before, 29, 29);
+    EXPECT_EQ(before, (QList<int>{3, 4, qFromLittleEndian<qint16>(behind) * 65536,
+                                  qFromLittleEndian<qint16>(behind + 2) * 65536}));
+    worker.run();
+    QList<int> after{1, 2, 3, 4};
+    worker.applyReadOffset(after, 29, 29);
+    EXPECT_EQ(after, (QList<int>{3, 4, 0, 0}));
 }

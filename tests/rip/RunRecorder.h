@@ -1,33 +1,44 @@
 #pragma once
 
+#include "RecordingReport.h"
+#include "TrackFiles.h"
 #include "disc/CdDrive.h"
 #include "rip/RipWorker.h"
 #include "support/DiscMaker.h"
 
 #include <QTemporaryDir>
-#include <QtEndian>
 
 #include <gtest/gtest.h>
 
 /// Runs a worker over an image or a disc on the calling thread and keeps what it
 /// says.
-class RunRecorder {
+class RunRecorder : public RecordingReport {
 public:
     RunRecorder()
     {
-        QObject::connect(&worker, &RipWorker::sectorDone,
-                         [this](const SectorResult& r) { sectors.append(r); });
-        QObject::connect(&worker, &RipWorker::trackStarted,
-                         [this](int number, int total, const QString& title) {
-                             started.append(QStringLiteral("%1/%2 %3").arg(number).arg(total).arg(title));
+        QObject::connect(&worker, &RipWorker::sectorDone, [this](const SectorResult& r) { sector(r); });
+        QObject::connect(
+            &worker, &RipWorker::trackStarted,
+            [this](int number, int total, const QString& title) { trackBegins(number, total, title); });
+        QObject::connect(&worker, &RipWorker::trackDone, [this](const RipResult& r) { trackEnds(r); });
+        QObject::connect(&worker, &RipWorker::metadataReady,
+                         [this](const QString& artist, const QString& album, const QString& year,
+                                const QPixmap& cover, const QList<TrackInfo>& tracks) {
+                             RipOrder filled;
+                             filled.artist = artist;
+                             filled.album = album;
+                             filled.year = year;
+                             filled.cover = cover;
+                             filled.disc.tracks = tracks;
+                             metadata(filled);
                          });
-        QObject::connect(&worker, &RipWorker::trackDone, [this](const RipResult& r) { results.append(r); });
-        QObject::connect(&worker, &RipWorker::error, [this](const QString& text) { errors.append(text); });
-        QObject::connect(&worker, &RipWorker::logLine,
-                         [this](const QString& line) { logLines.append(line); });
-        QObject::connect(&worker, &RipWorker::statusText,
-                         [this](const QString& text) { statusTexts.append(text); });
-        QObject::connect(&worker, &RipWorker::finished, [this] { ++finishedCount; });
+        QObject::connect(&worker, &RipWorker::error, [this](const QString& text) { failure(text); });
+        QObject::connect(&worker, &RipWorker::logLine, [this](const QString& line) { log(line); });
+        QObject::connect(&worker, &RipWorker::statusText, [this](const QString& text) { status(text); });
+        QObject::connect(&worker, &RipWorker::finished, [this] {
+            ++finishedCount;
+            said.append(QStringLiteral("finished"));
+        });
     }
 
     /// Opens the image and rips it into `folder`.
@@ -53,44 +64,5 @@ public:
     CdDrive drive;
     DiscToc disc;
     RipWorker worker;
-    QList<SectorResult> sectors;
-    QStringList started;
-    QList<RipResult> results;
-    QStringList errors;
-    QStringList logLines;
-    QStringList statusTexts;
     int finishedCount = 0;
 };
-
-inline QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// The audio bytes of a WAV file of ours, tags behind them left out.
-inline QByteArray audioOfWave(const QString& path)
-{
-    constexpr qsizetype headerBytes = 44;
-    const QByteArray file = contentOf(path);
-    return file.size() < headerBytes
-               ? QByteArray()
-               : file.mid(headerBytes, qFromLittleEndian<quint32>(file.constData() + headerBytes - 4));
-}
-
-/// Holds a result's checksums against sums over the audio bytes of its file,
-/// written out frame by frame; positions count from 1.
-inline void expectChecksums(const RipResult& result, const QByteArray& audio, qsizetype firstPosition,
-                            qsizetype lastPosition)
-{
-    quint32 v1 = 0;
-    quint32 v2 = 0;
-    for (qsizetype position = firstPosition; position <= lastPosition; ++position) {
-        const quint64 product = quint64{qFromLittleEndian<quint32>(audio.constData() + (position - 1) * 4)}
-                                * static_cast<quint64>(position);
-        v1 += static_cast<quint32>(product);
-        v2 += static_cast<quint32>(product) + static_cast<quint32>(product >> 32);
-    }
-    EXPECT_EQ(result.crcV1, v1) << "track " << result.trackNumber;
-    EXPECT_EQ(result.crcV2, v2) << "track " << result.trackNumber;
-}

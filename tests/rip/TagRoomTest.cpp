@@ -1,14 +1,16 @@
-// What a run says of tags that could not be written.
+// What is said of tags that could not be written.
 
 #include "base/FreeSpace.h"
 
-#include "RunRecorder.h"
+#include "RunParts.h"
+#include "TrackFiles.h"
 #include "support/FileSizeLimit.h"
 #include "support/Language.h"
 #include "support/Tool.h"
 
 #include <QImage>
 #include <QRandomGenerator>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -19,13 +21,17 @@ protected:
     TagRoom() { speak(2); }
     ~TagRoom() override { pretendFreeSpace(std::nullopt); }
 
-    void rip(OutputFormat format, const QPixmap& cover = {})
+    void write(OutputFormat format, const QPixmap& cover = {})
     {
-        ImageDescription description;
-        description.tracks = {{0, QStringLiteral("One")}};
-        run.rip(writeImage(folder.path(), description, makeAudio(60, 2)), format, folder.path(), cover);
-        ASSERT_EQ(run.results.size(), 1);
-        EXPECT_TRUE(run.results[0].ok) << "the audio is saved all the same";
+        run.order.outputFolder = folder.path();
+        run.order.outputFormat = format;
+        run.order.cover = cover;
+        if (!cover.isNull())
+            run.writer.saveCover();
+        const TrackLabel label{folder.filePath(QStringLiteral("01. One")), QStringLiteral("One"), 1, 1,
+                               cover};
+        EXPECT_TRUE(run.writer.write(QList<int>(audio), AudioFormat(), label))
+            << "the audio is saved all the same";
     }
 
     QString artistOf(const QString& name) const
@@ -39,7 +45,8 @@ protected:
     }
 
     QTemporaryDir folder;
-    RunRecorder run;
+    RunParts run;
+    const QList<int> audio = QList<int>(60 * SECTOR_VALUES, 7 << 16);
 };
 
 const QString notWritten = QStringLiteral("  ⚠ The tags could not be written: 01. One.flac");
@@ -49,26 +56,26 @@ const QString notWritten = QStringLiteral("  ⚠ The tags could not be written: 
 TEST_F(TagRoom, AFileSystemThatKnowsOfNoFreeBytesGetsItsTags)
 {
     pretendFreeSpace(0);
-    rip(OutputFlac);
+    write(OutputFlac);
     EXPECT_EQ(artistOf(QStringLiteral("01. One.flac")), QStringLiteral("Test Artist"));
-    EXPECT_EQ(run.logLines, QStringList());
+    EXPECT_TRUE(run.report.said.isEmpty());
 }
 
 // The texts of the tags count as 256 KiB.
 TEST_F(TagRoom, WhereTheTagsDoNotFitTheyAreLeftOutWithALine)
 {
     pretendFreeSpace(256 * 1024);
-    rip(OutputFlac);
+    write(OutputFlac);
     EXPECT_EQ(artistOf(QStringLiteral("01. One.flac")), QString());
-    EXPECT_EQ(run.logLines, QStringList{notWritten});
+    EXPECT_EQ(run.report.logLines, QStringList{notWritten});
 }
 
 TEST_F(TagRoom, WhereTheyJustFitTheyAreWritten)
 {
     pretendFreeSpace(256 * 1024 + 1);
-    rip(OutputFlac);
+    write(OutputFlac);
     EXPECT_EQ(artistOf(QStringLiteral("01. One.flac")), QStringLiteral("Test Artist"));
-    EXPECT_EQ(run.logLines, QStringList());
+    EXPECT_TRUE(run.report.said.isEmpty());
 }
 
 // Two bytes for each point of the cover.
@@ -77,35 +84,33 @@ TEST_F(TagRoom, TheCoverNeedsItsRoomToo)
     QPixmap cover(100, 50);
     cover.fill(Qt::red);
     pretendFreeSpace(256 * 1024 + 100 * 50 * 2);
-    rip(OutputFlac, cover);
-    EXPECT_EQ(run.logLines, QStringList{notWritten});
+    write(OutputFlac, cover);
+    EXPECT_EQ(run.report.logLines, QStringList{notWritten});
 }
 
 TEST_F(TagRoom, TheLineSpeaksTheLanguageInForce)
 {
     speak(1);
     pretendFreeSpace(1);
-    rip(OutputFlac);
-    EXPECT_EQ(run.logLines, QStringList{QStringLiteral("  ⚠ タグを書き込めませんでした: 01. One.flac")});
+    write(OutputFlac);
+    EXPECT_EQ(run.report.logLines,
+              QStringList{QStringLiteral("  ⚠ タグを書き込めませんでした: 01. One.flac")});
     speak(2);
 }
 
 TEST_F(TagRoom, ADiskThatFillsWithoutAWordOfItIsSaidAsWell)
 {
-    ImageDescription description;
-    description.tracks = {{0, QStringLiteral("One")}};
     constexpr rlim_t audioBytes = 44 + 60 * 2352;
     pretendFreeSpace(0);
     {
         const FileSizeLimit full(audioBytes);
-        run.rip(writeImage(folder.path(), description, makeAudio(60, 2)), OutputWav, folder.path());
+        write(OutputWav);
     }
-    ASSERT_EQ(run.results.size(), 1);
-    EXPECT_TRUE(run.results[0].ok);
-    EXPECT_EQ(run.logLines, QStringList{QStringLiteral("  ⚠ The tags could not be written: 01. One.wav")});
+    EXPECT_EQ(run.report.logLines,
+              QStringList{QStringLiteral("  ⚠ The tags could not be written: 01. One.wav")});
     const QByteArray wave = contentOf(folder.filePath(QStringLiteral("01. One.wav")));
     EXPECT_EQ(wave.size(), static_cast<qsizetype>(audioBytes));
-    EXPECT_TRUE(wave.mid(44) == makeAudio(60, 2));
+    EXPECT_TRUE(wave.mid(44) == QByteArray("\7\0", 2).repeated(60 * SECTOR_VALUES));
 }
 
 TEST_F(TagRoom, ACoverThatFlacCannotHoldIsLeftOutWithALine)
@@ -115,9 +120,9 @@ TEST_F(TagRoom, ACoverThatFlacCannotHoldIsLeftOutWithALine)
     QRandomGenerator random(5);
     for (int y = 0; y < edge; ++y)
         random.fillRange(reinterpret_cast<quint32*>(noise.scanLine(y)), edge);
-    rip(OutputFlac, QPixmap::fromImage(noise));
+    write(OutputFlac, QPixmap::fromImage(noise));
     EXPECT_GT(QFileInfo(folder.filePath(QStringLiteral("cover.jpg"))).size(), 0xFFFFFF);
-    EXPECT_EQ(run.logLines,
+    EXPECT_EQ(run.report.logLines,
               QStringList{QStringLiteral("  ⚠ The cover is too large to be embedded: 01. One.flac")});
     const QString track = folder.filePath(QStringLiteral("01. One.flac"));
     EXPECT_TRUE(runTool(QStringLiteral("flac"), {QStringLiteral("-t"), QStringLiteral("-s"), track}).ok());
@@ -129,9 +134,9 @@ TEST_F(TagRoom, ACoverThatNoJpegCanHoldLeavesNoFileOfItsOwn)
 {
     QPixmap cover(65501, 2);
     cover.fill(Qt::red);
-    rip(OutputFlac, cover);
+    write(OutputFlac, cover);
     EXPECT_FALSE(QFileInfo::exists(folder.filePath(QStringLiteral("cover.jpg"))));
-    EXPECT_EQ(run.logLines,
+    EXPECT_EQ(run.report.logLines,
               QStringList{QStringLiteral("  ⚠ The cover is too large to be embedded: 01. One.flac")});
     EXPECT_EQ(artistOf(QStringLiteral("01. One.flac")), QStringLiteral("Test Artist"));
 }
