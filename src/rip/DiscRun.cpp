@@ -129,8 +129,8 @@ void DiscRun::ripTrack(qsizetype place)
 quint32 DiscRun::lastSectorOf(qsizetype place) const
 {
     const QList<TrackInfo>& tracks = order.disc.tracks;
-    const bool isLast = place + 1 == tracks.size();
-    return std::min(tracks[place].endLba, isLast ? audio.lastLba : tracks[place + 1].startLba - 1);
+    const quint32 end = tracks[place].endLba;
+    return place + 1 < tracks.size() ? std::min(end, tracks[place + 1].startLba - 1) : end;
 }
 
 bool DiscRun::readSamples(qsizetype place, quint32 sectors, QList<int>& samples, RipResult& result)

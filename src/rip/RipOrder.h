@@ -22,7 +22,7 @@ struct RipOrder {
     QString discogsToken;
     int discNumber = 0;
     int discTotal = 0;
-    int qualityValue = 300;
+    int qualityValue = 300; ///< no run reads it
     OutputFormat outputFormat = OutputFlac;
     QString sourceAudioFile; ///< not empty selects the run over one audio file
     int rereadLimit = 20;    ///< re-reads of one sector at most; at least 1

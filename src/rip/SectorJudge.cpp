@@ -6,8 +6,6 @@
 
 #include <QDebug>
 
-#include <algorithm>
-
 namespace {
 
 constexpr quint32 crossCheckInterval = 2000; // sectors
@@ -60,6 +58,6 @@ void SectorJudge::reread(SectorResult& record, const QList<QByteArray>& seeds, Q
     const RereadOutcome outcome = rereadVote(read, seeds, mode.c2, mode.rereadLimit);
     if (!outcome.data.isEmpty())
         data = outcome.data;
-    record.retries = std::max(outcome.reads, 1);
+    record.retries = outcome.reads;
     record.bad = !outcome.confirmed;
 }

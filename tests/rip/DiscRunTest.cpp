@@ -228,6 +228,16 @@ TEST_F(DiscRunTest, ChecksumsAreThoseOfTheSamplesInTheFile)
     }
 }
 
+// Neither of the two is track 1, and the second has the last number.
+TEST_F(DiscRunTest, ChecksumsGoByTheNumbersAndNotByTheCountOfTracks)
+{
+    load(400, {{0, true}, {100}, {250}});
+    rip();
+    ASSERT_EQ(said.results.size(), 2);
+    expectChecksums(said.results[0], rippedTrack(2), 1, 150 * 588);
+    expectChecksums(said.results[1], rippedTrack(3), 1, 145 * 588);
+}
+
 TEST_F(DiscRunTest, TheLastSectorsInFrontOfASecondSessionAreRead)
 {
     load(20000, {{0}, {3000}, {18000, true, 2}});
