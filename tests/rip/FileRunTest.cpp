@@ -319,3 +319,14 @@ TEST_F(FileRunTest, ATrackIsSaidInOrderAndItsFailureBehindIt)
                                        + QStringList{QStringLiteral("failure Encoding failed: ")
                                                      + source(QStringLiteral("Song.wav"))});
 }
+
+TEST_F(FileRunTest, AStopEndsTheDecodingBetweenTwoBlocks)
+{
+    decoderfiles::make(source(QStringLiteral("Song.wav")), 200000);
+    RunParts run;
+    int questions = 0;
+    run.report.stopWhen = [&questions] { return ++questions > 3; };
+    convert(run, source(QStringLiteral("Song.wav")), OutputWav);
+    EXPECT_EQ(questions, 4 + 1) << "the last in front of the track";
+    EXPECT_TRUE(run.report.said.isEmpty());
+}

@@ -128,6 +128,19 @@ TEST_F(ReadOffset, NoCommandReachesSectorsOutsideOfTheBounds)
     EXPECT_EQ(disc.commands.size(), before);
 }
 
+TEST_F(ReadOffset, NoCommandReachesADataTrackBetweenAudioTracks)
+{
+    const AudioBounds bounds = load({{0}, {100, true}, {200}}, 299);
+    const qsizetype before = disc.commands.size();
+    for (const int frames : {1, 588, -1, -588}) {
+        drive.setReadOffset(frames);
+        const quint32 first = frames > 0 ? 99 : 200;
+        QList<int> samples{1, 2, 3, 4};
+        applyReadOffset(drive, bounds, samples, first, first);
+    }
+    EXPECT_EQ(disc.commands.size(), before);
+}
+
 TEST_F(ReadOffset, WithNothingToShiftNothingIsRead)
 {
     const AudioBounds bounds = load({{0}}, 299);

@@ -52,7 +52,7 @@ public:
         if (onStatus)
             onStatus(text);
     }
-    bool stopRequested() const override { return stop; }
+    bool stopRequested() const override { return stop || (stopWhen && stopWhen()); }
 
     QList<SectorResult> sectors;
     QStringList started;
@@ -64,6 +64,7 @@ public:
     QStringList said;
 
     bool stop = false; ///< what the run is told when it asks
+    std::function<bool()> stopWhen;
     std::function<void(const SectorResult&)> onSector;
     std::function<void(const QString&)> onLog;
     std::function<void(const QString&)> onStatus;
