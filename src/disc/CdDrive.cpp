@@ -67,6 +67,7 @@ void CdDrive::release()
     bytesRead = 0;
     timingStarted = false;
     lastFreshLba = noBatch;
+    slowNoise = SlowNoise();
 }
 
 void CdDrive::emptyCache()

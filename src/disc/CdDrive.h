@@ -2,6 +2,7 @@
 
 #include "disc/ColdReads.h"
 #include "disc/DiscModel.h"
+#include "disc/SlowNoise.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -84,14 +85,14 @@ private:
     bool isCached(quint32 lba) const;
     QByteArray cachedSector(quint32 lba) const;
     QByteArray readBatch(quint32 lba, Purpose purpose);
-    bool climbLadder(quint32 lba, quint32 count);
+    bool climbLadder(quint32 lba, quint32 count, qint64 started);
     bool readAlone(quint32 lba, quint32 failedBatch);
-    bool attemptBatch(quint32 lba, quint32 count);
+    bool attemptBatch(quint32 lba, quint32 count, qint64 started);
     void seekNear(quint32 lba);
     bool answersProbe(quint32 lba, quint32 count, QList<int>& c2Counts);
     bool readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts);
     quint32 boundedBatch(quint32 lba) const;
-    void updateSpeed(qint64 started, quint32 count);
+    void updateSpeed(qint64 started, qint64 now);
     void emptyCache();
 
     static constexpr quint32 noBatch = 0xFFFFFFFF;
@@ -110,6 +111,8 @@ private:
     quint32 batchStartLba = noBatch;
     quint32 batchCount = 0;
     QList<int> batchC2Counts;
+    qint64 batchTime = 0; ///< when it had come
+    SlowNoise slowNoise;
 
     bool c2Supported = false;
     bool c2On = false;

@@ -74,10 +74,12 @@ bool ColdReads::wasHandedOut(quint32 lba, quint32 count) const
     });
 }
 
-void ColdReads::makeCold(quint32 lba, quint32 count, Effort effort)
+bool ColdReads::makeCold(quint32 lba, quint32 count, Effort effort)
 {
-    if (wasHandedOut(lba, count))
+    const bool warm = wasHandedOut(lba, count);
+    if (warm)
         goFar(lba, effort);
+    return warm;
 }
 
 void ColdReads::makeAllCold(quint32 lba)

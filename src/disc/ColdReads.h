@@ -44,8 +44,8 @@ public:
     void handedOut(quint32 lba);
     /// Whether that holds for one of these sectors since the drive last was far away.
     bool wasHandedOut(quint32 lba, quint32 count) const;
-    /// Goes far away if it does.
-    void makeCold(quint32 lba, quint32 count, Effort effort);
+    /// Goes far away if it does; whether it did.
+    bool makeCold(quint32 lba, quint32 count, Effort effort);
     /// As makeCold for every sector, on the way to this one.
     void makeAllCold(quint32 lba);
     /// Goes far away in any case.

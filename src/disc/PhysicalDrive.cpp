@@ -112,7 +112,7 @@ bool CdDrive::readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>
 }
 
 // A batch that comes in takes the place of the one in the cache.
-bool CdDrive::attemptBatch(quint32 lba, quint32 count)
+bool CdDrive::attemptBatch(quint32 lba, quint32 count, qint64 started)
 {
     QByteArray data;
     QList<int> c2Counts;
@@ -126,6 +126,9 @@ bool CdDrive::attemptBatch(quint32 lba, quint32 count)
     }
     if (!delivered)
         return false;
+    batchTime = drivePlatform().nowNanoseconds();
+    for (const quint32 dead : slowNoise.delivered(lba, data, c2Counts, batchTime - started))
+        device->holes().add(dead);
     batchCache = std::move(data);
     batchStartLba = lba;
     batchCount = count;
@@ -156,17 +159,18 @@ QByteArray CdDrive::readBatch(quint32 lba, Purpose purpose)
     }
 
     const qint64 started = drivePlatform().nowNanoseconds();
-    if (purpose == Purpose::judged)
-        device->makeCold(lba, count, ColdReads::Effort::Thorough);
-    if (!climbLadder(lba, count) && !readAlone(lba, count)) {
+    const bool wentAway =
+        purpose == Purpose::judged && device->makeCold(lba, count, ColdReads::Effort::Thorough);
+    const qint64 ready = wentAway ? drivePlatform().nowNanoseconds() : started;
+    if (!climbLadder(lba, count, ready) && !readAlone(lba, count)) {
         retriesOfLastRead = LADDER_ATTEMPTS;
         return {};
     }
-    updateSpeed(started, batchCount);
+    updateSpeed(started, batchTime);
     return batchCache.left(RAW_SECTOR_BYTES);
 }
 
-bool CdDrive::climbLadder(quint32 lba, quint32 count)
+bool CdDrive::climbLadder(quint32 lba, quint32 count, qint64 started)
 {
     const KnownHoles& holes = device->holes();
     for (quint32 attempt = 0; attempt < LADDER_ATTEMPTS; ++attempt) {
@@ -178,7 +182,9 @@ bool CdDrive::climbLadder(quint32 lba, quint32 count)
             seekNear(lba);
             drivePlatform().sleepMilliseconds(seekPauseMs);
         }
-        if (attemptBatch(lba, count)) {
+        if (attempt > 0)
+            started = drivePlatform().nowNanoseconds();
+        if (attemptBatch(lba, count, started)) {
             retriesOfLastRead = attempt;
             return true;
         }
@@ -195,25 +201,24 @@ bool CdDrive::readAlone(quint32 lba, quint32 failedBatch)
     retriesOfLastRead = LADDER_ATTEMPTS;
     if (failedBatch > 1) {
         holes.batchGivenUp(lba, failedBatch);
-        return attemptBatch(lba, 1);
+        return attemptBatch(lba, 1, drivePlatform().nowNanoseconds());
     }
     if (!holes.isExhausted(lba))
         return false;
     device->goFar(lba, ColdReads::Effort::Once);
-    if (attemptBatch(lba, 1))
+    if (attemptBatch(lba, 1, drivePlatform().nowNanoseconds()))
         return true;
     holes.add(lba);
     return false;
 }
 
-void CdDrive::updateSpeed(qint64 started, quint32 count)
+void CdDrive::updateSpeed(qint64 started, qint64 now)
 {
-    const qint64 now = drivePlatform().nowNanoseconds();
     if (!timingStarted) {
         firstReadTime = started;
         timingStarted = true;
     }
-    bytesRead += quint64{count} * RAW_SECTOR_BYTES;
+    bytesRead += quint64{batchCount} * RAW_SECTOR_BYTES;
     const double elapsed = static_cast<double>(now - firstReadTime) / 1e9;
     constexpr double fastest = std::numeric_limits<quint32>::max();
     if (elapsed > 0)
