@@ -13,7 +13,7 @@ constexpr quint32 attemptsAfterBatch = 15;
 
 void KnownHoles::batchGivenUp(quint32 lba, quint32 count)
 {
-    stretches.append({lba, lba + count});
+    stretches.append({lba, lba + count, lba + count});
 }
 
 void KnownHoles::failed(quint32 lba, quint32 count)
@@ -36,16 +36,18 @@ bool KnownHoles::isExhausted(quint32 lba) const
 {
     const bool failedABatch =
         std::any_of(stretches.cbegin(), stretches.cend(),
-                    [lba](const Stretch& stretch) { return stretch.first == lba && !stretch.blamed; });
+                    [lba](const Stretch& stretch) { return stretch.first == lba && lba < stretch.culprit; });
     return failures.value(lba) >= (failedABatch ? attemptsAfterBatch : LADDER_ATTEMPTS);
 }
 
 void KnownHoles::add(quint32 lba)
 {
     holes.insert(lba);
-    failures.remove(lba);
-    for (Stretch& stretch : stretches)
-        stretch.blamed = stretch.blamed || stretch.first == lba;
+    const bool refused = failures.remove(lba);
+    for (Stretch& stretch : stretches) {
+        if (refused && lba >= stretch.first)
+            stretch.culprit = std::min(stretch.culprit, lba);
+    }
     settle(lba);
 }
 

@@ -25,6 +25,7 @@ public:
     /// Whether this sector, asked for alone, has failed as often as a whole ladder
     /// asks. The attempts at a batch count for the first sector that failed it.
     bool isExhausted(quint32 lba) const;
+    /// Not asked for again from now on.
     void add(quint32 lba);
 
     bool isHole(quint32 lba) const { return holes.contains(lba); }
@@ -40,7 +41,7 @@ private:
     struct Stretch {
         quint32 first = 0; ///< moves on over sectors that have been settled
         quint32 end = 0;
-        bool blamed = false; ///< on a sector that has become a hole
+        quint32 culprit = 0; ///< the first hole in it that refused; `end` as long as there is none
     };
 
     void settle(quint32 lba);

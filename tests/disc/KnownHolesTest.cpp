@@ -65,6 +65,47 @@ TEST(KnownHoles, TheFirstBadSectorOfABatchGivenUpIsAskedFifteenTimesMore)
     EXPECT_TRUE(holes.isExhausted(61));
 }
 
+TEST(KnownHoles, AHoleFoundOutOfTurnAnswersForTheBatchTowardsWhatLiesBehindIt)
+{
+    KnownHoles holes;
+    holes.batchGivenUp(54, 27);
+    fail(holes, 60, 35);
+    holes.add(60);
+    for (quint32 lba = 54; lba < 60; ++lba)
+        holes.delivered(lba, 1);
+    fail(holes, 61, 34);
+    EXPECT_FALSE(holes.isExhausted(61));
+    fail(holes, 61, 1);
+    EXPECT_TRUE(holes.isExhausted(61));
+}
+
+TEST(KnownHoles, AHoleFoundOutOfTurnDoesNotAnswerForTheBatchTowardsWhatLiesInFront)
+{
+    KnownHoles holes;
+    holes.batchGivenUp(54, 27);
+    for (const quint32 lba : {70U, 60U, 65U}) {
+        fail(holes, lba, 35);
+        holes.add(lba);
+    }
+    fail(holes, 54, 14);
+    EXPECT_FALSE(holes.isExhausted(54));
+    fail(holes, 54, 1);
+    EXPECT_TRUE(holes.isExhausted(54));
+}
+
+TEST(KnownHoles, ASectorThatWasDeliveredAsNoiseFailedNoBatch)
+{
+    KnownHoles holes;
+    holes.batchGivenUp(54, 27);
+    holes.delivered(54, 1);
+    holes.add(54);
+    holes.add(55);
+    fail(holes, 56, 14);
+    EXPECT_FALSE(holes.isExhausted(56));
+    fail(holes, 56, 1);
+    EXPECT_TRUE(holes.isExhausted(56));
+}
+
 TEST(KnownHoles, InAStretchThatFailedSectorsAreAskedForAlone)
 {
     KnownHoles holes;
