@@ -54,6 +54,7 @@ void ColdReads::learn(quint32 lba, quint32 count, const DriveReply& reply, size_
         knownHoles.delivered(lba, count);
         highestRead = std::max(highestRead, lba + count);
     } else if (reply.failure == DriveFailure::unreadable || reply.failure == DriveFailure::timedOut) {
+        inDoubt = true;
         knownHoles.failed(lba, count);
         lastWord = {false, reply.errorNumber, 0, reply.failure};
     }
@@ -85,39 +86,52 @@ bool ColdReads::makeCold(quint32 lba, quint32 count, Effort effort)
 void ColdReads::makeAllCold(quint32 lba)
 {
     if (!handed.isEmpty())
-        goFar(lba, Effort::Once);
+        goFar(lba, inDoubt ? Effort::Thorough : Effort::Once);
 }
 
+// A table of contents can tell of a lead-out far beyond the disc's end; what has been
+// read before is there. With no place left, those that failed once get another chance.
 void ColdReads::goFar(quint32 lba, Effort effort)
 {
-    if (effort == Effort::Thorough)
+    int places = 1;
+    if (effort == Effort::Thorough) {
+        inDoubt = true;
         askForBuffer();
-    QList<quint32> from{lba, position};
-    bool wentThere = false;
-    for (int place = 0; place < (effort == Effort::Once ? 1 : placesOfThreeSegments); ++place)
-        wentThere |= readFarPlace(from);
-    if (wentThere)
+        places = placesOfThreeSegments;
+    }
+    const QList<quint32> from{lba, position};
+    const SectorRange known{audioArea.first, highestRead};
+    if (visitPlaces(audioArea, places, from) || visitPlaces(known, places, from))
         handed.clear();
+    else
+        unusable.clear();
 }
 
-bool ColdReads::readFarPlace(QList<quint32>& from)
+/// Whether one of the places at least was reached.
+bool ColdReads::visitPlaces(const SectorRange& area, int places, QList<quint32> from)
 {
-    const SectorRange where = area();
-    if (where.isEmpty())
-        return false;
-    for (int attempt = 0; attempt < triesForAPlace; ++attempt) {
-        const quint32 place = farPlace(where, from, farEnough);
+    bool wentThere = false;
+    int attempts = area.isEmpty() ? 0 : places * triesForAPlace;
+    for (quint32 looks = 0; looks <= FAR_PLACES && places > 0 && attempts > 0; ++looks) {
+        const quint32 place = farPlace(area, from, farEnough);
         from.append(place);
-        const quint32 count = std::min<quint32>(READ_BATCH_SECTORS, where.end - place);
+        const quint32 count = std::min<quint32>(READ_BATCH_SECTORS, area.end - place);
         if (unusable.contains(place) || knownHoles.anyTrouble(place, count))
             continue;
+        --attempts;
         std::vector<quint8> thrownAway(size_t{count} * RAW_SECTOR_BYTES);
         position = place;
-        if (device->readRaw(place, count, thrownAway, true).delivered(thrownAway.size()))
-            return true;
-        unusable.append(place);
+        const DriveReply reply = device->readRaw(place, count, thrownAway, true);
+        if (reply.failure == DriveFailure::notReady)
+            return wentThere;
+        if (reply.delivered(thrownAway.size())) {
+            wentThere = true;
+            --places;
+        } else {
+            unusable.append(place);
+        }
     }
-    return false;
+    return wentThere;
 }
 
 // The page of a drive's capabilities, of which bytes 12 and 13 are the size of its
@@ -134,9 +148,4 @@ void ColdReads::askForBuffer()
         return;
     const quint32 bytes = quint32{byteorder::readBig<quint16>(answer.data() + header + 12)} * 1024;
     farEnough = std::max(FAR_DISTANCE, bytes / RAW_SECTOR_BYTES + beyondBuffer);
-}
-
-SectorRange ColdReads::area() const
-{
-    return audioArea.isEmpty() ? SectorRange{0, highestRead} : audioArea;
 }

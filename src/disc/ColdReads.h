@@ -46,7 +46,8 @@ public:
     bool wasHandedOut(quint32 lba, quint32 count) const;
     /// Goes far away if it does; whether it did.
     bool makeCold(quint32 lba, quint32 count, Effort effort);
-    /// As makeCold for every sector, on the way to this one.
+    /// As makeCold for every sector, on the way to this one; thorough on a disc that
+    /// has shown a fault.
     void makeAllCold(quint32 lba);
     /// Goes far away in any case.
     void goFar(quint32 lba, Effort effort);
@@ -54,19 +55,19 @@ public:
     KnownHoles& holes() { return knownHoles; }
 
 private:
-    bool readFarPlace(QList<quint32>& from);
+    bool visitPlaces(const SectorRange& area, int places, QList<quint32> from);
     void askForBuffer();
-    SectorRange area() const;
     void learn(quint32 lba, quint32 count, const DriveReply& reply, size_t wanted);
 
     std::unique_ptr<DriveDevice> device;
     KnownHoles knownHoles;
     DriveReply lastWord{false, 0, 0, DriveFailure::unreadable};
     QList<SectorRange> handed; ///< since the drive was last sent far away
-    QList<quint32> unusable;   ///< far places that could not be read
+    QList<quint32> unusable;   ///< far places that failed since a trip last reached none
     SectorRange audioArea;
     quint32 highestRead = 0; ///< one past it
     quint32 farEnough = FAR_DISTANCE;
     bool askedForBuffer = false;
+    bool inDoubt = false; ///< the disc has shown a fault, or a reading of it has been voted on
     quint32 position = 0; ///< where the last command left the drive
 };

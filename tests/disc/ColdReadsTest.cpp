@@ -201,6 +201,122 @@ TEST_F(ColdReadsTest, ATripThatFailedIsTriedAgain)
     EXPECT_FALSE(drive.commands.isEmpty()) << "nothing says that the drive has forgotten";
 }
 
+TEST_F(ColdReadsTest, WhenNoPlaceIsLeftThoseThatFailedOnceAreTriedAgain)
+{
+    drive.mechanism.faults = {SectorFault::unreadable(0, 29'999)};
+    cold.handedOut(1000);
+    for (int turn = 0; turn < 100; ++turn)
+        cold.makeCold(1000, 1, Effort::Once);
+    drive.mechanism.faults.clear();
+    cold.makeCold(1000, 1, Effort::Once);
+    EXPECT_FALSE(cold.wasHandedOut(1000, 1));
+}
+
+TEST_F(ColdReadsTest, PlacesThatAreKnownToFailDoNotUseUpATrip)
+{
+    for (int turn = 0; turn < 4; ++turn) {
+        cold.handedOut(1000);
+        read(1000);
+        drive.commands.clear();
+        drive.failingReads = 2;
+        cold.makeCold(1000, 1, Effort::Once);
+        EXPECT_EQ(places().size(), 3) << "two new ones that fail and one that does not";
+        EXPECT_FALSE(cold.wasHandedOut(1000, 1));
+    }
+}
+
+TEST_F(ColdReadsTest, ALeadOutFarBeyondTheDiscLeavesTheRangeThatHasBeenRead)
+{
+    cold.setAudioArea({5000, 400'000});
+    for (const quint32 lba : {5000U, 17'000U, 12'000U})
+        read(lba);
+    cold.handedOut(12'000);
+    drive.commands.clear();
+    drive.mechanism.faults = {SectorFault::unreadable(17'027, 29'999)};
+    cold.makeCold(12'000, 1, Effort::Once);
+    const QList<quint32> far = places();
+    ASSERT_FALSE(far.isEmpty());
+    EXPECT_GE(far.constLast(), 5000U);
+    EXPECT_LE(far.constLast() + 27, 17'027U);
+    expectFarFrom(far.last(1), 12'000);
+    EXPECT_FALSE(cold.wasHandedOut(12'000, 1));
+}
+
+// 97 places over the disc, each tried once.
+TEST_F(ColdReadsTest, ALeadOutFarBeyondTheDiscCostsNoMoreThanAReadOfEachPlace)
+{
+    drive.leadOutLba = 10'000;
+    cold.setAudioArea({0, 1'150'000});
+    read(4100);
+    drive.commands.clear();
+    for (quint32 turn = 0; turn < 60; ++turn) {
+        cold.handedOut(turn);
+        cold.makeCold(turn, 1, Effort::Once);
+        EXPECT_FALSE(cold.wasHandedOut(turn, 1));
+    }
+    EXPECT_LE(places().size(), 97 + 60);
+}
+
+TEST_F(ColdReadsTest, APlaceIsNotToBlameForADriveThatIsNotThere)
+{
+    drive.commandsUntilGone = 0;
+    cold.handedOut(1000);
+    cold.makeCold(1000, 1, Effort::Once);
+    const QList<quint32> first = places();
+    EXPECT_EQ(first.size(), 1);
+    drive.commandsUntilGone = std::nullopt;
+    read(1000);
+    drive.commands.clear();
+    cold.makeCold(1000, 1, Effort::Once);
+    EXPECT_EQ(places(), first);
+}
+
+TEST_F(ColdReadsTest, ASecondPassComesAfterOneFarReadOnADiscWithoutAFault)
+{
+    read(1000);
+    cold.handedOut(1000);
+    drive.commands.clear();
+    cold.makeAllCold(1000);
+    EXPECT_EQ(places().size(), 1);
+}
+
+TEST_F(ColdReadsTest, ASecondPassComesAfterThreeFarReadsOnceTheDiscHasShownAFault)
+{
+    const auto farReadsOfASecondPass = [this](auto trouble) {
+        ColdReads other{drive.open(drive.letter)};
+        other.setAudioArea({0, 30'000});
+        trouble(other);
+        other.handedOut(1000);
+        drive.commands.clear();
+        other.makeAllCold(1000);
+        return places().size();
+    };
+    std::vector<quint8> data(RAW_SECTOR_BYTES);
+    EXPECT_EQ(farReadsOfASecondPass([&](ColdReads& other) {
+                  drive.mechanism.faults = {SectorFault::unreadable(2000, 2000)};
+                  other.readRaw(2000, 1, data, true);
+              }),
+              3);
+    EXPECT_EQ(farReadsOfASecondPass([](ColdReads& other) {
+                  other.handedOut(1000);
+                  other.makeCold(1000, 1, Effort::Thorough);
+              }),
+              3);
+    EXPECT_EQ(farReadsOfASecondPass([](ColdReads& other) {
+                  other.handedOut(1000);
+                  other.makeCold(1000, 1, Effort::Once);
+              }),
+              1);
+    EXPECT_EQ(farReadsOfASecondPass([&](ColdReads& other) {
+                  const std::array<quint8, 12> withC2{0xBE, 0x04, 0, 0, 0, 0, 0, 0, 1, 0x12, 0, 0};
+                  drive.c2Available = false;
+                  std::vector<quint8> sector(RAW_PLUS_C2_BYTES);
+                  EXPECT_FALSE(other.passThrough(withC2, sector).ok);
+              }),
+              1)
+        << "that the drive has no pointers is no fault of the disc";
+}
+
 TEST_F(ColdReadsTest, WithoutATableOfContentsTripsStayWhereSectorsHaveBeenRead)
 {
     cold.setAudioArea({});
