@@ -68,6 +68,7 @@ void CdDrive::release()
     timingStarted = false;
     lastFreshLba = noBatch;
     slowNoise = SlowNoise();
+    awaySince.reset();
 }
 
 void CdDrive::emptyCache()

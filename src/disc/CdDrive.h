@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 /// The one object through which a disc is read: a physical drive or a CUE image.
 ///
@@ -87,6 +88,8 @@ private:
     QByteArray readBatch(quint32 lba, Purpose purpose);
     bool climbLadder(quint32 lba, quint32 count, qint64 started);
     bool readAlone(quint32 lba, quint32 failedBatch);
+    bool isAway() const;
+    void noteAbsence(bool absent);
     bool attemptBatch(quint32 lba, quint32 count, qint64 started);
     void seekNear(quint32 lba);
     bool answersProbe(quint32 lba, quint32 count, QList<int>& c2Counts);
@@ -127,5 +130,6 @@ private:
     quint32 speed = 0;
     quint32 lastFreshLba = noBatch;
     DriveReply lastReply;
+    std::optional<qint64> awaySince;
     DriveFailure failureOfLastToc = DriveFailure::unknown;
 };

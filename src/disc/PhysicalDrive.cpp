@@ -23,6 +23,7 @@ static_assert(immediateAttempts + seekAttempts + patientAttempts == LADDER_ATTEM
 constexpr int seekPauseMs = 10;
 constexpr int patientPauseMs = 100;
 constexpr quint32 seekDistance = 100;
+constexpr qint64 patienceWithAbsence = 30'000'000'000; // ns
 constexpr int probeAttempts = 3;
 constexpr size_t inquiryBytes = 96;
 constexpr size_t passThroughAlignment = 64;
@@ -122,8 +123,10 @@ bool CdDrive::attemptBatch(quint32 lba, quint32 count, qint64 started)
     } else {
         data.resize(static_cast<qsizetype>(count) * RAW_SECTOR_BYTES);
         const std::span bytes{reinterpret_cast<quint8*>(data.data()), static_cast<size_t>(data.size())};
-        delivered = device->readRaw(lba, count, bytes, true).delivered(bytes.size());
+        lastReply = device->readRaw(lba, count, bytes, true);
+        delivered = lastReply.delivered(bytes.size());
     }
+    noteAbsence(!delivered && lastReply.failure == DriveFailure::notReady);
     if (!delivered)
         return false;
     batchTime = drivePlatform().nowNanoseconds();
@@ -162,7 +165,8 @@ QByteArray CdDrive::readBatch(quint32 lba, Purpose purpose)
     const bool wentAway =
         purpose == Purpose::judged && device->makeCold(lba, count, ColdReads::Effort::Thorough);
     const qint64 ready = wentAway ? drivePlatform().nowNanoseconds() : started;
-    if (!climbLadder(lba, count, ready) && !readAlone(lba, count)) {
+    const bool wasAway = isAway();
+    if (!climbLadder(lba, count, ready) && ((wasAway && isAway()) || !readAlone(lba, count))) {
         retriesOfLastRead = LADDER_ATTEMPTS;
         return {};
     }
@@ -173,6 +177,7 @@ QByteArray CdDrive::readBatch(quint32 lba, Purpose purpose)
 bool CdDrive::climbLadder(quint32 lba, quint32 count, qint64 started)
 {
     const KnownHoles& holes = device->holes();
+    const bool wasAway = isAway();
     for (quint32 attempt = 0; attempt < LADDER_ATTEMPTS; ++attempt) {
         if (count == 1 && holes.isExhausted(lba))
             return false;
@@ -188,6 +193,8 @@ bool CdDrive::climbLadder(quint32 lba, quint32 count, qint64 started)
             retriesOfLastRead = attempt;
             return true;
         }
+        if (wasAway && isAway())
+            return false;
     }
     return false;
 }
@@ -210,6 +217,21 @@ bool CdDrive::readAlone(quint32 lba, quint32 failedBatch)
         return true;
     holes.add(lba);
     return false;
+}
+
+// A drive can lose sight of its disc over a bad place and find it again, so one that
+// is unplugged or emptied is waited for with whole ladders for a while.
+bool CdDrive::isAway() const
+{
+    return awaySince && drivePlatform().nowNanoseconds() - *awaySince >= patienceWithAbsence;
+}
+
+void CdDrive::noteAbsence(bool absent)
+{
+    if (!absent)
+        awaySince.reset();
+    else if (!awaySince)
+        awaySince = drivePlatform().nowNanoseconds();
 }
 
 void CdDrive::updateSpeed(qint64 started, qint64 now)
