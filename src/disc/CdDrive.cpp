@@ -1,31 +1,53 @@
 #include "disc/CdDrive.h"
 
+#include "disc/CueDisc.h"
 #include "disc/DrivePlatform.h"
+#include "disc/ImageSource.h"
+#include "disc/PhysicalDrive.h"
+
+#include <QDebug>
+#include <QFileInfo>
 
 #include <utility>
 
-namespace {
-
-constexpr quint32 freshDistance = 200;  // sectors the head travels before a re-read
-constexpr quint32 flushDistance = 2000; // far enough to leave a drive's cache
-
-quint32 farFrom(quint32 lba, quint32 distance)
-{
-    return lba <= distance ? lba + distance : lba - distance;
-}
-
-} // namespace
-
 CdDrive::CdDrive() = default;
 
-CdDrive::~CdDrive()
-{
-    release();
-}
+CdDrive::~CdDrive() = default;
 
 QStringList CdDrive::enumerateDrives()
 {
     return drivePlatform().enumerateDrives();
+}
+
+bool CdDrive::open(const QString& letter)
+{
+    if (isBorrowed())
+        return false;
+    close();
+    image = false;
+    figures.c2Errors = 0;
+    auto opened = drivePlatform().open(letter);
+    if (!opened) {
+        qWarning().noquote() << "CdDrive: cannot open" << letter;
+        return false;
+    }
+    source = std::make_unique<PhysicalDrive>(std::move(opened));
+    driveName = letter;
+    return true;
+}
+
+bool CdDrive::openCue(const QString& path)
+{
+    if (isBorrowed())
+        return false;
+    close();
+    image = true;
+    auto opened = std::make_unique<ImageSource>(path);
+    const bool whole = opened->isOpen();
+    source = std::move(opened);
+    if (whole)
+        driveName = QFileInfo(path).fileName();
+    return whole;
 }
 
 bool CdDrive::borrow()
@@ -55,106 +77,77 @@ void CdDrive::close()
 
 void CdDrive::release()
 {
-    device.reset();
-    imageFile.close();
-    imagePiece.clear();
-    imageDisc = DiscToc();
-    emptyCache();
-    sectorLimit = 0;
-    batchBounds.clear();
-    c2Supported = false;
-    c2On = false;
-    bytesRead = 0;
-    timingStarted = false;
-    lastFreshLba = noBatch;
-    slowNoise = SlowNoise();
-    awaySince.reset();
+    source.reset();
 }
 
-void CdDrive::emptyCache()
+DiscToc CdDrive::parseCue(const QString& path)
 {
-    batchCache.clear();
-    batchStartLba = noBatch;
-    batchCount = 0;
-    batchC2Counts.clear();
+    return readCueDisc(path);
+}
+
+DiscToc CdDrive::readToc()
+{
+    return source ? source->readToc(failureOfLastToc) : DiscToc();
 }
 
 QByteArray CdDrive::readSector(quint32 lba)
 {
-    return image ? readImageSector(lba) : readPhysicalSector(lba, Purpose::judged);
+    const QByteArray sector = source ? source->readSector(lba, ReadPurpose::judged) : QByteArray();
+    takeFigures();
+    return sector;
 }
 
 QByteArray CdDrive::readSectorUnjudged(quint32 lba)
 {
-    return image ? readImageSector(lba) : readPhysicalSector(lba, Purpose::unjudged);
-}
-
-bool CdDrive::isCached(quint32 lba) const
-{
-    return batchStartLba != noBatch && lba >= batchStartLba && lba - batchStartLba < batchCount;
-}
-
-QByteArray CdDrive::cachedSector(quint32 lba) const
-{
-    return batchCache.mid(static_cast<qsizetype>(lba - batchStartLba) * RAW_SECTOR_BYTES, RAW_SECTOR_BYTES);
-}
-
-QByteArray CdDrive::readPhysicalSector(quint32 lba, Purpose purpose)
-{
-    QByteArray sector;
-    if (isCached(lba)) {
-        retriesOfLastRead = 0;
-        c2OfLastRead =
-            static_cast<quint32>(batchC2Counts.value(static_cast<qsizetype>(lba - batchStartLba), 0));
-        sector = cachedSector(lba);
-    } else {
-        sector = readBatch(lba, purpose);
-    }
-    if (purpose == Purpose::judged && !sector.isEmpty() && device)
-        device->handedOut(lba);
+    const QByteArray sector = source ? source->readSector(lba, ReadPurpose::unjudged) : QByteArray();
+    takeFigures();
     return sector;
 }
 
-// One far read is what the sample check of a sector that C2 calls clean may cost on a
-// disc without a fault. A reading that votes takes three, whatever the drive has shown
-// elsewhere: damage on the way changes what its buffer holds, and an answer out of that
-// would be one vote more for the same reading.
 QByteArray CdDrive::readSectorFresh(quint32 lba)
 {
-    if (image)
-        return readImageSector(lba);
-    const bool again = lba == std::exchange(lastFreshLba, lba);
-    return readFromAfar(lba, c2On && !again ? ColdReads::Effort::Once : ColdReads::Effort::Thorough);
-}
-
-QByteArray CdDrive::readFromAfar(quint32 lba, ColdReads::Effort effort)
-{
-    emptyCache();
-    if (device && !device->holes().isHole(lba)) {
-        device->makeCold(lba, boundedBatch(lba), effort);
-        readBatch(farFrom(lba, freshDistance), Purpose::unjudged);
-    }
-    const QByteArray sector = readBatch(lba, Purpose::judged);
-    if (!sector.isEmpty())
-        device->handedOut(lba);
+    const QByteArray sector = source ? source->readSectorFresh(lba) : QByteArray();
+    takeFigures();
     return sector;
 }
 
 void CdDrive::flushDriveCache(quint32 lba)
 {
+    if (source)
+        source->flushCache(lba);
+    takeFigures();
+}
+
+// An image leaves those of the drive before it alone.
+void CdDrive::takeFigures()
+{
     if (image)
         return;
-    emptyCache();
-    if (device)
-        device->makeAllCold(lba);
-    readBatch(farFrom(lba, flushDistance), Purpose::unjudged);
-    emptyCache();
+    figures = source ? *source->figures() : ReadFigures();
+}
+
+bool CdDrive::probeC2(quint32 lba)
+{
+    return source && source->probeC2(lba);
 }
 
 void CdDrive::setC2Enabled(bool on)
 {
-    const bool enabled = on && c2Supported;
-    if (enabled != c2On)
-        emptyCache();
-    c2On = enabled;
+    if (source)
+        source->setC2Enabled(on);
+}
+
+bool CdDrive::c2Enabled() const
+{
+    return source && source->c2Enabled();
+}
+
+bool CdDrive::isUsb()
+{
+    return source && source->isUsb();
+}
+
+QString CdDrive::queryModel()
+{
+    return source ? source->queryModel() : QString();
 }

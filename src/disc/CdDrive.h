@@ -1,18 +1,14 @@
 #pragma once
 
-#include "disc/ColdReads.h"
 #include "disc/DiscModel.h"
-#include "disc/SlowNoise.h"
+#include "disc/SectorSource.h"
 
 #include <QByteArray>
-#include <QFile>
-#include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <atomic>
 #include <memory>
-#include <optional>
 
 /// The one object through which a disc is read: a physical drive or a CUE image.
 ///
@@ -68,68 +64,22 @@ public:
     QString name() const { return driveName; }
     int readOffset() const { return offsetSamples; }
     void setReadOffset(int samples) { offsetSamples = samples; }
-    quint32 lastRetries() const { return retriesOfLastRead; } ///< failed attempts before the last batch
-    quint32 lastC2Errors() const { return c2OfLastRead; }
-    quint32 speedKBs() const { return speed; } ///< average since the first batch, KiB/s
-    bool c2Enabled() const { return c2On; }
+    quint32 lastRetries() const { return figures.retries; } ///< failed attempts before the last batch
+    quint32 lastC2Errors() const { return figures.c2Errors; }
+    quint32 speedKBs() const { return figures.speedKBs; } ///< average since the first batch, KiB/s
+    bool c2Enabled() const;
 
 private:
     enum class Lease { none, borrowed, closeOnReturn };
-    /// Whether a reading may be held against another one of the same sector.
-    enum class Purpose { judged, unjudged };
 
     void release();
-    QByteArray readImageSector(quint32 lba);
-    void loadImagePiece(qint64 position);
-    QByteArray readPhysicalSector(quint32 lba, Purpose purpose);
-    QByteArray readFromAfar(quint32 lba, ColdReads::Effort effort);
-    bool isCached(quint32 lba) const;
-    QByteArray cachedSector(quint32 lba) const;
-    QByteArray readBatch(quint32 lba, Purpose purpose);
-    bool climbLadder(quint32 lba, quint32 count, qint64 started);
-    bool readAlone(quint32 lba, quint32 failedBatch);
-    bool isAway() const;
-    void noteAbsence(bool absent);
-    bool attemptBatch(quint32 lba, quint32 count, qint64 started);
-    void seekNear(quint32 lba);
-    bool answersProbe(quint32 lba, quint32 count, QList<int>& c2Counts);
-    bool readRawC2(quint32 lba, quint32 count, QByteArray& data, QList<int>& c2Counts);
-    quint32 boundedBatch(quint32 lba) const;
-    void updateSpeed(qint64 started, qint64 now);
-    void emptyCache();
-
-    static constexpr quint32 noBatch = 0xFFFFFFFF;
+    void takeFigures();
 
     std::atomic<Lease> lease = Lease::none;
-    std::unique_ptr<ColdReads> device;
-    DiscToc imageDisc;
-    QFile imageFile;
-    QByteArray imagePiece; ///< bytes of the image file around the last read
-    qint64 imagePieceStart = 0;
+    std::unique_ptr<SectorSource> source; ///< null when closed
     bool image = false;
     QString driveName;
     int offsetSamples = 0;
-
-    QByteArray batchCache;
-    quint32 batchStartLba = noBatch;
-    quint32 batchCount = 0;
-    QList<int> batchC2Counts;
-    qint64 batchTime = 0; ///< when it had come
-    SlowNoise slowNoise;
-
-    bool c2Supported = false;
-    bool c2On = false;
-    quint32 sectorLimit = 0;    ///< lead-out; 0 means no bound
-    QList<quint32> batchBounds; ///< no batch passes one of these from below
-
-    quint64 bytesRead = 0;
-    qint64 firstReadTime = 0;
-    bool timingStarted = false;
-    quint32 retriesOfLastRead = 0;
-    quint32 c2OfLastRead = 0;
-    quint32 speed = 0;
-    quint32 lastFreshLba = noBatch;
-    DriveReply lastReply;
-    std::optional<qint64> awaySince;
+    ReadFigures figures; ///< of the last read from a drive
     DriveFailure failureOfLastToc = DriveFailure::unknown;
 };

@@ -53,6 +53,7 @@ public:
     void goFar(quint32 lba, Effort effort);
 
     KnownHoles& holes() { return knownHoles; }
+    const KnownHoles& holes() const { return knownHoles; }
 
 private:
     bool visitPlaces(const SectorRange& area, int places, QList<quint32> from);

@@ -155,27 +155,6 @@ TEST_F(CueImage, FailuresLeaveTheDriveMarkedAsAnImageWithItsOldName)
     EXPECT_TRUE(drive.isImage());
 }
 
-TEST_F(CueImage, ASheetThatYieldsNothingIsNamedInTheLog)
-{
-    for (const QString& path :
-         {sheet("REM nothing here\n"), folder.filePath(QStringLiteral("no such.cue"))}) {
-        const LogCapture log;
-        EXPECT_FALSE(drive.openCue(path));
-        EXPECT_EQ(log.lines(), QStringList{QStringLiteral("CdDrive: cue parse failed: ") + path});
-        EXPECT_EQ(log.warnings(), log.lines());
-    }
-}
-
-TEST_F(CueImage, AFileThatCannotBeOpenedIsNamedInTheLog)
-{
-    const QString cue = sheet("FILE \"no such.bin\" BINARY\nTRACK 01 AUDIO\nINDEX 01 00:00:00\n");
-    const LogCapture log;
-    EXPECT_FALSE(drive.openCue(cue));
-    EXPECT_EQ(log.lines(), QStringList{QStringLiteral("CdDrive: cannot open bin: ")
-                                       + folder.filePath(QStringLiteral("no such.bin"))});
-    EXPECT_EQ(log.warnings(), log.lines());
-}
-
 TEST_F(CueImage, WhatASheetSaysBesideThatIsNoError)
 {
     bin(makeAudio(4, 1));
@@ -229,14 +208,4 @@ TEST_F(CueImage, ReadsLeaveTheDriveFiguresAlone)
     EXPECT_FALSE(drive.probeC2(0));
     EXPECT_FALSE(drive.isUsb());
     EXPECT_EQ(drive.queryModel(), QString());
-}
-
-TEST_F(CueImage, AFileThatShrinksMidwayGivesFailedSectors)
-{
-    bin(makeAudio(400, 1));
-    ASSERT_TRUE(drive.openCue(sheet(QByteArray(binLine) + "TRACK 01 AUDIO\n")));
-    EXPECT_FALSE(drive.readSector(0).isEmpty());
-    ASSERT_TRUE(QFile::resize(folder.filePath(QStringLiteral("disc.bin")), 100 * RAW_SECTOR_BYTES));
-    EXPECT_FALSE(drive.readSector(99).isEmpty());
-    EXPECT_TRUE(drive.readSector(300).isEmpty());
 }

@@ -3,6 +3,7 @@
 #include "disc/CdDrive.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 #include <cstdio>
 

@@ -89,6 +89,24 @@ TEST_F(DriveState, CloseTurnsC2OffAndForgetsThatItWasSupported)
     EXPECT_FALSE(c2CanBeSwitchedOn());
 }
 
+TEST_F(DriveState, AClosedDriveIsNotProbed)
+{
+    drive.close();
+    simulated.commands.clear();
+    EXPECT_FALSE(drive.probeC2(0));
+    EXPECT_TRUE(simulated.commands.isEmpty());
+}
+
+TEST_F(DriveState, TimingRestartsWhenTheDriveIsOpenedAgain)
+{
+    simulated.commandNanoseconds = 100'000'000;
+    drive.readSector(0);
+    simulated.sleepMilliseconds(10'000);
+    ASSERT_TRUE(drive.open(simulated.letter));
+    drive.readSector(0);
+    EXPECT_EQ(drive.speedKBs(), 620U) << "27 * 2352 / 1024 KiB in 0.1 s";
+}
+
 TEST_F(DriveState, OpenOverAnOpenDriveTurnsC2Off)
 {
     turnC2On();

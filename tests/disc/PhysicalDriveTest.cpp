@@ -1,6 +1,6 @@
-// Batches with their ladder of retries, C2 pointers, speed.
+// Batches with their ladder of retries, C2 pointers, speed: a drive without CdDrive around it.
 
-#include "disc/CdDrive.h"
+#include "disc/PhysicalDrive.h"
 #include "support/DiscMaker.h"
 #include "support/DriveShim.h"
 #include "support/LogCapture.h"
@@ -14,7 +14,7 @@ namespace {
 
 using Command = SimulatedDrive::Command;
 
-class PhysicalDrive : public ::testing::Test {
+class PhysicalDriveTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
@@ -25,8 +25,7 @@ protected:
                 reply = {false, 5};
             }
         };
-        ASSERT_TRUE(drive.open(simulated.letter));
-        ASSERT_EQ(drive.readToc().tracks.size(), 1);
+        ASSERT_EQ(readToc().tracks.size(), 1);
         simulated.commands.clear();
     }
 
@@ -51,12 +50,17 @@ protected:
         };
     }
 
+    DiscToc readToc() { return drive.readToc(failure); }
+    QByteArray read(quint32 lba) { return drive.readSector(lba, ReadPurpose::judged); }
+    const ReadFigures& figures() const { return *drive.figures(); }
+
     void wait(int milliseconds) { simulated.sleepMilliseconds(milliseconds); }
 
     SimulatedDrive simulated;
     DriveShim shim{simulated};
     DrivePlatformOverride override{shim};
-    CdDrive drive;
+    PhysicalDrive drive{shim.open(simulated.letter)};
+    DriveFailure failure = DriveFailure::unknown;
     int failures = 0; ///< guarded reads to come that fail
 };
 
@@ -82,55 +86,55 @@ QList<Command> oneSector(Command::Kind read)
 
 } // namespace
 
-TEST_F(PhysicalDrive, EveryRungOfTheLadderCountsTheFailuresBeforeIt)
+TEST_F(PhysicalDriveTest, EveryRungOfTheLadderCountsTheFailuresBeforeIt)
 {
     for (int failed = 0; failed < 35; ++failed) {
         SCOPED_TRACE(failed);
         const quint32 lba = 1000 + 27 * static_cast<quint32>(failed);
         simulated.commands.clear();
         failures = failed;
-        EXPECT_EQ(drive.readSector(lba), truth(lba));
-        EXPECT_EQ(drive.lastRetries(), static_cast<quint32>(failed));
+        EXPECT_EQ(read(lba), truth(lba));
+        EXPECT_EQ(figures().retries, static_cast<quint32>(failed));
         EXPECT_EQ(simulated.commands, ladder(lba, lba - 100, failed + 1));
     }
 }
 
-TEST_F(PhysicalDrive, ThirtyFiveFailuresAndOneAloneGiveUpAndKeepTheCacheAsItWas)
+TEST_F(PhysicalDriveTest, ThirtyFiveFailuresAndOneAloneGiveUpAndKeepTheCacheAsItWas)
 {
-    EXPECT_EQ(drive.readSector(0), truth(0));
+    EXPECT_EQ(read(0), truth(0));
     simulated.commands.clear();
     failures = 36;
-    EXPECT_TRUE(drive.readSector(1000).isEmpty());
-    EXPECT_EQ(drive.lastRetries(), 35U);
-    EXPECT_EQ(drive.lastC2Errors(), 0U);
-    EXPECT_EQ(drive.speedKBs(), 0U);
+    EXPECT_TRUE(read(1000).isEmpty());
+    EXPECT_EQ(figures().retries, 35U);
+    EXPECT_EQ(figures().c2Errors, 0U);
+    EXPECT_EQ(figures().speedKBs, 0U);
     EXPECT_EQ(simulated.commands, ladder(1000, 900, 35) + oneSector(Command::Raw));
     EXPECT_EQ(simulated.count(Command::SeekRead), 20);
     EXPECT_EQ(simulated.count(Command::Sleep), 30);
 
     simulated.commands.clear();
-    EXPECT_EQ(drive.readSector(26), truth(26));
+    EXPECT_EQ(read(26), truth(26));
     EXPECT_TRUE(simulated.commands.isEmpty());
 }
 
-TEST_F(PhysicalDrive, TheSeekGoesDownAboveSectorHundredAndUpBelow)
+TEST_F(PhysicalDriveTest, TheSeekGoesDownAboveSectorHundredAndUpBelow)
 {
     for (const auto& [lba, seek] : {std::pair<quint32, quint32>{101, 1}, {100, 200}, {0, 100}}) {
-        drive.flushDriveCache(2500);
+        drive.flushCache(2500);
         simulated.commands.clear();
         failures = 6;
         EXPECT_EQ(drive.readSectorFresh(lba).isEmpty(), false);
         // The failures fall on the far read that comes first; so does the seek.
         EXPECT_EQ(simulated.count(Command::SeekRead), 2);
-        drive.flushDriveCache(2500);
+        drive.flushCache(2500);
         simulated.commands.clear();
         failures = 6;
-        EXPECT_EQ(drive.readSector(lba), truth(lba));
+        EXPECT_EQ(read(lba), truth(lba));
         EXPECT_EQ(simulated.commands, ladder(lba, seek, 7));
     }
 }
 
-TEST_F(PhysicalDrive, TheOutcomeOfASeekReadDoesNotMatter)
+TEST_F(PhysicalDriveTest, TheOutcomeOfASeekReadDoesNotMatter)
 {
     shim.onRaw = [this](quint32, std::span<quint8>, bool guarded, DriveReply& reply) {
         if (!guarded)
@@ -139,50 +143,49 @@ TEST_F(PhysicalDrive, TheOutcomeOfASeekReadDoesNotMatter)
             reply = {false, 5};
     };
     failures = 10;
-    EXPECT_EQ(drive.readSector(1000), truth(1000));
-    EXPECT_EQ(drive.lastRetries(), 10U);
+    EXPECT_EQ(read(1000), truth(1000));
+    EXPECT_EQ(figures().retries, 10U);
 }
 
-TEST_F(PhysicalDrive, AReadThatComesShortIsAFailedAttempt)
+TEST_F(PhysicalDriveTest, AReadThatComesShortIsAFailedAttempt)
 {
     int shortReads = 2;
     shim.onRaw = [&shortReads](quint32, std::span<quint8> data, bool, DriveReply& reply) {
         if (shortReads-- > 0)
             reply = {true, 5, data.size() - 1};
     };
-    EXPECT_EQ(drive.readSector(1000), truth(1000));
-    EXPECT_EQ(drive.lastRetries(), 2U);
+    EXPECT_EQ(read(1000), truth(1000));
+    EXPECT_EQ(figures().retries, 2U);
 }
 
-TEST_F(PhysicalDrive, ABatchThreeSectorsBeforeTheLeadOutHasThree)
+TEST_F(PhysicalDriveTest, ABatchThreeSectorsBeforeTheLeadOutHasThree)
 {
-    EXPECT_EQ(drive.readSector(2997), truth(2997));
-    EXPECT_EQ(drive.readSector(2999), truth(2999));
-    EXPECT_TRUE(drive.readSector(3000).isEmpty());
-    EXPECT_TRUE(drive.readSector(0xFFFFFFFF).isEmpty());
+    EXPECT_EQ(read(2997), truth(2997));
+    EXPECT_EQ(read(2999), truth(2999));
+    EXPECT_TRUE(read(3000).isEmpty());
+    EXPECT_TRUE(read(0xFFFFFFFF).isEmpty());
     EXPECT_EQ(simulated.commands, (QList<Command>{{Command::Raw, 2997, 3}}));
 }
 
-TEST_F(PhysicalDrive, NoBatchReachesFromAudioIntoTheGapBeforeData)
+TEST_F(PhysicalDriveTest, NoBatchReachesFromAudioIntoTheGapBeforeData)
 {
     simulated.audio = makeAudio(20000, 11);
     simulated.tracks = {{0}, {18000, true, 2}};
-    ASSERT_EQ(drive.readToc().tracks.value(0).endLba, 18000u - 11401);
+    ASSERT_EQ(readToc().tracks.value(0).endLba, 18000u - 11401);
     simulated.commands.clear();
-    EXPECT_TRUE(drive.readSector(6590) == truth(6590));
+    EXPECT_TRUE(read(6590) == truth(6590));
     EXPECT_EQ(simulated.commands, (QList<Command>{{Command::Raw, 6590, 10}}))
         << "the last audio sector is 6599";
-    EXPECT_TRUE(drive.readSector(6599) == truth(6599));
+    EXPECT_TRUE(read(6599) == truth(6599));
     EXPECT_EQ(simulated.commands.size(), 1);
     simulated.commands.clear();
-    drive.close();
-    ASSERT_TRUE(drive.open(simulated.letter));
-    drive.readSector(6590);
+    PhysicalDrive unbounded(simulated.open(simulated.letter));
+    unbounded.readSector(6590, ReadPurpose::judged);
     EXPECT_EQ(simulated.commands.value(0), (Command{Command::Raw, 6590, 27}))
         << "no bound without a table of contents";
 }
 
-TEST_F(PhysicalDrive, ProbeAtTheLeadOutSendsNothing)
+TEST_F(PhysicalDriveTest, ProbeAtTheLeadOutSendsNothing)
 {
     EXPECT_FALSE(drive.probeC2(3000));
     EXPECT_TRUE(simulated.commands.isEmpty());
@@ -190,7 +193,7 @@ TEST_F(PhysicalDrive, ProbeAtTheLeadOutSendsNothing)
     EXPECT_EQ(simulated.commands, (QList<Command>{{Command::RawWithC2, 2997, 3}}));
 }
 
-TEST_F(PhysicalDrive, AProbeThatSucceedsSaysSoInTheLog)
+TEST_F(PhysicalDriveTest, AProbeThatSucceedsSaysSoInTheLog)
 {
     const LogCapture log;
     EXPECT_TRUE(drive.probeC2(0));
@@ -199,7 +202,7 @@ TEST_F(PhysicalDrive, AProbeThatSucceedsSaysSoInTheLog)
     EXPECT_FALSE(drive.c2Enabled()) << "supported is not enabled";
 }
 
-TEST_F(PhysicalDrive, AProbeIsTriedThreeTimesWithoutPauses)
+TEST_F(PhysicalDriveTest, AProbeIsTriedThreeTimesWithoutPauses)
 {
     int failuresLeft = 2;
     shim.onPassThrough = [&failuresLeft](std::span<const quint8>, std::span<quint8>, DriveReply& reply) {
@@ -210,7 +213,7 @@ TEST_F(PhysicalDrive, AProbeIsTriedThreeTimesWithoutPauses)
     EXPECT_EQ(simulated.commands, QList<Command>(3, {Command::RawWithC2, 500, 27}));
 }
 
-TEST_F(PhysicalDrive, AProbeThatFailsLogsTheErrorAndTurnsC2Off)
+TEST_F(PhysicalDriveTest, AProbeThatFailsLogsTheErrorAndTurnsC2Off)
 {
     ASSERT_TRUE(drive.probeC2(0));
     drive.setC2Enabled(true);
@@ -229,13 +232,13 @@ TEST_F(PhysicalDrive, AProbeThatFailsLogsTheErrorAndTurnsC2Off)
     EXPECT_FALSE(drive.c2Enabled());
 }
 
-TEST_F(PhysicalDrive, AProbeWithExactlyHalfOfTheBitsSetPasses)
+TEST_F(PhysicalDriveTest, AProbeWithExactlyHalfOfTheBitsSetPasses)
 {
     setPointers([](quint32) { return 2352 / 2; });
     EXPECT_TRUE(drive.probeC2(0));
 }
 
-TEST_F(PhysicalDrive, AProbeWithOneBitMoreThanHalfIsNotBelieved)
+TEST_F(PhysicalDriveTest, AProbeWithOneBitMoreThanHalfIsNotBelieved)
 {
     setPointers([](quint32 sector) { return 2352 / 2 + (sector == 26 ? 1 : 0); });
     const LogCapture log;
@@ -244,31 +247,24 @@ TEST_F(PhysicalDrive, AProbeWithOneBitMoreThanHalfIsNotBelieved)
               QStringList{QStringLiteral("[CdDrive] C2: values look invalid ( 31753 / 63504 bits set)")});
 }
 
-TEST_F(PhysicalDrive, AClosedDriveIsNotProbed)
-{
-    drive.close();
-    EXPECT_FALSE(drive.probeC2(0));
-    EXPECT_TRUE(simulated.commands.isEmpty());
-}
-
-TEST_F(PhysicalDrive, PointerBitsOfEachSectorGoWithIt)
+TEST_F(PhysicalDriveTest, PointerBitsOfEachSectorGoWithIt)
 {
     ASSERT_TRUE(drive.probeC2(0));
     drive.setC2Enabled(true);
     setPointers([](quint32 sector) { return static_cast<int>(sector) * 7; });
     simulated.commands.clear();
     for (quint32 sector = 0; sector < 27; ++sector) {
-        ASSERT_EQ(drive.readSector(300 + sector), truth(300 + sector));
-        EXPECT_EQ(drive.lastC2Errors(), sector * 7);
+        ASSERT_EQ(read(300 + sector), truth(300 + sector));
+        EXPECT_EQ(figures().c2Errors, sector * 7);
     }
     EXPECT_EQ(simulated.commands, (QList<Command>{{Command::RawWithC2, 300, 27}}));
 
     drive.setC2Enabled(false);
-    EXPECT_EQ(drive.readSector(300 + 5), truth(305));
-    EXPECT_EQ(drive.lastC2Errors(), 0U);
+    EXPECT_EQ(read(300 + 5), truth(305));
+    EXPECT_EQ(figures().c2Errors, 0U);
 }
 
-TEST_F(PhysicalDrive, ReadCdWithC2GoesOutByteByByteIntoAlignedMemory)
+TEST_F(PhysicalDriveTest, ReadCdWithC2GoesOutByteByByteIntoAlignedMemory)
 {
     QByteArray block;
     quintptr misalignment = 1;
@@ -285,7 +281,7 @@ TEST_F(PhysicalDrive, ReadCdWithC2GoesOutByteByByteIntoAlignedMemory)
     EXPECT_EQ(length, 27U * 2646);
 }
 
-TEST_F(PhysicalDrive, TheLadderWithC2SeeksWithPlainReads)
+TEST_F(PhysicalDriveTest, TheLadderWithC2SeeksWithPlainReads)
 {
     ASSERT_TRUE(drive.probeC2(0));
     drive.setC2Enabled(true);
@@ -298,63 +294,74 @@ TEST_F(PhysicalDrive, TheLadderWithC2SeeksWithPlainReads)
         shortReads += reply.ok ? 1 : 0;
     };
     simulated.commands.clear();
-    EXPECT_TRUE(drive.readSector(1000).isEmpty());
+    EXPECT_TRUE(read(1000).isEmpty());
     EXPECT_EQ(simulated.commands, ladder(1000, 900, 35, Command::RawWithC2) + oneSector(Command::RawWithC2));
     EXPECT_EQ(shortReads, 18);
-    EXPECT_EQ(drive.lastRetries(), 35U);
+    EXPECT_EQ(figures().retries, 35U);
 }
 
-TEST_F(PhysicalDrive, SpeedIsTheAverageSinceTheFirstBatch)
+TEST_F(PhysicalDriveTest, SpeedIsTheAverageSinceTheFirstBatch)
 {
     // A batch is 27 * 2352 / 1024 = 62.015625 KiB.
     simulated.commandNanoseconds = 100'000'000;
-    drive.readSector(0);
-    EXPECT_EQ(drive.speedKBs(), 620U) << "62.0156 KiB in 0.1 s";
+    read(0);
+    EXPECT_EQ(figures().speedKBs, 620U) << "62.0156 KiB in 0.1 s";
     wait(100);
-    drive.readSector(5);
-    EXPECT_EQ(drive.speedKBs(), 620U) << "a sector from the cache leaves the figure alone";
-    drive.readSector(27);
-    EXPECT_EQ(drive.speedKBs(), 413U) << "124.03125 KiB in 0.3 s";
+    read(5);
+    EXPECT_EQ(figures().speedKBs, 620U) << "a sector from the cache leaves the figure alone";
+    read(27);
+    EXPECT_EQ(figures().speedKBs, 413U) << "124.03125 KiB in 0.3 s";
     wait(600);
-    drive.readSector(54);
-    EXPECT_EQ(drive.speedKBs(), 186U) << "186.046875 KiB in 1 s";
+    read(54);
+    EXPECT_EQ(figures().speedKBs, 186U) << "186.046875 KiB in 1 s";
 }
 
-TEST_F(PhysicalDrive, FailedAttemptsTakeTimeOfTheSpeed)
+TEST_F(PhysicalDriveTest, FailedAttemptsTakeTimeOfTheSpeed)
 {
     simulated.commandNanoseconds = 100'000'000;
     failures = 4;
-    drive.readSector(0);
-    EXPECT_EQ(drive.speedKBs(), 124U) << "62.0156 KiB in 0.5 s";
+    read(0);
+    EXPECT_EQ(figures().speedKBs, 124U) << "62.0156 KiB in 0.5 s";
 }
 
-TEST_F(PhysicalDrive, AFailedBatchShowsNoSpeedAndCountsNoBytes)
+TEST_F(PhysicalDriveTest, AFailedBatchShowsNoSpeedAndCountsNoBytes)
 {
     simulated.commandNanoseconds = 0;
     failures = 36;
-    drive.readSector(0);
-    EXPECT_EQ(drive.speedKBs(), 0U);
+    read(0);
+    EXPECT_EQ(figures().speedKBs, 0U);
     simulated.commandNanoseconds = 100'000'000;
-    drive.readSector(27);
-    EXPECT_EQ(drive.speedKBs(), 620U) << "the time of the failure lies before the first batch";
+    read(27);
+    EXPECT_EQ(figures().speedKBs, 620U) << "the time of the failure lies before the first batch";
 }
 
-TEST_F(PhysicalDrive, TimingRestartsWhenTheDriveIsClosed)
-{
-    simulated.commandNanoseconds = 100'000'000;
-    drive.readSector(0);
-    wait(10'000);
-    ASSERT_TRUE(drive.open(simulated.letter));
-    drive.readSector(0);
-    EXPECT_EQ(drive.speedKBs(), 620U);
-}
-
-TEST_F(PhysicalDrive, ABatchInNoTimeHasNoSpeedAndAnInstantOneTheLargest)
+TEST_F(PhysicalDriveTest, ABatchInNoTimeHasNoSpeedAndAnInstantOneTheLargest)
 {
     simulated.commandNanoseconds = 0;
-    drive.readSector(0);
-    EXPECT_EQ(drive.speedKBs(), 0U);
+    read(0);
+    EXPECT_EQ(figures().speedKBs, 0U);
     simulated.commandNanoseconds = 1;
-    drive.readSector(27);
-    EXPECT_EQ(drive.speedKBs(), 0xFFFFFFFFU) << "124 KiB in a nanosecond are more than the figure holds";
+    read(27);
+    EXPECT_EQ(figures().speedKBs, 0xFFFFFFFFU) << "124 KiB in a nanosecond are more than the figure holds";
+}
+
+TEST_F(PhysicalDriveTest, ANewDriveStartsItsTimeAnew)
+{
+    simulated.commandNanoseconds = 100'000'000;
+    read(0);
+    wait(10'000);
+    PhysicalDrive other(simulated.open(simulated.letter));
+    other.readSector(0, ReadPurpose::judged);
+    EXPECT_EQ(other.figures()->speedKBs, 620U);
+}
+
+TEST_F(PhysicalDriveTest, TellsWhyThereIsNoTableOfContents)
+{
+    shim.onToc = [](std::span<quint8, 804>, DriveReply& reply) {
+        reply = {false, 5, 0, DriveFailure::notReady};
+    };
+    EXPECT_TRUE(readToc().tracks.isEmpty());
+    EXPECT_EQ(failure, DriveFailure::notReady);
+    EXPECT_TRUE(read(3000).isEmpty());
+    EXPECT_EQ(figures().retries, 0U) << "the bounds of the table before it still hold";
 }

@@ -1,27 +1,14 @@
-// The image half of CdDrive: a CUE sheet with its BIN or WAV file.
+#include "disc/CueDisc.h"
 
 #include "base/ByteOrder.h"
-#include "disc/CdDrive.h"
 #include "disc/CueSheet.h"
-
-#include <QDebug>
-#include <QFileInfo>
-
-#include <algorithm>
+#include "disc/RegularFile.h"
 
 namespace {
 
 // A sheet of ten thousand tracks stays below 2 MiB; an endless file must end.
 constexpr qint64 maxSheetBytes = 16 * 1024 * 1024;
 constexpr int maxRiffChunks = 1 << 20;
-constexpr qint64 imagePieceBytes = 32 * RAW_SECTOR_BYTES; // a system call each
-
-// Devices and pipes could block for ever, so only regular files are opened.
-bool openRegular(QFile& file, const QString& path, QIODevice::OpenMode mode = QIODevice::ReadOnly)
-{
-    file.setFileName(path);
-    return QFileInfo(path).isFile() && file.open(mode);
-}
 
 QByteArray readSheet(const QString& path)
 {
@@ -90,7 +77,7 @@ void buildTracks(DiscToc& disc, const QList<CueEntry>& entries)
 
 } // namespace
 
-DiscToc CdDrive::parseCue(const QString& path)
+DiscToc readCueDisc(const QString& path)
 {
     DiscToc disc;
     disc.isImage = true;
@@ -102,44 +89,4 @@ DiscToc CdDrive::parseCue(const QString& path)
         disc.imageDataOffset = waveDataOffset(sheet.entries.constFirst().file);
     buildTracks(disc, sheet.entries);
     return disc;
-}
-
-bool CdDrive::openCue(const QString& path)
-{
-    if (isBorrowed())
-        return false;
-    close();
-    image = true;
-    imageDisc = parseCue(path);
-    if (imageDisc.tracks.isEmpty()) {
-        qWarning().noquote() << "CdDrive: cue parse failed:" << path;
-        return false;
-    }
-    const QString source = imageDisc.tracks.constFirst().sourceFile;
-    if (!openRegular(imageFile, source, QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        qWarning().noquote() << "CdDrive: cannot open bin:" << source;
-        return false;
-    }
-    driveName = QFileInfo(path).fileName();
-    return true;
-}
-
-QByteArray CdDrive::readImageSector(quint32 lba)
-{
-    const auto position = static_cast<qint64>(quint64{lba} * RAW_SECTOR_BYTES + imageDisc.imageDataOffset);
-    const auto held = [&] {
-        return position >= imagePieceStart
-               && position + RAW_SECTOR_BYTES <= imagePieceStart + imagePiece.size();
-    };
-    if (!held())
-        loadImagePiece(position);
-    return held() ? imagePiece.mid(position - imagePieceStart, RAW_SECTOR_BYTES) : QByteArray();
-}
-
-void CdDrive::loadImagePiece(qint64 position)
-{
-    imagePiece.resize(imagePieceBytes);
-    const bool there = imageFile.isOpen() && imageFile.seek(position);
-    imagePiece.truncate(there ? std::max<qint64>(imageFile.read(imagePiece.data(), imagePieceBytes), 0) : 0);
-    imagePieceStart = position;
 }
