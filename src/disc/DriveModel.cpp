@@ -1,11 +1,12 @@
 #include "disc/DriveModel.h"
 
+#include "disc/PassThroughAlignment.h"
+
 #include <array>
 
 namespace {
 
 constexpr size_t inquiryBytes = 96;
-constexpr size_t passThroughAlignment = 64;
 
 QString cleanText(const QByteArray& text)
 {
@@ -29,7 +30,7 @@ QString driveModelText(DriveDevice& device)
         return {};
 
     constexpr std::array<quint8, 6> inquiry{0x12, 0, 0, 0, inquiryBytes, 0};
-    alignas(passThroughAlignment) std::array<quint8, inquiryBytes> answer{};
+    alignas(PASS_THROUGH_ALIGNMENT) std::array<quint8, inquiryBytes> answer{};
     if (device.passThrough(inquiry, answer).ok) {
         const auto text = reinterpret_cast<const char*>(answer.data());
         const QString vendor = cleanText(QByteArray(text + 8, 8));

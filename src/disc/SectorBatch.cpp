@@ -2,6 +2,7 @@
 
 #include "base/ByteOrder.h"
 #include "disc/DiscModel.h"
+#include "disc/PassThroughAlignment.h"
 
 #include <array>
 #include <bit>
@@ -11,13 +12,11 @@
 
 namespace {
 
-constexpr size_t passThroughAlignment = 64;
-
 quint8* alignedStart(QByteArray& block)
 {
     void* start = block.data();
     auto space = static_cast<size_t>(block.size());
-    return static_cast<quint8*>(std::align(passThroughAlignment, 1, start, space));
+    return static_cast<quint8*>(std::align(PASS_THROUGH_ALIGNMENT, 1, start, space));
 }
 
 } // namespace
@@ -53,7 +52,7 @@ bool readBatchWithC2(DriveDevice& device, quint32 lba, quint32 count, SectorBatc
     command[9] = 0x12; // user data and the 294-byte C2 block
 
     const size_t length = size_t{count} * RAW_PLUS_C2_BYTES;
-    QByteArray block(static_cast<qsizetype>(length + passThroughAlignment), '\0');
+    QByteArray block(static_cast<qsizetype>(length + PASS_THROUGH_ALIGNMENT), '\0');
     quint8* bytes = alignedStart(block);
     reply = device.passThrough(command, {bytes, length});
     if (!reply.delivered(length))

@@ -324,6 +324,7 @@ TEST_F(ColdReadsTest, WithoutATableOfContentsTripsStayWhereSectorsHaveBeenRead)
     cold.makeCold(10, 1, Effort::Once);
     EXPECT_TRUE(drive.commands.isEmpty());
     read(9000);
+    read(20);
     drive.commands.clear();
     cold.makeCold(10, 1, Effort::Once);
     const QList<quint32> far = places();
