@@ -58,7 +58,7 @@ void KnownHoles::settle(quint32 lba)
             continue;
         do {
             ++stretch.first;
-        } while (stretch.first < stretch.end && isHole(stretch.first));
+        } while (isHole(stretch.first));
     }
     stretches.removeIf([](const Stretch& stretch) { return stretch.first >= stretch.end; });
 }

@@ -50,3 +50,10 @@ TEST(FarPlace, StaysInADiscOfOneBatch)
     EXPECT_EQ(farPlace({10, 11}, {300}), 10U);
     EXPECT_EQ(farPlace({0, 0xFFFFFFFF}, {0}) / 0x10000000, 0U);
 }
+
+// 97 places, a thousand sectors apart.
+TEST(FarPlace, IsTheNearestThatIsJustFarEnough)
+{
+    EXPECT_EQ(farPlace({0, 96'000 + 27}, {0}, 4000), 4000U);
+    EXPECT_EQ(farPlace({0, 96'000 + 27}, {96'000}, 4000), 92'000U);
+}

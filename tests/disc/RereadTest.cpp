@@ -188,6 +188,14 @@ TEST_F(FarReads, AreNotMadeForASectorOfABatchThatNobodyWasGiven)
                                                   {Command::Raw, 5001, 27}}));
 }
 
+TEST_F(FarReads, AreNotMadeOnTheWayOverASectorThatWasHandedOut)
+{
+    drive.readSector(4800);
+    simulated.commands.clear();
+    drive.readSectorFresh(5000);
+    EXPECT_EQ(simulated.commands, (QList<Command>{{Command::Raw, 4800, 27}, {Command::Raw, 5000, 27}}));
+}
+
 TEST_F(FarReads, AreOneForASecondWayOverATrack)
 {
     for (quint32 lba = 5000; lba < 6000; ++lba)
