@@ -64,7 +64,7 @@ void ColdReads::handedOut(quint32 lba)
 {
     if (!handed.isEmpty() && handed.constLast().end == lba)
         ++handed.last().end;
-    else if (handed.isEmpty() || lba + 1 != handed.constLast().end)
+    else
         handed.append({lba, lba + 1});
 }
 

@@ -2,6 +2,7 @@
 
 #include "disc/ColdReads.h"
 
+#include "base/ByteOrder.h"
 #include "disc/DiscModel.h"
 #include "support/DiscMaker.h"
 #include "support/SimulatedDrive.h"
@@ -35,18 +36,10 @@ protected:
 
     DriveReply readWithC2(quint32 lba, quint32 count)
     {
-        const std::array<quint8, 12> command{0xBE,
-                                             0x04,
-                                             0,
-                                             0,
-                                             static_cast<quint8>(lba >> 8),
-                                             static_cast<quint8>(lba),
-                                             0,
-                                             0,
-                                             static_cast<quint8>(count),
-                                             0x12,
-                                             0,
-                                             0};
+        std::array<quint8, 12> command{0xBE, 0x04};
+        byteorder::writeBig(command.data() + 2, lba);
+        command[8] = static_cast<quint8>(count);
+        command[9] = 0x12;
         std::vector<quint8> data(size_t{count} * RAW_PLUS_C2_BYTES);
         return cold.passThrough(command, data);
     }
@@ -166,6 +159,21 @@ TEST_F(ColdReadsTest, AFarPlaceIsFarFromWhereTheDriveIsAsWell)
     EXPECT_EQ(far.size(), 1);
     expectFarFrom(far, 0);
     expectFarFrom(far, 19'980);
+}
+
+TEST_F(ColdReadsTest, ATripKeepsAwayFromHoles)
+{
+    cold.handedOut(1000);
+    cold.makeCold(1000, 1, Effort::Once);
+    const quint32 first = places().value(0);
+    cold.holes().add(first + 26);
+    cold.handedOut(1000);
+    read(1000);
+    drive.commands.clear();
+    cold.makeCold(1000, 1, Effort::Once);
+    const QList<quint32> far = places();
+    ASSERT_EQ(far.size(), 1);
+    EXPECT_NE(far[0], first);
 }
 
 TEST_F(ColdReadsTest, ASecondTripGoesElsewhere)

@@ -136,6 +136,15 @@ TEST_F(FarReads, ComeInFrontOfThePrescribedPair)
     EXPECT_EQ(reads().mid(3), (QList<Command>{{Command::Raw, 4800, 27}, {Command::Raw, 5000, 27}}));
 }
 
+TEST_F(FarReads, ComeInFrontOfThePairForAnotherSectorOfTheBatchToo)
+{
+    drive.readSector(5005);
+    simulated.commands.clear();
+    drive.readSectorFresh(5000);
+    ASSERT_EQ(reads().size(), 3 + 2);
+    EXPECT_EQ(reads().mid(3), (QList<Command>{{Command::Raw, 4800, 27}, {Command::Raw, 5000, 27}}));
+}
+
 TEST_F(FarReads, AreThreeForAReadingThatVotes)
 {
     simulated.mechanism.faults = {SectorFault::flaky(5000, 5000, 1)};
