@@ -73,6 +73,14 @@ TEST_P(AbsentDrive, IsAskedOnceForASectorWhenItHasBeenAwayForHalfAMinute)
     EXPECT_LT(simulated.nowNanoseconds() - before, 10 * second);
 }
 
+TEST_P(AbsentDrive, IsAskedThroughTheWholeFirstLadderHoweverLongThatTakes)
+{
+    simulated.commandNanoseconds = second;
+    failure = DriveFailure::notReady;
+    EXPECT_EQ(commandsOf(100), wholeLadder);
+    EXPECT_EQ(commandsOf(200), 1);
+}
+
 TEST_P(AbsentDrive, IsWaitedForWithWholeLaddersUntilThen)
 {
     failure = DriveFailure::notReady;
