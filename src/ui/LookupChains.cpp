@@ -78,13 +78,15 @@ MetaResult sheetChain(const DiscToc& disc)
     return found;
 }
 
-// A future would hand an exception on to the GUI thread, where it ends the program.
-MetaResult missOnException(MetaResult (*chain)(const DiscToc&), const DiscToc& disc)
+// A future hands an exception on to the GUI thread, and what leaves a slot there
+// ends the program.
+template<typename Look>
+auto nothingOnException(const char* message, const Look& look) -> decltype(look())
 {
     try {
-        return chain(disc);
+        return look();
     } catch (const std::exception& trouble) {
-        qWarning() << "[Meta] lookup given up:" << trouble.what();
+        qWarning() << message << trouble.what();
         return {};
     }
 }
@@ -93,12 +95,18 @@ MetaResult missOnException(MetaResult (*chain)(const DiscToc&), const DiscToc& d
 
 MetaResult lookUpDisc(const DiscToc& disc)
 {
-    return missOnException(discChain, disc);
+    return nothingOnException("[Meta] lookup given up:", [&disc] { return discChain(disc); });
 }
 
 MetaResult lookUpSheet(const DiscToc& disc)
 {
-    return missOnException(sheetChain, disc);
+    return nothingOnException("[Meta] lookup given up:", [&disc] { return sheetChain(disc); });
+}
+
+QPixmap coverOfSheet(const DiscToc& sheet)
+{
+    return nothingOnException("[Meta/CUE] cover given up:",
+                              [&sheet] { return CoverArt().fetch(sheet.albumArtist, sheet.albumTitle); });
 }
 
 void stopLookups()

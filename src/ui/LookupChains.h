@@ -24,6 +24,10 @@ MetaResult lookUpDisc(const DiscToc& disc);
 /// MusicBrainz, then iTunes by the sheet's own artist and album; likewise.
 MetaResult lookUpSheet(const DiscToc& disc);
 
+/// The cover that the services have for a sheet's artist and album, or none. Blocks;
+/// throws nothing.
+QPixmap coverOfSheet(const DiscToc& sheet);
+
 /// Ends every lookup and verification under way, and all later ones at once, and
 /// waits for their threads. For the end of the program, while the application
 /// still stands: a thread that makes a picture without it ends the process.

@@ -1,39 +1,34 @@
 #include "ui/MainWindow.h"
 
 #include "base/Language.h"
-#include "base/Settings.h"
 #include "convert/ConvertDialog.h"
-#include "disc/CdDrive.h"
-#include "rip/RipWorker.h"
-#include "ui/AbruptEnd.h"
-#include "ui/DrawThrottle.h"
-#include "ui/LogViewer.h"
+#include "ui/DiscInHand.h"
+#include "ui/MetadataPage.h"
+#include "ui/OutputPage.h"
 #include "ui/PageArea.h"
 #include "ui/PageParts.h"
 #include "ui/ProgramInfo.h"
 #include "ui/Resources.h"
-#include "ui/RipRelay.h"
-#include "ui/SectorMap.h"
+#include "ui/RipPage.h"
+#include "ui/RipSettings.h"
+#include "ui/RunningRips.h"
+#include "ui/SettingsDialog.h"
+#include "ui/SourcePage.h"
 #include "ui/StyleSheet.h"
+#include "ui/TrackTable.h"
+#include "ui/VerifyPage.h"
 
-#include <QComboBox>
-#include <QDeadlineTimer>
-#include <QFile>
-#include <QGuiApplication>
 #include <QLabel>
-#include <QLineEdit>
-#include <QProgressBar>
 #include <QPushButton>
-#include <QRegularExpression>
-#include <QSettings>
-#include <QSpinBox>
 #include <QStackedWidget>
 #include <QStyle>
-#include <QTableWidget>
-#include <QThread>
 #include <QVBoxLayout>
 
 namespace {
+
+constexpr int metadataStep = 2;
+constexpr int ripStep = 3;
+constexpr int verifyStep = 4;
 
 QWidget* bar(const char* objectName, int height)
 {
@@ -43,43 +38,28 @@ QWidget* bar(const char* objectName, int height)
     return made;
 }
 
-/// Shows for its lifetime that the window waits for something.
-class WaitCursor {
-public:
-    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-};
-
-QString whyThereIsNoDisc(DriveFailure failure)
-{
-    switch (failure) {
-    case DriveFailure::becomingReady:
-        return pickLang(
-            "ドライブの準備がまだできていません。少し待ってから Back、Next の順に押してください。",
-            "The drive is still getting ready. Wait a moment, then press Back and Next.");
-    case DriveFailure::notReady:
-        return pickLang("ディスクが入っていないか、ドライブの準備ができていません。"
-                        "ディスクを入れて Back、Next の順に押してください。",
-                        "There is no disc in the drive, or it is not ready. "
-                        "Insert a disc, then press Back and Next.");
-    default:
-        return pickLang("ディスクの目次 (TOC) を読み取れませんでした。音楽 CD かどうか確認してください。",
-                        "The drive could not read the disc's table of contents. Is it an audio CD?");
-    }
-}
-
 } // namespace
 
+struct MainWindow::Rooms {
+    explicit Rooms(MainWindow* window) : rips(window) {}
+
+    RipSettings settings = RipSettings::load();
+    DiscInHand disc{settings};
+    RunningRips rips; ///< go before the disc that they read
+
+    SourcePage* source = new SourcePage(disc);
+    OutputPage* output = new OutputPage(settings);
+    MetadataPage* metadata = new MetadataPage(disc);
+    RipPage* rip = new RipPage(disc, settings, rips);
+    VerifyPage* verify = new VerifyPage;
+};
+
 MainWindow::MainWindow()
-    : drive(std::make_unique<CdDrive>()), namingRule(QLatin1String(settings::defaultNamingRule))
 {
     initResources();
     setWindowTitle(QLatin1String(programinfo::name));
     setMinimumSize(960, 620);
     resize(1100, 680);
-    loadSettings();
 
     auto* central = new QWidget;
     auto* layout = new QVBoxLayout(central);
@@ -88,52 +68,16 @@ MainWindow::MainWindow()
     layout->addWidget(buildTitleBar());
     layout->addWidget(buildStepBar());
     layout->addWidget(pageparts::line());
-    pages = new QStackedWidget;
-    for (QWidget* page :
-         {buildSourcePage(), buildOutputPage(), buildMetadataPage(), buildRipPage(), buildVerifyPage()})
-        pages->addWidget(new PageArea(page));
-    layout->addWidget(pages, 1);
+    layout->addWidget(buildPages(), 1);
     layout->addWidget(buildNavBar());
     setCentralWidget(central);
 
-    counterDrawing = new DrawThrottle([this] { drawCounters(); }, this);
+    connectPages();
     setStyleSheet(styleSheetText());
     goToStep(0);
 }
 
-MainWindow::~MainWindow()
-{
-    for (const RunningRip& rip : runningRips) {
-        rip.relay->close();
-        if (!rip.ended)
-            rip.worker->requestStop();
-        rip.thread->quit();
-    }
-    QDeadlineTimer patience(endPatienceMilliseconds);
-    for (const RunningRip& rip : runningRips) {
-        // An encoder in the middle of a long track, or a drive that hangs, cannot
-        // be asked to stop. The process ends under it, before anything that it
-        // uses is taken away.
-        if (!rip.thread->wait(patience)) {
-            QFile::remove(rip.worker->unfinishedFile());
-            abruptEnd().endProcess();
-            rip.thread->wait();
-        }
-        if (!rip.ended)
-            delete rip.worker;
-    }
-}
-
-void MainWindow::loadSettings()
-{
-    const QSettings store;
-    maxRetries = store.value(QLatin1String(settings::maxRetries), maxRetries).toInt();
-    sampleOffset = store.value(QLatin1String(settings::sampleOffset), sampleOffset).toInt();
-    defaultOutputDir = store.value(QLatin1String(settings::defaultDir), QString()).toString();
-    namingRule = store.value(QLatin1String(settings::namingRule), namingRule).toString();
-    if (namingRule.trimmed().isEmpty())
-        namingRule = QLatin1String(settings::defaultNamingRule);
-}
+MainWindow::~MainWindow() = default;
 
 QWidget* MainWindow::buildTitleBar()
 {
@@ -198,6 +142,32 @@ QWidget* MainWindow::buildNavBar()
     return navBar;
 }
 
+QWidget* MainWindow::buildPages()
+{
+    rooms = std::make_unique<Rooms>(this);
+    pages = new QStackedWidget;
+    for (QWidget* page : std::initializer_list<QWidget*>{rooms->source, rooms->output, rooms->metadata,
+                                                         rooms->rip, rooms->verify})
+        pages->addWidget(new PageArea(page));
+    return pages;
+}
+
+void MainWindow::connectPages()
+{
+    connect(rooms->source, &SourcePage::sheetRead, rooms->metadata, &MetadataPage::showSheet);
+    connect(rooms->source, &SourcePage::resetClicked, this, [this] { reset(); });
+    connect(rooms->output, &OutputPage::browseClicked, this, &MainWindow::onBrowseOutput);
+    connect(rooms->metadata, &MetadataPage::lookupStarted, this, [this] { nextBtn->setEnabled(false); });
+    connect(rooms->metadata, &MetadataPage::lookupEnded, this, [this] {
+        // There only the end of a rip does that.
+        if (currentStep != ripStep)
+            nextBtn->setEnabled(true);
+    });
+    connect(rooms->rip, &RipPage::ripClicked, this, &MainWindow::onRipClicked);
+    connect(&rooms->rips, &RunningRips::finished, this, &MainWindow::onRipFinished);
+    connect(rooms->verify, &VerifyPage::logLine, rooms->rip, &RipPage::appendLog);
+}
+
 void MainWindow::updateStepIndicator()
 {
     for (int step = 0; step < stepCount; ++step) {
@@ -219,15 +189,22 @@ void MainWindow::goToStep(int step)
     backBtn->setEnabled(step > 0);
 
     if (step == metadataStep) {
-        enterMetadata();
+        rooms->metadata->enter(rooms->source->chosen());
         return;
     }
     nextBtn->setText(step == verifyStep ? pickLang("完了", "Finish") : QStringLiteral("Next  ▶"));
     nextBtn->setEnabled(step != ripStep);
     if (step == verifyStep) {
-        rebuildVerifyTable();
+        const DiscToc& disc = rooms->disc.toc;
+        rooms->verify->showTracks(disc.tracks.isEmpty() ? rooms->metadata->tracks()
+                                                        : tracktable::rowsOf(disc));
         startVerify();
     }
+}
+
+void MainWindow::startVerify()
+{
+    rooms->verify->start(rooms->disc.toc);
 }
 
 // To be called before the button that was pressed goes off: its focus would fall
@@ -236,65 +213,16 @@ void MainWindow::goToStep(int step)
 void MainWindow::focusNextAct()
 {
     if (currentStep == 0)
-        (driveCombo->isEnabled() ? static_cast<QWidget*>(driveCombo) : cuePathEdit)->setFocus();
+        rooms->source->focusFirst();
     else if (currentStep == metadataStep)
-        albumEdit->setFocus();
+        rooms->metadata->focusFirst();
     else if (currentStep == ripStep)
-        (ripBtn->isEnabled() ? static_cast<QWidget*>(ripBtn) : logViewer)->setFocus();
-}
-
-QString MainWindow::chosenDriveLetter() const
-{
-    const QString letter = driveCombo->currentData().toString();
-    const QString text = driveCombo->currentText();
-    if (!letter.isEmpty() || text.trimmed().isEmpty())
-        return letter;
-    static const QRegularExpression windowsLetter(QStringLiteral("([A-Z]:)"));
-    return windowsLetter.match(text).captured(1);
-}
-
-// The audio file wins over the CUE sheet, and the CUE sheet over the drive,
-// whatever the order in which they were chosen. A sheet's tracks were filled
-// in when it was picked.
-void MainWindow::enterMetadata()
-{
-    showDriveNotice(QString());
-    const QString letter = chosenDriveLetter();
-    if (!audioPathEdit->text().isEmpty())
-        fillForAudioFile();
-    else if (!letter.isEmpty() && cuePathEdit->text().isEmpty())
-        enterDrive(letter);
-    else if (!cuePathEdit->text().isEmpty() && !disc.tracks.isEmpty())
-        startLookup(LookupChain::sheet);
-}
-
-void MainWindow::enterDrive(const QString& letter)
-{
-    // A rip has it. Its disc is on the page, other than after a reset or an audio file.
-    if (drive->isBorrowed() && !disc.tracks.isEmpty() && !disc.tracks.first().sourceIsAudioFile)
-        return;
-    const WaitCursor cursor;
-    if (!drive->open(letter)) {
-        showDriveNotice(
-            pickLang("ドライブを開けませんでした。使用中でないか、権限があるかを確認してください。",
-                     "The drive could not be opened. Is it in use, or is the permission missing?"));
-        return;
-    }
-    applyDriveOffset();
-    const DiscToc read = drive->readToc();
-    if (read.tracks.isEmpty()) {
-        showDriveNotice(whyThereIsNoDisc(drive->tocFailure()));
-        return;
-    }
-    disc = read;
-    fillTrackTable();
-    startLookup(LookupChain::disc);
+        rooms->rip->focusNextAct();
 }
 
 bool MainWindow::sourceIsAudioFile() const
 {
-    return !audioPathEdit->text().isEmpty() && disc.tracks.size() == 1
-           && disc.tracks.first().sourceIsAudioFile;
+    return rooms->source->chosen().isAudioFile() && rooms->disc.isAudioFile();
 }
 
 void MainWindow::onNext()
@@ -311,24 +239,49 @@ void MainWindow::onBack()
         goToStep(currentStep - 1);
 }
 
+void MainWindow::onRipClicked()
+{
+    const ChosenSource source = rooms->source->chosen();
+    if (!rooms->rip->claimSource(source))
+        return;
+    rooms->metadata->commitTitles();
+    rooms->rip->start({source, rooms->output->folder(), rooms->output->format(), rooms->metadata->album()});
+}
+
+void MainWindow::onRipFinished()
+{
+    nextBtn->setEnabled(true);
+    if (currentStep == ripStep)
+        nextBtn->setFocus();
+    rooms->rip->showResult(sourceIsAudioFile());
+}
+
+void MainWindow::onBrowseOutput()
+{
+    rooms->output->browse();
+}
+
+void MainWindow::onSettingsClicked()
+{
+    auto* dialog = new SettingsDialog(rooms->settings, rooms->disc, this);
+    connect(dialog, &SettingsDialog::folderChanged, rooms->output, &OutputPage::setFolder);
+    connect(dialog, &SettingsDialog::applied, rooms->output, &OutputPage::updatePreview);
+    dialog->exec();
+}
+
+void MainWindow::onConvertClicked()
+{
+    auto* dialog = new ConvertDialog(this);
+    dialog->setModal(true);
+    dialog->show();
+}
+
 void MainWindow::reset()
 {
-    driveCombo->setCurrentIndex(-1);
-    cuePathEdit->clear();
-    audioPathEdit->clear();
-    for (QLineEdit* field : {albumEdit, artistEdit, yearEdit}) {
-        field->clear();
-        field->setPlaceholderText(QString());
-    }
-    trackTable->setRowCount(0);
-    showDriveNotice(QString());
-    coverPixmap = QPixmap();
-    artLabel->setText(QStringLiteral("♪"));
-    discNumberSpin->setValue(1);
-    discTotalSpin->setValue(1);
-    disc = DiscToc();
-    drive->close();
-    resetRipPage();
+    rooms->source->clear();
+    rooms->metadata->clear();
+    rooms->disc.clear();
+    rooms->rip->reset();
 
     pages->setCurrentIndex(0);
     currentStep = 0;
@@ -337,11 +290,4 @@ void MainWindow::reset()
     backBtn->setEnabled(false);
     nextBtn->setText(QStringLiteral("Next  ▶"));
     nextBtn->setEnabled(true);
-}
-
-void MainWindow::onConvertClicked()
-{
-    auto* dialog = new ConvertDialog(this);
-    dialog->setModal(true);
-    dialog->show();
 }

@@ -1,8 +1,9 @@
-#include "ui/MainWindow.h"
+#include "ui/OutputPage.h"
 
 #include "base/Language.h"
 #include "ui/ElidedLabel.h"
 #include "ui/PageParts.h"
+#include "ui/RipSettings.h"
 
 #include <QButtonGroup>
 #include <QComboBox>
@@ -12,7 +13,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QStandardPaths>
 #include <QVBoxLayout>
 
 #include <array>
@@ -47,62 +47,83 @@ QString sampleFileName(QString rule, int number, const QString& artist, const QS
 
 } // namespace
 
-QWidget* MainWindow::buildOutputPage()
+OutputPage::OutputPage(const RipSettings& inForce, QWidget* parent) : QWidget(parent), settings(inForce)
+{
+    formatCombo = new QComboBox(this);
+    formatCombo->hide();
+    auto* layout = pageparts::pageLayout(this, 20);
+    layout->addWidget(pageparts::heading(
+        pickLang("出力先とフォーマットを設定してください", "Choose the output folder and format")));
+    layout->addWidget(buildFolderGroup());
+    layout->addWidget(buildFormatGroup());
+    layout->addWidget(buildPreviewGroup());
+    layout->addStretch();
+    updatePreview();
+}
+
+QGroupBox* OutputPage::buildFolderGroup()
 {
     outputPathEdit = pageparts::lineEdit("pathEdit", pickLang("フォルダを選択...", "Select folder..."));
-    outputPathEdit->setText(folderToStartWith());
-    auto* browse = pageparts::button(pickLang("参照...", "Browse..."), "browseBtn");
-    browse->setFixedWidth(80);
-    connect(browse, &QPushButton::clicked, this, &MainWindow::onBrowseOutput);
+    outputPathEdit->setText(settings.folderToStartWith());
     outputPathEdit->setAccessibleName(pickLang("出力先フォルダ", "Output folder"));
-    browse->setAccessibleName(pickLang("出力先フォルダを選択", "Browse for an output folder"));
-    auto* folderRow = new QHBoxLayout;
-    folderRow->addWidget(outputPathEdit, 1);
-    folderRow->addWidget(browse);
+    auto* browseBtn = pageparts::button(pickLang("参照...", "Browse..."), "browseBtn");
+    browseBtn->setFixedWidth(80);
+    browseBtn->setAccessibleName(pickLang("出力先フォルダを選択", "Browse for an output folder"));
+    connect(browseBtn, &QPushButton::clicked, this, &OutputPage::browseClicked);
 
-    auto* page = new QWidget;
-    formatCombo = new QComboBox(page);
-    formatCombo->hide();
-    auto* formatButtons = new QButtonGroup(page);
-    auto* formats = new QVBoxLayout;
+    auto* row = new QHBoxLayout;
+    row->addWidget(outputPathEdit, 1);
+    row->addWidget(browseBtn);
+    return pageparts::group(pickLang("出力先フォルダ", "Output Folder"), row);
+}
+
+QGroupBox* OutputPage::buildFormatGroup()
+{
+    auto* buttons = new QButtonGroup(this);
+    auto* column = new QVBoxLayout;
     for (const FormatChoice& choice : formatChoices) {
         auto* radio = new QRadioButton(pickLang(choice.japanese, choice.english));
         radio->setObjectName(QStringLiteral("fmtRadio"));
-        formatButtons->addButton(radio, formatCombo->count());
+        buttons->addButton(radio, formatCombo->count());
         formatCombo->addItem(QLatin1String(choice.name));
-        formats->addWidget(radio);
+        column->addWidget(radio);
     }
-    formatButtons->button(0)->setChecked(true);
-    connect(formatButtons, &QButtonGroup::idClicked, this, [this](int id) {
+    buttons->button(0)->setChecked(true);
+    connect(buttons, &QButtonGroup::idClicked, this, [this](int id) {
         formatCombo->setCurrentIndex(id);
-        updateFolderPreview();
+        updatePreview();
     });
+    auto* made = pageparts::group(pickLang("出力フォーマット", "Output Format"), column);
+    column->setSpacing(10);
+    return made;
+}
 
+QGroupBox* OutputPage::buildPreviewGroup()
+{
     folderPreview = new ElidedLabel; // a naming rule may be of any length
     folderPreview->setObjectName(QStringLiteral("previewLabel"));
     folderPreview->setTextFormat(Qt::PlainText);
-    auto* preview = new QVBoxLayout;
-    preview->addWidget(folderPreview);
-
-    auto* layout = pageparts::pageLayout(page, 20);
-    layout->addWidget(pageparts::heading(
-        pickLang("出力先とフォーマットを設定してください", "Choose the output folder and format")));
-    layout->addWidget(pageparts::group(pickLang("出力先フォルダ", "Output Folder"), folderRow));
-    layout->addWidget(pageparts::group(pickLang("出力フォーマット", "Output Format"), formats));
-    formats->setSpacing(10);
-    layout->addWidget(pageparts::group(pickLang("フォルダ構成プレビュー", "Folder Preview"), preview));
-    layout->addStretch();
-    updateFolderPreview();
-    return page;
+    auto* content = new QVBoxLayout;
+    content->addWidget(folderPreview);
+    return pageparts::group(pickLang("フォルダ構成プレビュー", "Folder Preview"), content);
 }
 
-QString MainWindow::folderToStartWith() const
+QString OutputPage::folder() const
 {
-    return defaultOutputDir.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::MusicLocation)
-                                      : defaultOutputDir;
+    return outputPathEdit->text();
 }
 
-void MainWindow::updateFolderPreview()
+void OutputPage::setFolder(const QString& path)
+{
+    outputPathEdit->setText(path);
+}
+
+QString OutputPage::format() const
+{
+    return formatCombo->currentText();
+}
+
+void OutputPage::updatePreview()
 {
     const int chosen = formatCombo->currentIndex();
     const bool known =
@@ -111,20 +132,21 @@ void MainWindow::updateFolderPreview()
     const QString artist = pickLang("アーティスト名", "Artist");
     const QString album = pickLang("アルバム名", "Album");
 
-    folderPreview->setText(
-        pickLang("出力先", "Output folder") + QStringLiteral("\\\n  └─ ") + artist + QStringLiteral(" - ")
-        + album + QStringLiteral("\\\n        ├─ ") + sampleFileName(namingRule, 1, artist, album, extension)
-        + QStringLiteral("\n        ├─ ") + sampleFileName(namingRule, 2, artist, album, extension)
-        + QStringLiteral("\n        └─ cover.jpg\n\n")
-        + pickLang("※ 複数枚組は Disc1\\ Disc2\\ … に分かれます",
-                   "* Multi-disc sets are split into Disc1\\ Disc2\\ …"));
+    folderPreview->setText(pickLang("出力先", "Output folder") + QStringLiteral("\\\n  └─ ") + artist
+                           + QStringLiteral(" - ") + album + QStringLiteral("\\\n        ├─ ")
+                           + sampleFileName(settings.namingRule, 1, artist, album, extension)
+                           + QStringLiteral("\n        ├─ ")
+                           + sampleFileName(settings.namingRule, 2, artist, album, extension)
+                           + QStringLiteral("\n        └─ cover.jpg\n\n")
+                           + pickLang("※ 複数枚組は Disc1\\ Disc2\\ … に分かれます",
+                                      "* Multi-disc sets are split into Disc1\\ Disc2\\ …"));
 }
 
-void MainWindow::onBrowseOutput()
+void OutputPage::browse()
 {
-    const QString folder =
-        QFileDialog::getExistingDirectory(this, pickLang("出力先フォルダを選択", "Select output folder"),
+    const QString chosen =
+        QFileDialog::getExistingDirectory(window(), pickLang("出力先フォルダを選択", "Select output folder"),
                                           outputPathEdit->text(), QFileDialog::ShowDirsOnly);
-    if (!folder.isEmpty())
-        outputPathEdit->setText(folder);
+    if (!chosen.isEmpty())
+        outputPathEdit->setText(chosen);
 }

@@ -1,15 +1,12 @@
 #include "ui/PageParts.h"
 
-#include "disc/DiscModel.h"
 #include "ui/LinkLabel.h"
 
 #include <QGroupBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
 #include <QPushButton>
-#include <QTableWidget>
 #include <QVBoxLayout>
 
 namespace pageparts {
@@ -74,49 +71,9 @@ QVBoxLayout* pageLayout(QWidget* page, int spacing)
     return layout;
 }
 
-QTableWidget* trackTable(const QStringList& headers, int firstWidth, int lastWidth)
-{
-    auto* table = new QTableWidget(0, static_cast<int>(headers.size()));
-    table->setObjectName(QStringLiteral("trackTable"));
-    table->setHorizontalHeaderLabels(headers);
-    table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
-    table->setColumnWidth(0, firstWidth);
-    table->setColumnWidth(2, lastWidth);
-    table->verticalHeader()->setVisible(false);
-    // Tab goes on to the next field; the arrow keys move between cells.
-    table->setTabKeyNavigation(false);
-    return table;
-}
-
-void addTrackRow(QTableWidget* table, const QString& number, const QString& title, const QString& last)
-{
-    const int row = table->rowCount();
-    table->insertRow(row);
-    table->setRowHeight(row, 26);
-    int column = 0;
-    for (const QString& text : {number, title, last})
-        table->setItem(row, column++, new QTableWidgetItem(text));
-}
-
-QString cellText(const QTableWidget* table, int row, int column)
-{
-    const QTableWidgetItem* item = table->item(row, column);
-    return item ? item->text() : QString();
-}
-
 QString twoDigits(int number)
 {
     return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
-}
-
-QString playingTime(int seconds)
-{
-    return QStringLiteral("%1:%2").arg(QString::number(seconds / 60), twoDigits(seconds % 60));
-}
-
-QString shownTitle(const TrackInfo& track)
-{
-    return track.title.isEmpty() ? QStringLiteral("Track %1").arg(track.number) : track.title;
 }
 
 void showCover(QLabel* box, const QPixmap& cover)

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 class QBoxLayout;
 class QFrame;
@@ -11,10 +10,8 @@ class QLayout;
 class QLineEdit;
 class QPixmap;
 class QPushButton;
-class QTableWidget;
 class QVBoxLayout;
 class QWidget;
-struct TrackInfo;
 
 /// The pieces that the wizard's pages are put together from. Object names act
 /// as style classes.
@@ -36,16 +33,7 @@ QGroupBox* group(const QString& title, QBoxLayout* content);
 /// The common frame of a text page: its margins, and the spacing given.
 QVBoxLayout* pageLayout(QWidget* page, int spacing);
 
-/// An empty table of three columns, the middle one taking what room there is.
-QTableWidget* trackTable(const QStringList& headers, int firstWidth, int lastWidth);
-void addTrackRow(QTableWidget* table, const QString& number, const QString& title, const QString& last);
-QString cellText(const QTableWidget* table, int row, int column);
-
 QString twoDigits(int number);
-/// Minutes and two digits of seconds.
-QString playingTime(int seconds);
-/// The title, or "Track 7" for a track without one.
-QString shownTitle(const TrackInfo& track);
 /// Puts the cover into its box, scaled to the box.
 void showCover(QLabel* box, const QPixmap& cover);
 

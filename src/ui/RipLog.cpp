@@ -79,6 +79,15 @@ QString sectorWarning(const SectorResult& sector)
     return {};
 }
 
+void Counters::add(const SectorResult& sector)
+{
+    ++done;
+    if (sector.bad || sector.mismatch)
+        ++errors;
+    else if (!sector.clean)
+        ++suspects;
+}
+
 double Counters::readQuality() const
 {
     double quality = 100.0;

@@ -41,6 +41,7 @@ struct Counters {
     int errors = 0;
     int suspects = 0;
 
+    void add(const SectorResult& sector);
     /// Per cent, never below 0; 100 before the first sector. A sector saved by
     /// re-reading counts as much as a lost one.
     double readQuality() const;

@@ -1,66 +1,33 @@
-#include "ui/MainWindow.h"
+#include "ui/RipPage.h"
 
 #include "base/Language.h"
-#include "disc/CdDrive.h"
 #include "rip/RipWorker.h"
 #include "ui/AlbumFolder.h"
+#include "ui/DiscInHand.h"
 #include "ui/DrawThrottle.h"
 #include "ui/LogViewer.h"
 #include "ui/PageParts.h"
-#include "ui/RipLog.h"
-#include "ui/RipRelay.h"
+#include "ui/PageValues.h"
+#include "ui/RipSettings.h"
+#include "ui/RunningRips.h"
 #include "ui/SectorMap.h"
 #include "verify/AccurateRipDatabase.h"
 
-#include <QComboBox>
 #include <QDateTime>
 #include <QDebug>
 #include <QGridLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
-#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QSpinBox>
-#include <QTableWidget>
-#include <QThread>
-
-#include <algorithm>
 
 namespace {
 
 constexpr int storedQuality = 300; ///< carried along; no run reads it
-constexpr double singleSpeedKBs = 150.0;
 
 QString idleText()
 {
     return pickLang("RIP ボタンで開始", "Press RIP START to begin");
-}
-
-QWidget* statCard(const QString& title, const QString& value)
-{
-    auto* card = new QWidget;
-    card->setObjectName(QStringLiteral("statCard"));
-    auto* layout = new QVBoxLayout(card);
-    layout->setContentsMargins(10, 8, 10, 8);
-    layout->setSpacing(2);
-    layout->addWidget(pageparts::label(title, "statLabel"));
-    layout->addWidget(pageparts::label(value, "statValue"));
-    return card;
-}
-
-void setCardValue(QWidget* card, const QString& value)
-{
-    const auto labels = card->findChildren<QLabel*>();
-    if (labels.size() >= 2)
-        labels[1]->setText(value);
-}
-
-void appendAll(LogViewer* log, const QStringList& lines)
-{
-    for (const QString& line : lines)
-        log->append(line);
 }
 
 OutputFormat formatNamed(const QString& name)
@@ -70,25 +37,37 @@ OutputFormat formatNamed(const QString& name)
     return name == QLatin1String("mp3") ? OutputMp3 : OutputFlac;
 }
 
+QString folderOf(const RipRequest& request, const QString& artist, const QString& album)
+{
+    QString folder = request.outputFolder + QLatin1Char('/') + albumFolderName(artist, album);
+    const auto& [number, total] = std::pair(request.album.discNumber, request.album.discTotal);
+    if (total > 1) {
+        folder += QStringLiteral("/Disc%1").arg(number);
+        qDebug() << "[RIP] Multi-disc: Disc" << number << "of" << total;
+    }
+    return folder;
+}
+
 } // namespace
 
-QWidget* MainWindow::buildRipPage()
+RipPage::RipPage(DiscInHand& inHand, const RipSettings& inForce, RunningRips& running, QWidget* parent)
+    : QWidget(parent), disc(inHand), settings(inForce), rips(running)
 {
-    auto* page = new QWidget;
-    auto* layout = new QHBoxLayout(page);
+    auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(buildMapPane(), 1);
     layout->addWidget(buildStatisticsPane());
-    return page;
+    counterDrawing = new DrawThrottle([this] { drawCounters(); }, this);
+    followRips();
 }
 
-QWidget* MainWindow::buildMapPane()
+QWidget* RipPage::buildMapPane()
 {
     sectorMap = new SectorMap;
     sectorMap->setMinimumHeight(200);
-    logViewer = new LogViewer;
     sectorMap->setAccessibleName(pickLang("セクタマップ", "Sector map"));
+    logViewer = new LogViewer;
 
     auto* pane = new QWidget;
     pane->setObjectName(QStringLiteral("leftPane"));
@@ -102,19 +81,8 @@ QWidget* MainWindow::buildMapPane()
     return pane;
 }
 
-QWidget* MainWindow::buildStatisticsPane()
+QWidget* RipPage::buildStatisticsPane()
 {
-    statQuality = statCard(QStringLiteral("Read Quality"), QStringLiteral("—"));
-    statSuspect = statCard(QStringLiteral("Suspect Sectors"), QStringLiteral("0"));
-    statErrors = statCard(QStringLiteral("Errors"), QStringLiteral("—"));
-    statSpeed = statCard(QStringLiteral("Speed"), QStringLiteral("—"));
-    auto* cards = new QGridLayout;
-    cards->setSpacing(6);
-    cards->addWidget(statQuality, 0, 0);
-    cards->addWidget(statSuspect, 0, 1);
-    cards->addWidget(statErrors, 1, 0);
-    cards->addWidget(statSpeed, 1, 1);
-
     ripProgress = new QProgressBar;
     ripProgress->setObjectName(QStringLiteral("ripProgress"));
     ripProgress->setRange(0, 100);
@@ -126,7 +94,7 @@ QWidget* MainWindow::buildStatisticsPane()
     progressLabel->setWordWrap(true); // some of its texts are longer than the pane is wide
     ripBtn = pageparts::button(QStringLiteral("▶  RIP START"), "ripBtn");
     ripBtn->setFixedHeight(40);
-    connect(ripBtn, &QPushButton::clicked, this, &MainWindow::onRipClicked);
+    connect(ripBtn, &QPushButton::clicked, this, &RipPage::ripClicked);
 
     auto* pane = new QWidget;
     pane->setObjectName(QStringLiteral("rightPane"));
@@ -135,7 +103,7 @@ QWidget* MainWindow::buildStatisticsPane()
     layout->setContentsMargins(12, 20, 20, 20);
     layout->setSpacing(12);
     layout->addWidget(pageparts::label(QStringLiteral("STATISTICS"), "sectionLabel"));
-    layout->addLayout(cards);
+    layout->addLayout(cards.layout());
     layout->addWidget(pageparts::label(QStringLiteral("PROGRESS"), "sectionLabel"));
     layout->addWidget(ripProgress);
     layout->addWidget(progressLabel);
@@ -144,174 +112,127 @@ QWidget* MainWindow::buildStatisticsPane()
     return pane;
 }
 
-void MainWindow::resetRipPage()
+void RipPage::followRips()
 {
-    counterDrawing->cancel();
-    sectorMap->setTotalSectors(0);
-    logViewer->clear();
-    ripProgress->setValue(0);
-    progressLabel->setText(idleText());
-    ripBtn->setEnabled(true);
-    sectorsDone = sectorsTotal = errorSectors = suspectSectors = 0;
-    setCardValue(statQuality, QStringLiteral("—"));
-    setCardValue(statSuspect, QStringLiteral("0"));
-    setCardValue(statErrors, QStringLiteral("0"));
-    setCardValue(statSpeed, QStringLiteral("—"));
+    connect(&rips, &RunningRips::logLine, logViewer, &LogViewer::append);
+    connect(&rips, &RunningRips::statusText, progressLabel, &QLabel::setText);
+    connect(&rips, &RunningRips::sectorDone, this, &RipPage::countSector);
+    connect(&rips, &RunningRips::trackStarted, this, &RipPage::showTrackStart);
+    connect(&rips, &RunningRips::trackDone, this, &RipPage::keepResult);
 }
 
-void MainWindow::onRipClicked()
+bool RipPage::claimSource(const ChosenSource& source)
 {
     // Borrowed from here on, not from the thread's first turn: what the user
     // clicks in between must not close the source under the rip. An audio file may
     // be converted while an earlier rip still has the drive.
-    const bool needsDrive = audioPathEdit->text().isEmpty();
-    if (needsDrive && (disc.tracks.isEmpty() || !drive->borrow())) {
-        logViewer->clear();
-        appendAll(logViewer, riplog::missingSource());
-        ripBtn->setEnabled(true);
-        return;
-    }
-    // An open cell editor commits when its table loses the current item.
-    trackTable->clearFocus();
-    trackTable->setCurrentItem(nullptr);
+    if (source.isAudioFile() || (!disc.toc.tracks.isEmpty() && disc.drive.borrow()))
+        return true;
+    logViewer->clear();
+    appendAll(riplog::missingSource());
+    ripBtn->setEnabled(true);
+    return false;
+}
 
+void RipPage::start(const RipRequest& request)
+{
     logViewer->setFocus(); // a key that is pressed again does no harm there
     ripBtn->setEnabled(false);
-    logViewer->clear();
     ripCrcs.clear();
     ripFrameWindows.clear();
-    writeHeader();
+    emptyDisplay(disc.audioSectors());
+    writeHeader(request);
 
-    counterDrawing->cancel();
-    quint32 expected = 0;
-    for (const TrackInfo& track : disc.tracks) {
-        if (!track.isData)
-            expected += track.endLba - track.startLba + 1;
-    }
-    sectorsTotal = static_cast<qint32>(expected);
-    sectorMap->setTotalSectors(sectorsTotal);
-    ripProgress->setValue(0);
-    sectorsDone = errorSectors = suspectSectors = 0;
-
-    const QString artist = cleanedArtist(artistEdit->text());
-    const QString album = cleanedAlbum(albumEdit->text());
-    QString folder = outputPathEdit->text() + QLatin1Char('/') + albumFolderName(artist, album);
-    if (discTotalSpin->value() > 1) {
-        folder += QStringLiteral("/Disc%1").arg(discNumberSpin->value());
-        qDebug() << "[RIP] Multi-disc: Disc" << discNumberSpin->value() << "of" << discTotalSpin->value();
-    }
+    const QString artist = cleanedArtist(request.album.artist);
+    const QString album = cleanedAlbum(request.album.title);
+    const QString folder = folderOf(request, artist, album);
     logViewer->append(QStringLiteral("Folder : ") + folder);
-    logViewer->append(riplog::cover(!coverPixmap.isNull()));
+    logViewer->append(riplog::cover(!request.album.cover.isNull()));
 
-    mergeTitles();
-    if (needsDrive)
-        drive->setReadOffset(sampleOffset);
-    startRip(folder, artist, album);
+    if (!request.source.isAudioFile())
+        disc.drive.setReadOffset(settings.sampleOffset);
+    rips.start(workerFor(request, artist, album, folder));
 }
 
-void MainWindow::writeHeader()
+void RipPage::emptyDisplay(qint32 sectorsExpected)
 {
-    const QString audioPath = audioPathEdit->text();
+    counterDrawing->cancel();
+    logViewer->clear();
+    ripProgress->setValue(0);
+    counters = {};
+    sectorsTotal = sectorsExpected;
+    sectorMap->setTotalSectors(sectorsTotal);
+}
+
+void RipPage::writeHeader(const RipRequest& request)
+{
+    const ChosenSource& source = request.source;
     riplog::Header header;
     header.startTime = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd  hh:mm:ss"));
-    header.album = albumEdit->text();
-    header.artist = artistEdit->text();
-    header.outputFolder = outputPathEdit->text();
-    header.physicalDrive = !drive->isImage() && audioPath.isEmpty();
-    header.driveModel = driveModel;
-    header.sampleOffset = sampleOffset;
-    header.offsetSource = offsetSource;
-    header.sourcePath = audioPath.isEmpty() ? cuePathEdit->text() : audioPath;
-    header.format = formatCombo->currentText();
-    header.namingRule = namingRule;
-    appendAll(logViewer, riplog::header(header));
+    header.album = request.album.title;
+    header.artist = request.album.artist;
+    header.outputFolder = request.outputFolder;
+    header.physicalDrive = !disc.drive.isImage() && !source.isAudioFile();
+    header.driveModel = disc.driveModel;
+    header.sampleOffset = settings.sampleOffset;
+    header.offsetSource = disc.offsetSource;
+    header.sourcePath = source.isAudioFile() ? source.audioPath : source.cuePath;
+    header.format = request.format;
+    header.namingRule = settings.namingRule;
+    appendAll(riplog::header(header));
 }
 
-void MainWindow::startRip(const QString& folder, const QString& artist, const QString& album)
+std::unique_ptr<RipWorker> RipPage::workerFor(const RipRequest& request, const QString& artist,
+                                              const QString& album, const QString& folder) const
 {
-    const RunningRip rip{new RipWorker, new QThread(this), new RipRelay(this)};
-    rip.worker->moveToThread(rip.thread);
-    rip.worker->configure(drive.get(), disc, folder, artist, album, yearEdit->text(), coverPixmap, QString(),
-                          discNumberSpin->value(), discTotalSpin->value(), storedQuality,
-                          formatNamed(formatCombo->currentText()), audioPathEdit->text(), maxRetries);
-    rip.worker->setNamingRule(namingRule);
-    if (audioPathEdit->text().isEmpty())
-        rip.worker->adoptBorrowedDrive();
-
-    rip.relay->attach(rip.worker);
-    connect(rip.relay, &RipRelay::logLine, logViewer, &LogViewer::append);
-    connect(rip.relay, &RipRelay::statusText, progressLabel, &QLabel::setText);
-    connect(rip.relay, &RipRelay::sectorDone, this, &MainWindow::handleSector);
-    connect(rip.relay, &RipRelay::trackStarted, this, &MainWindow::handleTrackStarted);
-    connect(rip.relay, &RipRelay::trackDone, this, &MainWindow::handleTrackDone);
-    connect(rip.relay, &RipRelay::finished, this, [this, thread = rip.thread] { finishRip(thread); });
-    connect(rip.thread, &QThread::finished, this, [this, thread = rip.thread] { forgetRip(thread); });
-    connect(rip.thread, &QThread::started, rip.worker, &RipWorker::run);
-    connect(rip.thread, &QThread::finished, rip.thread, &QObject::deleteLater);
-    runningRips.push_back(rip);
-    rip.thread->start();
+    const AlbumFields& fields = request.album;
+    auto worker = std::make_unique<RipWorker>();
+    worker->configure(&disc.drive, disc.toc, folder, artist, album, fields.year, fields.cover, QString(),
+                      fields.discNumber, fields.discTotal, storedQuality, formatNamed(request.format),
+                      request.source.audioPath, settings.maxRetries);
+    worker->setNamingRule(settings.namingRule);
+    if (!request.source.isAudioFile())
+        worker->adoptBorrowedDrive();
+    return worker;
 }
 
-void MainWindow::finishRip(QThread* thread)
+void RipPage::appendAll(const QStringList& lines)
 {
-    const QPointer<MainWindow> self(this);
-    onRipFinished();
-    if (!self)
-        return;
-    for (RunningRip& rip : runningRips) {
-        if (rip.thread != thread)
-            continue;
-        rip.ended = true;
-        rip.worker->deleteLater();
-        rip.thread->quit();
-    }
+    for (const QString& line : lines)
+        logViewer->append(line);
 }
 
-void MainWindow::forgetRip(QThread* thread)
+void RipPage::appendLog(const QString& line)
 {
-    std::erase_if(runningRips, [thread](const RunningRip& rip) {
-        if (rip.thread == thread)
-            rip.relay->deleteLater();
-        return rip.thread == thread;
-    });
+    logViewer->append(line);
 }
 
-void MainWindow::handleSector(const SectorResult& sector)
+void RipPage::countSector(const SectorResult& sector)
 {
     sectorMap->addSector(sector);
-    if (sector.bad || sector.mismatch)
-        ++errorSectors;
-    else if (!sector.clean)
-        ++suspectSectors;
+    counters.add(sector);
     const QString warning = riplog::sectorWarning(sector);
     if (!warning.isEmpty())
         logViewer->append(warning);
-    ++sectorsDone;
     lastSpeed = sector.speed;
     counterDrawing->request();
 }
 
-void MainWindow::drawCounters()
+void RipPage::drawCounters()
 {
-    const qint64 progress = sectorsTotal <= 0 ? 0 : qint64{sectorsDone} * 100 / sectorsTotal;
+    const qint64 progress = sectorsTotal <= 0 ? 0 : qint64{counters.done} * 100 / sectorsTotal;
     ripProgress->setValue(static_cast<int>(progress));
-    const riplog::Counters counters{sectorsDone, errorSectors, suspectSectors};
-    setCardValue(statQuality, counters.readQualityText() + QLatin1Char('%'));
-    setCardValue(statSuspect, QString::number(suspectSectors));
-    setCardValue(statErrors, QString::number(errorSectors));
-    setCardValue(statSpeed, lastSpeed > 0
-                                ? QString::number(lastSpeed / singleSpeedKBs, 'f', 1) + QLatin1Char('x')
-                                : QStringLiteral("—"));
+    cards.show(counters, lastSpeed);
 }
 
-void MainWindow::handleTrackStarted(int number, int total, const QString& title)
+void RipPage::showTrackStart(int number, int total, const QString& title)
 {
     progressLabel->setText(
         QStringLiteral("Track %1/%2: %3").arg(QString::number(number), QString::number(total), title));
     logViewer->append(riplog::trackStarted(number, title));
 }
 
-void MainWindow::handleTrackDone(const RipResult& result)
+void RipPage::keepResult(const RipResult& result)
 {
     logViewer->append(riplog::trackDone(result));
     if (!result.ok)
@@ -321,30 +242,39 @@ void MainWindow::handleTrackDone(const RipResult& result)
         ripFrameWindows[result.trackNumber] = result.frameWindow;
 }
 
-void MainWindow::onRipFinished()
+void RipPage::showResult(bool ofAudioFile)
 {
     counterDrawing->flush();
     ripProgress->setValue(100);
     QString summary;
-    if (sourceIsAudioFile()) {
+    if (ofAudioFile) {
         progressLabel->setText(
             pickLang("完了  ✦  変換済み（CD読み取りを伴わないためRead Qualityは対象外です）",
                      "Done  ✦  Converted (no CD was read, so Read Quality does not apply)"));
-        appendAll(logViewer, riplog::audioFileResult());
+        appendAll(riplog::audioFileResult());
         summary = pickLang("変換が完了しました。", "Conversion completed.");
     } else {
-        const riplog::Counters counters{sectorsDone, errorSectors, suspectSectors};
         progressLabel->setText(pickLang("完了  ✦  Read Quality %1%", "Done  ✦  Read Quality %1%")
                                    .arg(counters.readQualityText()));
-        setCardValue(statQuality, counters.readQualityText() + QLatin1Char('%'));
-        appendAll(logViewer, riplog::discResult(counters));
+        cards.showQuality(counters);
+        appendAll(riplog::discResult(counters));
         summary = riplog::discSummary(counters);
     }
     ripBtn->setEnabled(false);
-    nextBtn->setEnabled(true);
-    if (currentStep == ripStep)
-        nextBtn->setFocus();
-    QMessageBox::information(this, pickLang("リッピング完了", "Rip Complete"),
+    QMessageBox::information(window(), pickLang("リッピング完了", "Rip Complete"),
                              pickLang("リッピングが完了しました。\n\n", "Ripping is complete.\n\n")
                                  + summary);
+}
+
+void RipPage::focusNextAct()
+{
+    (ripBtn->isEnabled() ? static_cast<QWidget*>(ripBtn) : logViewer)->setFocus();
+}
+
+void RipPage::reset()
+{
+    emptyDisplay(0);
+    progressLabel->setText(idleText());
+    ripBtn->setEnabled(true);
+    cards.clear();
 }

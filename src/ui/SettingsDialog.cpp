@@ -1,35 +1,25 @@
-#include "ui/MainWindow.h"
+#include "ui/SettingsDialog.h"
 
 #include "base/Language.h"
-#include "base/Settings.h"
 #include "metadata/http/ServiceHosts.h"
 #include "ui/AboutPage.h"
+#include "ui/DiscInHand.h"
 #include "ui/PageParts.h"
 #include "ui/ProgramInfo.h"
 #include "ui/Restart.h"
+#include "ui/RipSettings.h"
 #include "ui/StyleSheet.h"
 
 #include <QComboBox>
-#include <QDialog>
 #include <QFileDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSettings>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
-
-/// The controls of the Settings tab that OK reads.
-struct MainWindow::SettingsFields {
-    QSpinBox* retries = nullptr;
-    QSpinBox* offset = nullptr;
-    QLineEdit* folder = nullptr;
-    QLineEdit* rule = nullptr;
-    QComboBox* language = nullptr;
-};
 
 namespace {
 
@@ -102,149 +92,154 @@ QComboBox* languageCombo()
 
 } // namespace
 
-QGroupBox* MainWindow::buildReadSettings(SettingsFields& fields)
+SettingsDialog::SettingsDialog(RipSettings& inForce, DiscInHand& inHand, QWidget* parent)
+    : QDialog(parent), settings(inForce), disc(inHand)
 {
-    fields.retries = spinBox(1, 100, maxRetries);
-    fields.offset = spinBox(-2000, 2000, sampleOffset);
-    fields.offset->setSuffix(QStringLiteral(" samples"));
-    auto* driveNote = note(driveModel.isEmpty() ? pickLang("（CDドライブを選んで②へ進むと表示されます）",
-                                                           "(shown after selecting a CD drive)")
-                                                : driveModel + QStringLiteral("   ") + offsetSource);
+    setWindowTitle(QStringLiteral("Settings — ") + QLatin1String(programinfo::name));
+    setMinimumSize(560, 700);
+    setModal(true);
+    setStyleSheet(styleSheetText() + settingsStyleSheetText());
+
+    auto* tabs = new QTabWidget;
+    tabs->setObjectName(QStringLiteral("settingsTabs"));
+    tabs->addTab(buildSettingsTab(), QStringLiteral("Settings"));
+    tabs->addTab(buildAboutPage(), QStringLiteral("About"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(tabs, 1);
+    layout->addWidget(buildNavBar());
+}
+
+QWidget* SettingsDialog::buildSettingsTab()
+{
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(24, 20, 24, 20);
+    layout->setSpacing(16);
+    layout->addWidget(buildReadSettings());
+    layout->addWidget(buildOutputSettings());
+    layout->addWidget(buildLanguageSettings());
+    layout->addStretch();
+    return page;
+}
+
+QGroupBox* SettingsDialog::buildReadSettings()
+{
+    retries = spinBox(1, 100, settings.maxRetries);
+    offset = spinBox(-2000, 2000, settings.sampleOffset);
+    offset->setSuffix(QStringLiteral(" samples"));
+    auto* driveNote =
+        note(disc.driveModel.isEmpty() ? pickLang("（CDドライブを選んで②へ進むと表示されます）",
+                                                  "(shown after selecting a CD drive)")
+                                       : disc.driveModel + QStringLiteral("   ") + disc.offsetSource);
 
     auto* grid = settingsGrid();
-    addField(grid, 0, QStringLiteral("Max retries / sector"), fields.retries);
-    addField(grid, 1, QStringLiteral("Sample offset"), fields.offset);
+    addField(grid, 0, QStringLiteral("Max retries / sector"), retries);
+    addField(grid, 1, QStringLiteral("Sample offset"), offset);
     grid->addWidget(pageparts::label(QStringLiteral("Drive"), "formLabel"), 2, 0);
     grid->addWidget(driveNote, 2, 1);
     grid->addWidget(driveListNote(), 3, 1);
     return settingsGroup(QStringLiteral("Read Settings"), grid);
 }
 
-QGroupBox* MainWindow::buildOutputSettings(SettingsFields& fields)
+QGroupBox* SettingsDialog::buildOutputSettings()
 {
-    auto* folder = pageparts::lineEdit("pathEdit");
-    folder->setText(folderToStartWith());
-    fields.folder = folder;
-    fields.rule = pageparts::lineEdit("pathEdit");
-    fields.rule->setText(namingRule);
-
-    const QString pickerTitle = QStringLiteral("Select folder");
-    auto* browse = pageparts::button(QStringLiteral("..."), "browseBtn");
-    browse->setFixedWidth(40);
-    browse->setAccessibleName(pickerTitle);
-    connect(browse, &QPushButton::clicked, this, [this, folder, pickerTitle] {
-        const QString chosen =
-            QFileDialog::getExistingDirectory(this, pickerTitle, folder->text(), QFileDialog::ShowDirsOnly);
-        if (!chosen.isEmpty())
-            folder->setText(chosen);
-    });
+    folder = pageparts::lineEdit("pathEdit");
+    folder->setText(settings.folderToStartWith());
+    rule = pageparts::lineEdit("pathEdit");
+    rule->setText(settings.namingRule);
 
     auto* grid = settingsGrid();
-    addField(grid, 0, QStringLiteral("Default output folder"), fields.folder, browse);
-    addField(grid, 1, QStringLiteral("Naming rule"), fields.rule);
+    addField(grid, 0, QStringLiteral("Default output folder"), folder, buildFolderButton());
+    addField(grid, 1, QStringLiteral("Naming rule"), rule);
     grid->addWidget(note(QStringLiteral("Variables: {track} {title} {artist} {album} {year}")), 2, 1);
     return settingsGroup(QStringLiteral("Output Settings"), grid);
 }
 
-QWidget* MainWindow::buildSettingsTab(SettingsFields& fields)
+QWidget* SettingsDialog::buildFolderButton()
 {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(24, 20, 24, 20);
-    layout->setSpacing(16);
-    layout->addWidget(buildReadSettings(fields));
-    layout->addWidget(buildOutputSettings(fields));
-    fields.language = languageCombo();
+    const QString pickerTitle = QStringLiteral("Select folder");
+    auto* browse = pageparts::button(QStringLiteral("..."), "browseBtn");
+    browse->setFixedWidth(40);
+    browse->setAccessibleName(pickerTitle);
+    connect(browse, &QPushButton::clicked, this, [this, pickerTitle] {
+        const QString chosen = QFileDialog::getExistingDirectory(parentWidget(), pickerTitle, folder->text(),
+                                                                 QFileDialog::ShowDirsOnly);
+        if (!chosen.isEmpty())
+            folder->setText(chosen);
+    });
+    return browse;
+}
+
+QGroupBox* SettingsDialog::buildLanguageSettings()
+{
+    language = languageCombo();
     auto* grid = settingsGrid();
-    addField(grid, 0, pickLang("表示言語", "Display language"), fields.language);
-    layout->addWidget(settingsGroup(QStringLiteral("Language / 言語"), grid));
-    layout->addStretch();
-    return page;
+    addField(grid, 0, pickLang("表示言語", "Display language"), language);
+    return settingsGroup(QStringLiteral("Language / 言語"), grid);
 }
 
-void MainWindow::applySettings(const SettingsFields& fields)
+QWidget* SettingsDialog::buildNavBar()
 {
-    QSettings store;
-    maxRetries = fields.retries->value();
-    if (fields.offset->value() != sampleOffset && !driveModel.isEmpty()) {
-        const QString key = driveOffsetKey(driveModel);
-        const QString source = QStringLiteral("set in Settings");
-        store.setValue(key + QStringLiteral("/offset"), fields.offset->value());
-        store.setValue(key + QStringLiteral("/source"), source);
-        offsetSource = QLatin1Char('(') + source + QLatin1Char(')');
-    }
-    sampleOffset = fields.offset->value();
-
-    const QString folder = fields.folder->text().trimmed();
-    if (folder != defaultOutputDir && !folder.isEmpty()) {
-        defaultOutputDir = folder;
-        outputPathEdit->setText(folder);
-    }
-    namingRule = fields.rule->text().trimmed();
-    if (namingRule.isEmpty())
-        namingRule = QLatin1String(settings::defaultNamingRule);
-
-    store.setValue(QLatin1String(settings::maxRetries), maxRetries);
-    store.setValue(QLatin1String(settings::sampleOffset), sampleOffset);
-    store.setValue(QLatin1String(settings::defaultDir), defaultOutputDir);
-    store.setValue(QLatin1String(settings::namingRule), namingRule);
-    updateFolderPreview();
-}
-
-void MainWindow::acceptSettings(const SettingsFields& fields, QDialog* dialog)
-{
-    applySettings(fields);
-    const int mode = fields.language->currentData().toInt();
-    const bool modeChanged = mode != languageMode();
-    if (modeChanged)
-        setLanguageMode(mode);
-    dialog->accept();
-    if (!modeChanged)
-        return;
-    const auto answer = QMessageBox::question(
-        this, pickLang("表示言語の変更", "Display Language"),
-        pickLang("表示言語の変更は、アプリの再起動後に反映されます。\n今すぐ再起動しますか？",
-                 "The new display language will be applied after restarting.\nRestart now?"),
-        QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
-    if (answer == QMessageBox::Yes)
-        restartProgram();
-}
-
-void MainWindow::onSettingsClicked()
-{
-    auto* dialog = new QDialog(this);
-    dialog->setWindowTitle(QStringLiteral("Settings — ") + QLatin1String(programinfo::name));
-    dialog->setMinimumSize(560, 700);
-    dialog->setModal(true);
-    dialog->setStyleSheet(styleSheet() + settingsStyleSheetText());
-
-    SettingsFields fields;
-    auto* tabs = new QTabWidget;
-    tabs->setObjectName(QStringLiteral("settingsTabs"));
-    tabs->addTab(buildSettingsTab(fields), QStringLiteral("Settings"));
-    tabs->addTab(buildAboutPage(), QStringLiteral("About"));
-
-    auto* navBar = new QWidget;
+    auto* navBar = new QWidget(this);
     navBar->setObjectName(QStringLiteral("navBar"));
     navBar->setFixedHeight(52);
     auto* cancel = pageparts::button(QStringLiteral("Cancel"), "backBtn");
     auto* ok = pageparts::button(QStringLiteral("OK"), "nextBtn");
     cancel->setFixedSize(90, 32);
     ok->setFixedSize(90, 32);
-    connect(cancel, &QPushButton::clicked, dialog, &QDialog::reject);
-    connect(ok, &QPushButton::clicked, dialog, [this, fields, dialog] { acceptSettings(fields, dialog); });
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(ok, &QPushButton::clicked, this, &SettingsDialog::acceptSettings);
     auto* row = new QHBoxLayout(navBar);
     row->setContentsMargins(20, 0, 20, 0);
     row->addStretch();
     row->addWidget(cancel);
     row->addWidget(ok);
-
-    auto* layout = new QVBoxLayout(dialog);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(tabs, 1);
-    layout->addWidget(navBar);
     // A button is nobody's default before it has its dialog.
     ok->setDefault(true);
-    dialog->exec();
+    return navBar;
+}
+
+void SettingsDialog::applySettings()
+{
+    settings.maxRetries = retries->value();
+    if (offset->value() != settings.sampleOffset && !disc.driveModel.isEmpty())
+        disc.storeOwnOffset(offset->value());
+    settings.sampleOffset = offset->value();
+    takeFolder(folder->text().trimmed());
+    settings.setNamingRule(rule->text().trimmed());
+    settings.store();
+    Q_EMIT applied();
+}
+
+void SettingsDialog::takeFolder(const QString& path)
+{
+    if (path.isEmpty() || path == settings.defaultFolder)
+        return;
+    settings.defaultFolder = path;
+    Q_EMIT folderChanged(path);
+}
+
+void SettingsDialog::acceptSettings()
+{
+    applySettings();
+    const int mode = language->currentData().toInt();
+    const bool modeChanged = mode != languageMode();
+    if (modeChanged)
+        setLanguageMode(mode);
+    accept();
+    if (modeChanged)
+        askForRestart();
+}
+
+void SettingsDialog::askForRestart()
+{
+    const auto answer = QMessageBox::question(
+        parentWidget(), pickLang("表示言語の変更", "Display Language"),
+        pickLang("表示言語の変更は、アプリの再起動後に反映されます。\n今すぐ再起動しますか？",
+                 "The new display language will be applied after restarting.\nRestart now?"),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+    if (answer == QMessageBox::Yes)
+        restartProgram();
 }

@@ -1,23 +1,17 @@
-#include "ui/MainWindow.h"
+#include "ui/SourcePage.h"
 
 #include "base/Language.h"
-#include "base/Settings.h"
-#include "disc/CdDrive.h"
-#include "metadata/lookup/CoverArt.h"
+#include "ui/DiscInHand.h"
 #include "ui/PageParts.h"
 
 #include <QComboBox>
-#include <QDebug>
 #include <QFileDialog>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSettings>
-#include <QTableWidget>
-
-#include <exception>
+#include <QRegularExpression>
 
 namespace {
 
@@ -31,68 +25,7 @@ QHBoxLayout* pathRow(QLineEdit* field, QPushButton* browse)
     return row;
 }
 
-/// The cover that the services have for a sheet, or none.
-QPixmap coverOfSheet(const DiscToc& sheet)
-{
-    // What leaves a slot ends the program.
-    try {
-        return CoverArt().fetch(sheet.albumArtist, sheet.albumTitle);
-    } catch (const std::exception& trouble) {
-        qWarning() << "[Meta/CUE] cover given up:" << trouble.what();
-        return {};
-    }
-}
-
-} // namespace
-
-QWidget* MainWindow::buildSourcePage()
-{
-    driveCombo = new QComboBox;
-    driveCombo->setObjectName(QStringLiteral("driveCombo"));
-    auto* refresh = pageparts::button(QStringLiteral("↺"), "browseBtn");
-    refresh->setFixedWidth(36);
-    refresh->setToolTip(QStringLiteral("Refresh CD drives"));
-    refresh->setAccessibleName(pickLang("CD ドライブを再検出", "Refresh CD drives"));
-    driveCombo->setAccessibleName(pickLang("CD ドライブ", "CD drive"));
-    connect(refresh, &QPushButton::clicked, this, [this] { refreshDrives(); });
-    auto* driveRow = new QHBoxLayout;
-    driveRow->addWidget(new QLabel(QStringLiteral("Drive:")));
-    driveRow->addWidget(driveCombo, 1);
-    driveRow->addWidget(refresh);
-
-    cuePathEdit = pageparts::lineEdit("pathEdit", QStringLiteral("Select .cue file..."));
-    auto* browseCue = pageparts::button(QStringLiteral("Browse..."), "browseBtn");
-    connect(browseCue, &QPushButton::clicked, this, [this] { pickCue(); });
-    cuePathEdit->setAccessibleName(pickLang("CUE シート", "CUE sheet"));
-    browseCue->setAccessibleName(pickLang("CUE シートを選択", "Browse for a CUE sheet"));
-
-    audioPathEdit = pageparts::lineEdit("pathEdit", QStringLiteral("Select audio file..."));
-    auto* browseAudio = pageparts::button(QStringLiteral("Browse..."), "browseBtn");
-    connect(browseAudio, &QPushButton::clicked, this, [this] { pickAudio(); });
-    audioPathEdit->setAccessibleName(pickLang("音声ファイル", "Audio file"));
-    browseAudio->setAccessibleName(pickLang("音声ファイルを選択", "Browse for an audio file"));
-
-    auto* resetBtn =
-        pageparts::button(pickLang("⟳  Reset — 最初からやり直す", "⟳  Reset — Start over"), "resetBtn");
-    resetBtn->setFixedHeight(36);
-    connect(resetBtn, &QPushButton::clicked, this, [this] { reset(); });
-
-    auto* page = new QWidget;
-    auto* layout = pageparts::pageLayout(page, 20);
-    layout->addWidget(pageparts::heading(pickLang("ソースを選択してください", "Select a source")));
-    layout->addWidget(pageparts::group(pickLang("CD ドライブ", "CD Drive"), driveRow));
-    layout->addWidget(pageparts::group(QStringLiteral("CUE/BIN File  ( CD drive not required )"),
-                                       pathRow(cuePathEdit, browseCue)));
-    layout->addWidget(pageparts::group(QStringLiteral("Audio File  ( CD drive not required )"),
-                                       pathRow(audioPathEdit, browseAudio)));
-    layout->addWidget(buildReadModeGroup());
-    layout->addWidget(resetBtn);
-    layout->addStretch();
-    refreshDrives();
-    return page;
-}
-
-QWidget* MainWindow::buildReadModeGroup()
+QGroupBox* buildReadModeGroup()
 {
     auto* content = new QVBoxLayout;
     content->addWidget(pageparts::label(QStringLiteral("High Accuracy Mode (Recommended)\n"
@@ -102,7 +35,67 @@ QWidget* MainWindow::buildReadModeGroup()
     return pageparts::group(QStringLiteral("Read Mode"), content);
 }
 
-void MainWindow::refreshDrives()
+} // namespace
+
+SourcePage::SourcePage(DiscInHand& inHand, QWidget* parent) : QWidget(parent), disc(inHand)
+{
+    auto* resetBtn =
+        pageparts::button(pickLang("⟳  Reset — 最初からやり直す", "⟳  Reset — Start over"), "resetBtn");
+    resetBtn->setFixedHeight(36);
+    connect(resetBtn, &QPushButton::clicked, this, &SourcePage::resetClicked);
+
+    auto* layout = pageparts::pageLayout(this, 20);
+    layout->addWidget(pageparts::heading(pickLang("ソースを選択してください", "Select a source")));
+    layout->addWidget(buildDriveGroup());
+    layout->addWidget(buildSheetGroup());
+    layout->addWidget(buildAudioGroup());
+    layout->addWidget(buildReadModeGroup());
+    layout->addWidget(resetBtn);
+    layout->addStretch();
+    refreshDrives();
+}
+
+QGroupBox* SourcePage::buildDriveGroup()
+{
+    driveCombo = new QComboBox;
+    driveCombo->setObjectName(QStringLiteral("driveCombo"));
+    driveCombo->setAccessibleName(pickLang("CD ドライブ", "CD drive"));
+    auto* refresh = pageparts::button(QStringLiteral("↺"), "browseBtn");
+    refresh->setFixedWidth(36);
+    refresh->setToolTip(QStringLiteral("Refresh CD drives"));
+    refresh->setAccessibleName(pickLang("CD ドライブを再検出", "Refresh CD drives"));
+    connect(refresh, &QPushButton::clicked, this, [this] { refreshDrives(); });
+
+    auto* row = new QHBoxLayout;
+    row->addWidget(new QLabel(QStringLiteral("Drive:")));
+    row->addWidget(driveCombo, 1);
+    row->addWidget(refresh);
+    return pageparts::group(pickLang("CD ドライブ", "CD Drive"), row);
+}
+
+QGroupBox* SourcePage::buildSheetGroup()
+{
+    cuePathEdit = pageparts::lineEdit("pathEdit", QStringLiteral("Select .cue file..."));
+    cuePathEdit->setAccessibleName(pickLang("CUE シート", "CUE sheet"));
+    auto* browse = pageparts::button(QStringLiteral("Browse..."), "browseBtn");
+    browse->setAccessibleName(pickLang("CUE シートを選択", "Browse for a CUE sheet"));
+    connect(browse, &QPushButton::clicked, this, [this] { pickCue(); });
+    return pageparts::group(QStringLiteral("CUE/BIN File  ( CD drive not required )"),
+                            pathRow(cuePathEdit, browse));
+}
+
+QGroupBox* SourcePage::buildAudioGroup()
+{
+    audioPathEdit = pageparts::lineEdit("pathEdit", QStringLiteral("Select audio file..."));
+    audioPathEdit->setAccessibleName(pickLang("音声ファイル", "Audio file"));
+    auto* browse = pageparts::button(QStringLiteral("Browse..."), "browseBtn");
+    browse->setAccessibleName(pickLang("音声ファイルを選択", "Browse for an audio file"));
+    connect(browse, &QPushButton::clicked, this, [this] { pickAudio(); });
+    return pageparts::group(QStringLiteral("Audio File  ( CD drive not required )"),
+                            pathRow(audioPathEdit, browse));
+}
+
+void SourcePage::refreshDrives()
 {
     driveCombo->clear();
     driveCombo->setEnabled(true);
@@ -118,38 +111,22 @@ void MainWindow::refreshDrives()
     driveCombo->setCurrentIndex(0);
 }
 
-void MainWindow::pickCue()
+void SourcePage::pickCue()
 {
-    const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Select CUE file"), QString(),
+    const QString path = QFileDialog::getOpenFileName(window(), QStringLiteral("Select CUE file"), QString(),
                                                       QStringLiteral("CUE Sheet (*.cue)"));
     if (path.isEmpty())
         return;
     cuePathEdit->setText(path);
     driveCombo->setCurrentIndex(-1);
-    if (!drive->openCue(path))
-        return;
-
-    const DiscToc read = drive->readToc();
-    if (!read.albumTitle.isEmpty())
-        albumEdit->setText(read.albumTitle);
-    if (!read.albumArtist.isEmpty())
-        artistEdit->setText(read.albumArtist);
-    if (!read.albumYear.isEmpty())
-        yearEdit->setText(read.albumYear);
-    trackTable->setRowCount(0);
-    for (const TrackInfo& track : read.tracks)
-        pageparts::addTrackRow(trackTable, pageparts::twoDigits(track.number), track.title,
-                               pageparts::playingTime(track.seconds));
-    disc = read;
-    coverPixmap = coverOfSheet(read);
-    if (!coverPixmap.isNull())
-        pageparts::showCover(artLabel, coverPixmap);
+    if (disc.openSheet(path))
+        Q_EMIT sheetRead();
 }
 
-void MainWindow::pickAudio()
+void SourcePage::pickAudio()
 {
     const QString path = QFileDialog::getOpenFileName(
-        this, QStringLiteral("Select audio file"), QString(),
+        window(), QStringLiteral("Select audio file"), QString(),
         QStringLiteral(
             "Audio Files (*.wav *.aiff *.aif *.mp3 *.flac *.aac *.m4a *.ogg *.opus *.wv *.dsf *.dff)"));
     if (path.isEmpty())
@@ -159,20 +136,29 @@ void MainWindow::pickAudio()
     cuePathEdit->clear();
 }
 
-void MainWindow::applyDriveOffset()
+QString SourcePage::driveLetter() const
 {
-    driveModel = drive->queryModel();
-    if (driveModel.isEmpty()) {
-        offsetSource = QStringLiteral("(drive model unknown - Settings value)");
-        return;
-    }
-    const QSettings store;
-    const QString key = driveOffsetKey(driveModel);
-    if (!store.contains(key + QStringLiteral("/offset"))) {
-        offsetSource = QStringLiteral("(Settings value)");
-        return;
-    }
-    sampleOffset = store.value(key + QStringLiteral("/offset")).toInt();
-    const QString source = store.value(key + QStringLiteral("/source"), QStringLiteral("saved")).toString();
-    offsetSource = QLatin1Char('(') + source + QLatin1Char(')');
+    const QString letter = driveCombo->currentData().toString();
+    const QString text = driveCombo->currentText();
+    if (!letter.isEmpty() || text.trimmed().isEmpty())
+        return letter;
+    static const QRegularExpression windowsLetter(QStringLiteral("([A-Z]:)"));
+    return windowsLetter.match(text).captured(1);
+}
+
+ChosenSource SourcePage::chosen() const
+{
+    return {driveLetter(), cuePathEdit->text(), audioPathEdit->text()};
+}
+
+void SourcePage::focusFirst()
+{
+    (driveCombo->isEnabled() ? static_cast<QWidget*>(driveCombo) : cuePathEdit)->setFocus();
+}
+
+void SourcePage::clear()
+{
+    driveCombo->setCurrentIndex(-1);
+    cuePathEdit->clear();
+    audioPathEdit->clear();
 }

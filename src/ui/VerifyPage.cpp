@@ -1,25 +1,29 @@
-#include "ui/MainWindow.h"
+#include "ui/VerifyPage.h"
 
 #include "base/Language.h"
+#include "disc/DiscModel.h"
+#include "ui/Background.h"
 #include "ui/ColouredCells.h"
-#include "ui/LogViewer.h"
 #include "ui/PageParts.h"
 #include "ui/RipLog.h"
+#include "ui/TrackTable.h"
 #include "verify/AccurateRipDatabase.h"
 
-#include <QFutureWatcher>
 #include <QLabel>
 #include <QProgressBar>
 #include <QTableWidget>
-#include <QThreadPool>
 #include <QVBoxLayout>
-#include <QtConcurrentRun>
 
 #include <algorithm>
 
 namespace {
 
 constexpr int resultColumn = 2;
+
+QString undecided()
+{
+    return QStringLiteral("—");
+}
 
 void setResultColumn(QTableWidget* table, const QString& text)
 {
@@ -82,7 +86,7 @@ DiscText textOf(int matched, qsizetype audioTracks, int lowestConfidence)
 
 } // namespace
 
-QWidget* MainWindow::buildVerifyPage()
+VerifyPage::VerifyPage(QWidget* parent) : QWidget(parent)
 {
     verifyProgress = new QProgressBar;
     verifyProgress->setObjectName(QStringLiteral("ripProgress"));
@@ -91,27 +95,13 @@ QWidget* MainWindow::buildVerifyPage()
     verifyProgress->setFixedHeight(4);
     verifyProgress->setAccessibleName(pickLang("照合の進行状況", "Progress of the verification"));
 
-    verifyResult = pageparts::label(pickLang("照合待機中...", "Waiting to verify..."), "verifyResult");
-    verifyResult->setAlignment(Qt::AlignCenter);
-    verifyDetail = pageparts::label(QString(), "verifyDetail");
-    verifyDetail->setAlignment(Qt::AlignCenter);
-    verifyDetail->setWordWrap(true);
-    auto* verifyBox = new QWidget;
-    verifyBox->setObjectName(QStringLiteral("verifyBox"));
-    auto* boxLayout = new QVBoxLayout(verifyBox);
-    boxLayout->setContentsMargins(24, 24, 24, 24);
-    boxLayout->setSpacing(12);
-    boxLayout->addWidget(verifyResult);
-    boxLayout->addWidget(verifyDetail);
-
-    verifyTable = pageparts::trackTable(
+    verifyTable = tracktable::make(
         {QStringLiteral("Track"), QStringLiteral("Title"), QStringLiteral("AccurateRip")}, 52, 120);
     verifyTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
     verifyTable->setAccessibleName(pickLang("トラックごとの照合結果", "Verdict of each track"));
     verifyTable->setItemDelegateForColumn(resultColumn, new ColouredCells(verifyTable));
 
-    auto* page = new QWidget;
-    auto* layout = pageparts::pageLayout(page, 20);
+    auto* layout = pageparts::pageLayout(this, 20);
     layout->addWidget(pageparts::heading(pickLang("AccurateRip ベリファイ", "AccurateRip Verify")));
     layout->addWidget(pageparts::label(pickLang("リッピング結果を AccurateRip データベースと照合します。\n"
                                                 "他のユーザーと同一のデータが取れているか確認します。",
@@ -119,62 +109,69 @@ QWidget* MainWindow::buildVerifyPage()
                                                 "Checks that you got the same data as other users."),
                                        "subLabel"));
     layout->addWidget(verifyProgress);
-    layout->addWidget(verifyBox);
+    layout->addWidget(buildVerdictBox());
     layout->addWidget(verifyTable);
     layout->addStretch();
-    return page;
 }
 
-void MainWindow::rebuildVerifyTable()
+QWidget* VerifyPage::buildVerdictBox()
 {
-    const QString undecided = QStringLiteral("—");
+    verifyResult = pageparts::label(pickLang("照合待機中...", "Waiting to verify..."), "verifyResult");
+    verifyResult->setAlignment(Qt::AlignCenter);
+    verifyDetail = pageparts::label(QString(), "verifyDetail");
+    verifyDetail->setAlignment(Qt::AlignCenter);
+    verifyDetail->setWordWrap(true);
+    auto* box = new QWidget;
+    box->setObjectName(QStringLiteral("verifyBox"));
+    auto* layout = new QVBoxLayout(box);
+    layout->setContentsMargins(24, 24, 24, 24);
+    layout->setSpacing(12);
+    layout->addWidget(verifyResult);
+    layout->addWidget(verifyDetail);
+    return box;
+}
+
+void VerifyPage::showTracks(const QList<TrackRow>& rows)
+{
     verifyTable->setRowCount(0);
-    for (const TrackInfo& track : disc.tracks)
-        pageparts::addTrackRow(verifyTable, pageparts::twoDigits(track.number), pageparts::shownTitle(track),
-                               undecided);
-    if (!disc.tracks.isEmpty())
-        return;
-    for (int row = 0; row < trackTable->rowCount(); ++row)
-        pageparts::addTrackRow(verifyTable, pageparts::cellText(trackTable, row, 0),
-                               pageparts::cellText(trackTable, row, 1), undecided);
+    for (const TrackRow& row : rows)
+        tracktable::addRow(verifyTable, row, undecided());
 }
 
 /// What a verification was started on; the window may hold another disc when it
 /// ends.
-struct MainWindow::Verification {
+struct VerifyPage::Verification {
     DiscToc disc;
     QHash<int, std::pair<quint32, quint32>> crcs;
     QString discId;
 };
 
-void MainWindow::startVerify()
+void VerifyPage::start(const DiscToc& disc)
 {
     verifyResult->setText(pickLang("照合中...", "Verifying..."));
     verifyDetail->setText(
         pickLang("AccurateRip データベースに問い合わせています", "Querying the AccurateRip database"));
     verifyProgress->setValue(15);
-    setResultColumn(verifyTable, QStringLiteral("—"));
+    setResultColumn(verifyTable, undecided());
 
-    const Verification started{disc, ripCrcs, accurateRipDiscId(disc)};
-    auto* watcher = new QFutureWatcher<VerifyResult>(this);
-    connect(watcher, &QFutureWatcher<VerifyResult>::finished, this, [this, started, watcher] {
-        watcher->deleteLater();
-        finishVerify(started, watcher->result());
-    });
-    watcher->setFuture(QtConcurrent::run(QThreadPool::globalInstance(), fetchVerification, disc));
+    runInBackground(
+        this, [disc] { return fetchVerification(disc); },
+        [this, started = Verification{disc, ripCrcs, accurateRipDiscId(disc)}](const VerifyResult& result) {
+            finish(started, result);
+        });
 }
 
-void MainWindow::finishVerify(const Verification& started, const VerifyResult& result)
+void VerifyPage::finish(const Verification& started, const VerifyResult& result)
 {
     verifyProgress->setValue(100);
     if (result.ok)
         showVerdict(started, result);
     else
         showNoVerdict(started, result);
-    logViewer->append(riplog::doubleRule());
+    Q_EMIT logLine(riplog::doubleRule());
 }
 
-void MainWindow::showVerdict(const Verification& started, const VerifyResult& result)
+void VerifyPage::showVerdict(const Verification& started, const VerifyResult& result)
 {
     QStringList lines;
     int matched = 0;
@@ -206,24 +203,24 @@ void MainWindow::showVerdict(const Verification& started, const VerifyResult& re
     verifyResult->setText(text.label);
     verifyDetail->setText(text.detail);
 
-    logViewer->append(QString());
-    logViewer->append(QStringLiteral("─── AccurateRip (v2 CRC) ───────────"));
-    logViewer->append(QStringLiteral("  Disc ID : ") + started.discId);
+    Q_EMIT logLine(QString());
+    Q_EMIT logLine(QStringLiteral("─── AccurateRip (v2 CRC) ───────────"));
+    Q_EMIT logLine(QStringLiteral("  Disc ID : ") + started.discId);
     for (const QString& line : std::as_const(lines))
-        logViewer->append(line);
-    logViewer->append(QStringLiteral("  %1 / %2 tracks accurately ripped").arg(matched).arg(audioTracks));
+        Q_EMIT logLine(line);
+    Q_EMIT logLine(QStringLiteral("  %1 / %2 tracks accurately ripped").arg(matched).arg(audioTracks));
 }
 
-void MainWindow::showNoVerdict(const Verification& started, const VerifyResult& result)
+void VerifyPage::showNoVerdict(const Verification& started, const VerifyResult& result)
 {
     verifyResult->setText(result.networkError ? pickLang("—  照合できませんでした", "—  Could not verify")
                                               : pickLang("—  未登録", "—  Not found"));
     verifyDetail->setText(result.error);
     setResultColumn(verifyTable, result.networkError ? pickLang("—  未照合", "—  Not verified")
                                                      : pickLang("—  未登録", "—  Not found"));
-    logViewer->append(QString());
-    logViewer->append(QStringLiteral("─── AccurateRip ────────────────────"));
-    logViewer->append(QStringLiteral("  Disc ID : ") + started.discId);
-    logViewer->append(result.networkError ? QStringLiteral("  Could not connect to the AccurateRip server")
-                                          : QStringLiteral("  Not in database"));
+    Q_EMIT logLine(QString());
+    Q_EMIT logLine(QStringLiteral("─── AccurateRip ────────────────────"));
+    Q_EMIT logLine(QStringLiteral("  Disc ID : ") + started.discId);
+    Q_EMIT logLine(result.networkError ? QStringLiteral("  Could not connect to the AccurateRip server")
+                                       : QStringLiteral("  Not in database"));
 }

@@ -1,0 +1,63 @@
+#include "ui/StatCards.h"
+
+#include "ui/PageParts.h"
+#include "ui/RipLog.h"
+
+#include <QGridLayout>
+#include <QLabel>
+
+namespace {
+
+constexpr double singleSpeedKBs = 150.0;
+
+QString unknown()
+{
+    return QStringLiteral("—");
+}
+
+} // namespace
+
+StatCards::StatCards()
+    : grid(new QGridLayout), quality(addCard(0, 0, QStringLiteral("Read Quality"), unknown())),
+      suspects(addCard(0, 1, QStringLiteral("Suspect Sectors"), QStringLiteral("0"))),
+      errors(addCard(1, 0, QStringLiteral("Errors"), unknown())),
+      speedText(addCard(1, 1, QStringLiteral("Speed"), unknown()))
+{
+    grid->setSpacing(6);
+}
+
+QLabel* StatCards::addCard(int row, int column, const QString& title, const QString& value)
+{
+    auto* card = new QWidget;
+    card->setObjectName(QStringLiteral("statCard"));
+    auto* content = new QVBoxLayout(card);
+    content->setContentsMargins(10, 8, 10, 8);
+    content->setSpacing(2);
+    auto* valueLabel = pageparts::label(value, "statValue");
+    content->addWidget(pageparts::label(title, "statLabel"));
+    content->addWidget(valueLabel);
+    grid->addWidget(card, row, column);
+    return valueLabel;
+}
+
+void StatCards::showQuality(const riplog::Counters& counters)
+{
+    quality->setText(counters.readQualityText() + QLatin1Char('%'));
+}
+
+void StatCards::show(const riplog::Counters& counters, unsigned speed)
+{
+    showQuality(counters);
+    suspects->setText(QString::number(counters.suspects));
+    errors->setText(QString::number(counters.errors));
+    speedText->setText(speed > 0 ? QString::number(speed / singleSpeedKBs, 'f', 1) + QLatin1Char('x')
+                                 : unknown());
+}
+
+void StatCards::clear()
+{
+    quality->setText(unknown());
+    suspects->setText(QStringLiteral("0"));
+    errors->setText(QStringLiteral("0"));
+    speedText->setText(unknown());
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+class QGridLayout;
+class QLabel;
+class QString;
+
+namespace riplog {
+struct Counters;
+}
+
+/// The four numbers of the RIP step, each on a card of its own.
+class StatCards {
+public:
+    StatCards();
+
+    /// To be put into the page, whose widgets the cards become with it.
+    QGridLayout* layout() const { return grid; }
+    void showQuality(const riplog::Counters& counters);
+    /// @param speed  KiB/s; 0 for none known
+    void show(const riplog::Counters& counters, unsigned speed);
+    void clear();
+
+private:
+    QLabel* addCard(int row, int column, const QString& title, const QString& value);
+
+    QGridLayout* grid;
+    QLabel* quality;
+    QLabel* suspects;
+    QLabel* errors;
+    QLabel* speedText;
+};
