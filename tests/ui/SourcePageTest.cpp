@@ -1,23 +1,43 @@
-#include "ui/WindowDriver.h"
+// The Source page by itself. What the window makes of a choice: SourceRoadTest.
 
-#include "base/Settings.h"
+#include "ui/SourcePage.h"
+
+#include "support/DialogWatcher.h"
 #include "support/DiscMaker.h"
-#include "support/FakeHttpTransport.h"
-#include "support/LogCapture.h"
+#include "ui/PageStage.h"
 
 #include <QComboBox>
 #include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QSettings>
-#include <QSpinBox>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include <new>
-
 namespace {
 
-class SourcePage : public ::testing::Test {
+/// The page with nothing around it.
+struct Stage : PageStage {
+    explicit Stage(int language = 2, const QStringList& letters = {}) : PageStage(language, letters)
+    {
+        page.show();
+    }
+
+    QComboBox* combo() { return on<QComboBox>(page, "driveCombo"); }
+    QLineEdit* cuePath() { return on<QLineEdit>(page, "pathEdit", 0); }
+    QLineEdit* audioPath() { return on<QLineEdit>(page, "pathEdit", 1); }
+    QPushButton* button(int place) { return on<QPushButton>(page, "browseBtn", place); }
+    void pickCue(const QString& path) { pickPath(button(1), path); }
+    void pickAudio(const QString& path) { pickPath(button(2), path); }
+
+    SourcePage page{disc};
+    QSignalSpy sheets{&page, &SourcePage::sheetRead};
+};
+
+class SourcePageTest : public ::testing::Test {
 protected:
     void SetUp() override { QSettings().clear(); }
 
@@ -28,259 +48,189 @@ protected:
         return writeImage(folder.path(), image, makeAudio(400, 1));
     }
 
-    QComboBox* combo(WindowDriver& app) { return app.onPage<QComboBox>(0, "driveCombo"); }
-
     QTemporaryDir folder;
 };
 
-QStringList groupTitles(QWidget* page)
+QStringList groupTitles(const QWidget& page)
 {
     QStringList titles;
-    for (const QGroupBox* group : page->findChildren<QGroupBox*>(QStringLiteral("sourceGroup")))
+    for (const QGroupBox* group : page.findChildren<QGroupBox*>(QStringLiteral("sourceGroup")))
         titles << group->title();
     return titles;
 }
 
 } // namespace
 
-TEST_F(SourcePage, TextsInEnglish)
+TEST_F(SourcePageTest, TextsInEnglish)
 {
-    WindowDriver app(2);
-    EXPECT_EQ(app.onPage<QLabel>(0, "stepHeading")->text(), QStringLiteral("Select a source"));
-    EXPECT_EQ(groupTitles(app.pageAt(0)),
-              (QStringList{"CD Drive", "CUE/BIN File  ( CD drive not required )",
-                           "Audio File  ( CD drive not required )", "Read Mode"}));
-    EXPECT_EQ(app.cuePath()->placeholderText(), QStringLiteral("Select .cue file..."));
-    EXPECT_EQ(app.audioPath()->placeholderText(), QStringLiteral("Select audio file..."));
-    EXPECT_EQ(app.onPage<QLabel>(0, "previewLabel")->text(),
+    Stage stage(2);
+    EXPECT_EQ(on<QLabel>(stage.page, "stepHeading")->text(), QStringLiteral("Select a source"));
+    EXPECT_EQ(groupTitles(stage.page), (QStringList{"CD Drive", "CUE/BIN File  ( CD drive not required )",
+                                                    "Audio File  ( CD drive not required )", "Read Mode"}));
+    EXPECT_EQ(stage.cuePath()->placeholderText(), QStringLiteral("Select .cue file..."));
+    EXPECT_EQ(stage.audioPath()->placeholderText(), QStringLiteral("Select audio file..."));
+    EXPECT_EQ(on<QLabel>(stage.page, "previewLabel")->text(),
               QStringLiteral("High Accuracy Mode (Recommended)\n  · Max 20 retries per sector\n"
                              "  · Majority voting for data integrity\n"));
-    EXPECT_EQ(app.reset()->text(), QStringLiteral("⟳  Reset — Start over"));
-    EXPECT_EQ(app.reset()->height(), 36);
-    auto* refresh = app.onPage<QPushButton>(0, "browseBtn", 0);
-    EXPECT_EQ(refresh->text(), QStringLiteral("↺"));
-    EXPECT_EQ(refresh->toolTip(), QStringLiteral("Refresh CD drives"));
-    EXPECT_EQ(refresh->width(), 36);
-    EXPECT_EQ(app.onPage<QPushButton>(0, "browseBtn", 1)->width(), 90);
+    const auto* reset = on<QPushButton>(stage.page, "resetBtn");
+    EXPECT_EQ(reset->text(), QStringLiteral("⟳  Reset — Start over"));
+    EXPECT_EQ(reset->height(), 36);
+    EXPECT_EQ(stage.button(0)->text(), QStringLiteral("↺"));
+    EXPECT_EQ(stage.button(0)->toolTip(), QStringLiteral("Refresh CD drives"));
+    EXPECT_EQ(stage.button(0)->width(), 36);
+    EXPECT_EQ(stage.button(1)->width(), 90);
 }
 
-TEST_F(SourcePage, TextsInJapanese)
+TEST_F(SourcePageTest, TextsInJapanese)
 {
-    WindowDriver app(1);
-    EXPECT_EQ(app.onPage<QLabel>(0, "stepHeading")->text(), QStringLiteral("ソースを選択してください"));
-    EXPECT_EQ(groupTitles(app.pageAt(0)),
-              (QStringList{"CD ドライブ", "CUE/BIN File  ( CD drive not required )",
-                           "Audio File  ( CD drive not required )", "Read Mode"}));
-    EXPECT_EQ(app.reset()->text(), QStringLiteral("⟳  Reset — 最初からやり直す"));
+    Stage stage(1);
+    EXPECT_EQ(on<QLabel>(stage.page, "stepHeading")->text(), QStringLiteral("ソースを選択してください"));
+    EXPECT_EQ(groupTitles(stage.page), (QStringList{"CD ドライブ", "CUE/BIN File  ( CD drive not required )",
+                                                    "Audio File  ( CD drive not required )", "Read Mode"}));
+    EXPECT_EQ(on<QPushButton>(stage.page, "resetBtn")->text(), QStringLiteral("⟳  Reset — 最初からやり直す"));
 }
 
-TEST_F(SourcePage, ARefreshFindsADrivePluggedInAndLosesOneTakenAway)
+TEST_F(SourcePageTest, ARefreshFindsADrivePluggedInAndLosesOneTakenAway)
 {
-    WindowDriver app;
-    EXPECT_FALSE(combo(app)->isEnabled());
-    EXPECT_EQ(combo(app)->placeholderText(), QStringLiteral("No CD drive detected"));
-    EXPECT_TRUE(app.cuePath()->isEnabled());
+    Stage stage;
+    EXPECT_FALSE(stage.combo()->isEnabled());
+    EXPECT_EQ(stage.combo()->placeholderText(), QStringLiteral("No CD drive detected"));
+    EXPECT_TRUE(stage.cuePath()->isEnabled());
 
-    app.shelf().letters = {QStringLiteral("/dev/sr0"), QStringLiteral("/dev/sr1")};
-    WindowDriver::click(app.onPage<QPushButton>(0, "browseBtn", 0));
-    EXPECT_TRUE(combo(app)->isEnabled());
-    EXPECT_EQ(combo(app)->count(), 2);
-    EXPECT_EQ(combo(app)->currentIndex(), 0);
-    EXPECT_EQ(combo(app)->itemText(1), QStringLiteral("CD-ROM  /dev/sr1"));
-    EXPECT_EQ(combo(app)->itemData(1).toString(), QStringLiteral("/dev/sr1"));
+    stage.shelf.letters = {QStringLiteral("/dev/sr0"), QStringLiteral("/dev/sr1")};
+    stage.button(0)->click();
+    EXPECT_TRUE(stage.combo()->isEnabled());
+    EXPECT_EQ(stage.combo()->count(), 2);
+    EXPECT_EQ(stage.combo()->currentIndex(), 0);
+    EXPECT_EQ(stage.combo()->itemText(1), QStringLiteral("CD-ROM  /dev/sr1"));
+    EXPECT_EQ(stage.combo()->itemData(1).toString(), QStringLiteral("/dev/sr1"));
 
-    app.shelf().letters.clear();
-    WindowDriver::click(app.onPage<QPushButton>(0, "browseBtn", 0));
-    EXPECT_EQ(combo(app)->count(), 0);
-    EXPECT_FALSE(combo(app)->isEnabled());
-    EXPECT_EQ(combo(app)->placeholderText(), QStringLiteral("No CD drive detected"));
+    stage.shelf.letters.clear();
+    stage.button(0)->click();
+    EXPECT_EQ(stage.combo()->count(), 0);
+    EXPECT_FALSE(stage.combo()->isEnabled());
+    EXPECT_EQ(stage.combo()->placeholderText(), QStringLiteral("No CD drive detected"));
 }
 
-TEST_F(SourcePage, ACuePickFillsTheMetadataPage)
+TEST_F(SourcePageTest, WhatStandsInTheFieldsIsTheChoice)
 {
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.audioPath()->setText(QStringLiteral("/some/song.wav"));
+    Stage stage(2, {QStringLiteral("/dev/sr0"), QStringLiteral("/dev/sr1")});
+    EXPECT_EQ(stage.page.chosen().driveLetter, QStringLiteral("/dev/sr0")) << "without any click";
+    EXPECT_TRUE(stage.page.chosen().isDrive());
+    stage.combo()->setCurrentIndex(1);
+    EXPECT_EQ(stage.page.chosen().driveLetter, QStringLiteral("/dev/sr1"));
+    stage.cuePath()->setText(QStringLiteral("/a.cue"));
+    EXPECT_EQ(stage.page.chosen().cuePath, QStringLiteral("/a.cue"));
+    EXPECT_TRUE(stage.page.chosen().isSheet());
+    stage.audioPath()->setText(QStringLiteral("/a.wav"));
+    EXPECT_EQ(stage.page.chosen().audioPath, QStringLiteral("/a.wav"));
+    EXPECT_TRUE(stage.page.chosen().isAudioFile());
+}
+
+TEST_F(SourcePageTest, ACuePickTakesTheSheetInHandAndLeavesTheAudioFile)
+{
+    Stage stage(2, oneDrive);
+    stage.audioPath()->setText(QStringLiteral("/some/song.wav"));
     const QString cue = makeCue();
-    app.pickCue(cue);
-    EXPECT_EQ(app.cuePath()->text(), cue);
-    EXPECT_EQ(app.audioPath()->text(), QStringLiteral("/some/song.wav"));
-    EXPECT_EQ(combo(app)->currentIndex(), -1);
-    EXPECT_EQ(app.album()->text(), QStringLiteral("Test Album"));
-    EXPECT_EQ(app.artist()->text(), QStringLiteral("Test Artist"));
-    EXPECT_EQ(app.year()->text(), QStringLiteral("1998"));
-    ASSERT_EQ(app.tracks()->rowCount(), 2);
-    EXPECT_EQ(app.tracks()->rowHeight(0), 26);
-    EXPECT_EQ(app.cell(app.tracks(), 0, 0), QStringLiteral("01"));
-    EXPECT_EQ(app.cell(app.tracks(), 0, 1), QStringLiteral("Alpha"));
-    EXPECT_EQ(app.cell(app.tracks(), 0, 2), QStringLiteral("0:02")); // 160 sectors
-    EXPECT_EQ(app.cell(app.tracks(), 1, 1), QString());
-    EXPECT_EQ(app.cell(app.tracks(), 1, 2), QStringLiteral("0:03")); // 240 sectors
+    stage.pickCue(cue);
+    EXPECT_EQ(stage.cuePath()->text(), cue);
+    EXPECT_EQ(stage.audioPath()->text(), QStringLiteral("/some/song.wav"));
+    EXPECT_EQ(stage.combo()->currentIndex(), -1);
+    EXPECT_EQ(stage.sheets.size(), 1);
+    EXPECT_EQ(stage.disc.toc.tracks.size(), 2);
 }
 
-// What leaves a slot ends the program.
-TEST_F(SourcePage, WantOfMemoryForTheCoverOfASheetIsNoCover)
+TEST_F(SourcePageTest, ABrokenSheetStaysInItsFieldAndTheDiscStays)
 {
-    WindowDriver app(2);
-    const QString cue = makeCue();
-    FakeHttpTransport exhausted([](const HttpRequest&) -> HttpAnswer { throw std::bad_alloc(); });
-    const LogCapture log;
-    {
-        const HttpTransportOverride inPlace(exhausted);
-        app.pickCue(cue);
-    }
-    EXPECT_EQ(exhausted.requests().size(), 1);
-    EXPECT_EQ(app.album()->text(), QStringLiteral("Test Album"));
-    EXPECT_EQ(app.tracks()->rowCount(), 2);
-    EXPECT_EQ(app.onPage<QLabel>(2, "artLabel")->text(), QStringLiteral("♪"));
-    EXPECT_TRUE(log.warnings().contains(QStringLiteral("[Meta/CUE] cover given up: std::bad_alloc")));
-}
-
-TEST_F(SourcePage, ACancelledPickChangesNothing)
-{
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.cuePath()->setText(QStringLiteral("typed"));
-    app.pickCue(QString());
-    app.pickAudio(QString());
-    EXPECT_EQ(app.cuePath()->text(), QStringLiteral("typed"));
-    EXPECT_TRUE(app.audioPath()->text().isEmpty());
-    EXPECT_EQ(combo(app)->currentIndex(), 0);
-}
-
-TEST_F(SourcePage, ABrokenSheetStaysInItsFieldAndTheDiscStays)
-{
-    WindowDriver app;
-    app.pickCue(makeCue());
+    Stage stage;
+    stage.pickCue(makeCue());
     const QString broken = writeFile(folder.path(), QStringLiteral("broken.cue"), "nothing here");
-    app.pickCue(broken);
-    EXPECT_EQ(app.cuePath()->text(), broken);
-    EXPECT_EQ(app.album()->text(), QStringLiteral("Test Album"));
-    EXPECT_EQ(app.tracks()->rowCount(), 2);
+    stage.pickCue(broken);
+    EXPECT_EQ(stage.cuePath()->text(), broken);
+    EXPECT_EQ(stage.disc.toc.albumTitle, QStringLiteral("Test Album"));
+    EXPECT_EQ(stage.sheets.size(), 1) << "none for the broken one";
 }
 
-TEST_F(SourcePage, AnAudioPickClearsTheSheet)
+TEST_F(SourcePageTest, ACancelledPickChangesNothing)
 {
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.pickCue(makeCue());
+    Stage stage(2, oneDrive);
+    stage.cuePath()->setText(QStringLiteral("typed"));
+    stage.pickCue(QString());
+    stage.pickAudio(QString());
+    EXPECT_EQ(stage.cuePath()->text(), QStringLiteral("typed"));
+    EXPECT_TRUE(stage.audioPath()->text().isEmpty());
+    EXPECT_EQ(stage.combo()->currentIndex(), 0);
+    EXPECT_EQ(stage.sheets.size(), 0);
+}
+
+TEST_F(SourcePageTest, AnAudioPickClearsTheSheet)
+{
+    Stage stage(2, oneDrive);
+    stage.pickCue(makeCue());
     const QString song = writeFile(folder.path(), QStringLiteral("a song.wav"), wrapInWave(makeAudio(1, 1)));
-    app.pickAudio(song);
-    EXPECT_EQ(app.audioPath()->text(), song);
-    EXPECT_TRUE(app.cuePath()->text().isEmpty());
-    EXPECT_EQ(combo(app)->currentIndex(), -1);
+    stage.pickAudio(song);
+    EXPECT_EQ(stage.audioPath()->text(), song);
+    EXPECT_TRUE(stage.cuePath()->text().isEmpty());
+    EXPECT_EQ(stage.combo()->currentIndex(), -1);
+    EXPECT_EQ(stage.disc.toc.tracks.size(), 2) << "the file is not looked at yet";
 }
 
-TEST_F(SourcePage, ResetEmptiesWhatWasChosenAndKeepsTheRest)
+TEST_F(SourcePageTest, TheLetterIsFoundInTheTextOfAnItemWithoutData)
 {
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.pickCue(makeCue());
-    app.outputPath()->setText(QStringLiteral("/kept"));
-    app.onPage<QSpinBox>(2, "formEdit", 0)->setValue(2);
-    app.onPage<QSpinBox>(2, "formEdit", 1)->setValue(3);
-    app.album()->setPlaceholderText(QStringLiteral("something"));
-    WindowDriver::click(app.reset());
-
-    EXPECT_EQ(combo(app)->currentIndex(), -1);
-    EXPECT_EQ(combo(app)->count(), 1);
-    EXPECT_TRUE(app.cuePath()->text().isEmpty());
-    EXPECT_TRUE(app.album()->text().isEmpty());
-    EXPECT_TRUE(app.album()->placeholderText().isEmpty());
-    EXPECT_TRUE(app.artist()->text().isEmpty());
-    EXPECT_TRUE(app.year()->text().isEmpty());
-    EXPECT_EQ(app.tracks()->rowCount(), 0);
-    EXPECT_EQ(app.onPage<QLabel>(2, "artLabel")->text(), QStringLiteral("♪"));
-    EXPECT_EQ(app.onPage<QSpinBox>(2, "formEdit", 0)->value(), 1);
-    EXPECT_EQ(app.onPage<QSpinBox>(2, "formEdit", 1)->value(), 1);
-    EXPECT_EQ(app.outputPath()->text(), QStringLiteral("/kept"));
-    EXPECT_EQ(app.card(0), QStringLiteral("—"));
-    EXPECT_EQ(app.card(1), QStringLiteral("0"));
-    EXPECT_EQ(app.card(2), QStringLiteral("0"));
-    EXPECT_EQ(app.card(3), QStringLiteral("—"));
-
-    // No letter is left, so the Metadata step has no source.
-    app.shelf().audio = makeAudio(200, 1);
-    app.advanceTo(2);
-    EXPECT_EQ(app.tracks()->rowCount(), 0);
-    EXPECT_TRUE(app.shelf().commands.isEmpty());
+    Stage stage(2, {QStringLiteral("D:")});
+    stage.combo()->setItemData(0, QString());
+    EXPECT_EQ(stage.page.chosen().driveLetter, QStringLiteral("D:"));
 }
 
-TEST_F(SourcePage, TheOffsetOfADriveComesFromItsOwnGroup)
+TEST_F(SourcePageTest, AnItemWithNeitherDataNorALetterIsNoSource)
 {
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.shelf().audio = makeAudio(200, 1);
-    app.shelf().vendor = "AC/ME";
-    app.shelf().product = "X\\9";
-    QSettings().setValue(QStringLiteral("driveOffsets/AC_ME - X_9/offset"), -30);
-    QSettings().setValue(QStringLiteral("driveOffsets/AC_ME - X_9/source"),
-                         QStringLiteral("set in Settings"));
-    app.advanceTo(3);
-    app.runRip();
-    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Drive  : AC/ME - X\\9")));
-    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Read offset : -30  (set in Settings)")));
+    Stage stage(2, oneDrive);
+    stage.combo()->setItemData(0, QString());
+    EXPECT_EQ(stage.page.chosen().driveLetter, QString());
+    EXPECT_FALSE(stage.page.chosen().isDrive());
 }
 
-TEST_F(SourcePage, ADriveWithoutAnEntryKeepsTheOffsetInForce)
+TEST_F(SourcePageTest, ClearedNothingIsChosenAndTheDrivesStayInTheirList)
 {
-    QSettings().setValue(QLatin1String(settings::sampleOffset), 6);
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.shelf().audio = makeAudio(200, 1);
-    app.advanceTo(3);
-    app.runRip();
-    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Read offset : +6  (Settings value)")));
+    Stage stage(2, oneDrive);
+    stage.cuePath()->setText(QStringLiteral("/a.cue"));
+    stage.audioPath()->setText(QStringLiteral("/a.wav"));
+    stage.page.clear();
+    const ChosenSource chosen = stage.page.chosen();
+    EXPECT_EQ(chosen.driveLetter, QString());
+    EXPECT_EQ(chosen.cuePath, QString());
+    EXPECT_EQ(chosen.audioPath, QString());
+    EXPECT_EQ(stage.combo()->count(), 1);
 }
 
-TEST_F(SourcePage, ADriveWithoutAnEntryKeepsTheOffsetOfTheDriveBeforeIt)
+TEST_F(SourcePageTest, TheResetButtonAsksForAResetAndDoesNoneItself)
 {
-    QSettings().setValue(QStringLiteral("driveOffsets/ACME - DISC READER 9/offset"), 6);
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.shelf().audio = makeAudio(200, 1);
-    app.advanceTo(2);
-    WindowDriver::click(app.back());
-    app.shelf().product = "STRANGER        ";
-    app.advanceTo(3);
-    app.runRip();
-    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Drive  : ACME - STRANGER")));
-    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Read offset : +6  (Settings value)")));
+    Stage stage(2, oneDrive);
+    const QSignalSpy asked(&stage.page, &SourcePage::resetClicked);
+    on<QPushButton>(stage.page, "resetBtn")->click();
+    EXPECT_EQ(asked.size(), 1);
+    EXPECT_EQ(stage.combo()->currentIndex(), 0);
 }
 
-TEST_F(SourcePage, AnOffsetOfADriveWithoutItsSourceIsASavedOne)
+TEST_F(SourcePageTest, TheFocusGoesToTheDrivesOrPastThemWhereThereAreNone)
 {
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.shelf().audio = makeAudio(200, 1);
-    QSettings().setValue(QStringLiteral("driveOffsets/ACME - DISC READER 9/offset"), 1);
-    app.advanceTo(3);
-    app.runRip();
-    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Read offset : +1  (saved)")));
+    Stage with(2, oneDrive);
+    with.page.focusFirst();
+    EXPECT_EQ(with.page.focusWidget(), with.combo());
+    Stage without;
+    without.page.focusFirst();
+    EXPECT_EQ(without.page.focusWidget(), without.cuePath());
 }
 
-TEST_F(SourcePage, TheLetterIsFoundInTheTextOfAnItemWithoutData)
+TEST(ChosenSource, TheFileWinsOverTheSheetAndTheSheetOverTheDrive)
 {
-    WindowDriver app(2, {QStringLiteral("D:")});
-    app.shelf().letter = QStringLiteral("D:");
-    app.shelf().audio = makeAudio(200, 1);
-    combo(app)->setItemData(0, QString());
-    app.advanceTo(2);
-    EXPECT_EQ(app.tracks()->rowCount(), 1);
-}
-
-TEST_F(SourcePage, AnItemWithNeitherDataNorALetterIsNoSource)
-{
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.shelf().audio = makeAudio(200, 1);
-    combo(app)->setItemData(0, QString());
-    app.advanceTo(2);
-    EXPECT_EQ(app.step(), 2);
-    EXPECT_EQ(app.tracks()->rowCount(), 0);
-    EXPECT_TRUE(app.shelf().commands.isEmpty());
-}
-
-TEST_F(SourcePage, ADriveOfUnknownModelSaysSo)
-{
-    WindowDriver app(2, {QStringLiteral("/dev/sr0")});
-    app.shelf().audio = makeAudio(200, 1);
-    app.shelf().vendor.clear();
-    app.shelf().product.clear();
-    app.advanceTo(3);
-    app.runRip();
-    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Drive  : (unknown)")));
-    EXPECT_TRUE(
-        app.logLines().contains(QStringLiteral("Read offset : 0  (drive model unknown - Settings value)")));
+    const QString one = QStringLiteral("1");
+    const auto kinds = [](const ChosenSource& source) {
+        return QList<bool>{source.isDrive(), source.isSheet(), source.isAudioFile()};
+    };
+    EXPECT_EQ(kinds({one, one, one}), (QList<bool>{false, false, true}));
+    EXPECT_EQ(kinds({one, one, {}}), (QList<bool>{false, true, false}));
+    EXPECT_EQ(kinds({{}, one, {}}), (QList<bool>{false, true, false}));
+    EXPECT_EQ(kinds({one, {}, {}}), (QList<bool>{true, false, false}));
+    EXPECT_EQ(kinds({{}, {}, {}}), (QList<bool>{false, false, false}));
 }

@@ -12,27 +12,10 @@
 #include <QTableWidget>
 
 #include "support/DialogWatcher.h"
-#include "support/SimulatedDrive.h"
+#include "ui/DriveShelf.h"
 
-#include <functional>
 #include <memory>
 #include <utility>
-
-/// A simulated drive that can be unplugged.
-class DriveShelf : public SimulatedDrive {
-public:
-    QStringList enumerateDrives() override { return letters; }
-    qint64 nowNanoseconds() override
-    {
-        if (onClock)
-            onClock();
-        return SimulatedDrive::nowNanoseconds();
-    }
-
-    QStringList letters;
-    /// Called whenever a read is timed, on the thread that reads.
-    std::function<void()> onClock;
-};
 
 /// A rip that does not stop fails its test program.
 class FailingEnd : public AbruptEnd {
