@@ -1,18 +1,30 @@
-#include "ui/HeldRip.h"
-#include "ui/WindowDriver.h"
+// The RIP page by itself. Whole rips through the window: RipRoadTest.
 
+#include "ui/RipPage.h"
+
+#include "disc/DiscModel.h"
+#include "rip/RipTypes.h"
+#include "support/DialogWatcher.h"
 #include "support/DiscMaker.h"
-#include "support/Tool.h"
+#include "ui/LogViewer.h"
+#include "ui/PageStage.h"
+#include "ui/PageValues.h"
+#include "ui/RunningRips.h"
+#include "verify/AccurateRipDatabase.h"
 
-#include <QCoreApplication>
-#include <QDateTime>
-#include <QImage>
+#include <QDialog>
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMessageBox>
 #include <QProgressBar>
-#include <QRadioButton>
+#include <QPushButton>
 #include <QSettings>
-#include <QSpinBox>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextEdit>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -20,36 +32,80 @@ namespace {
 
 const QString rule = QStringLiteral("═══════════════════════════════════════");
 
-class RipPage : public ::testing::Test {
+/// The page with nothing around it.
+struct Stage : PageStage {
+    explicit Stage(int language = 2) : PageStage(language, oneDrive) { page.show(); }
+
+    QString card(int place) { return on<QLabel>(page, "statValue", place)->text(); }
+    QStringList cards() { return {card(0), card(1), card(2), card(3)}; }
+    QPushButton* ripButton() { return on<QPushButton>(page, "ripBtn"); }
+    QProgressBar* bar() { return on<QProgressBar>(page, "ripProgress"); }
+    QString status() { return on<QLabel>(page, "progressLabel")->text(); }
+    QStringList log()
+    {
+        const QString text = page.findChild<QTextEdit*>()->toPlainText();
+        return text.isEmpty() ? QStringList() : text.split(QLatin1Char('\n'));
+    }
+    /// The lines of a rip's header, without its time.
+    QStringList header(const RipRequest& request)
+    {
+        page.start(request);
+        QStringList lines = log();
+        lines.removeAt(2);
+        return lines;
+    }
+    /// @return title and text of the box
+    QStringList showResult(bool ofAudioFile)
+    {
+        QStringList box;
+        const DialogWatcher watcher([&box](QDialog* dialog) {
+            if (auto* message = qobject_cast<QMessageBox*>(dialog))
+                box = QStringList{message->windowTitle(), message->text()};
+            dialog->accept();
+        });
+        page.showResult(ofAudioFile);
+        return box;
+    }
+    bool waitForRips()
+    {
+        return QTest::qWaitFor([this] { return rips.findChildren<QThread*>().isEmpty(); }, 60000);
+    }
+    bool openSheet(const QString& folder)
+    {
+        ImageDescription image;
+        image.tracks = {{0, QStringLiteral("Alpha")}, {30, QString()}};
+        return disc.openSheet(writeImage(folder, image, makeAudio(60, 1)));
+    }
+
+    RunningRips rips;
+    RipPage page{disc, settings, rips};
+};
+
+class RipPageTest : public ::testing::Test {
 protected:
     void SetUp() override { QSettings().clear(); }
 
-    QString makeCue(int sectors = 60)
+    RipRequest requestFor(const ChosenSource& source) const
     {
-        ImageDescription image;
-        image.tracks = {{0, QStringLiteral("Alpha")}, {sectors / 2, QString()}};
-        return writeImage(folder.path(), image, makeAudio(sectors, 1));
+        RipRequest request{source, folder.path(), QStringLiteral("wav"), {}};
+        request.album.title = QStringLiteral("Blue (Deluxe)");
+        request.album.artist = QStringLiteral("Ada - Live");
+        return request;
+    }
+    ChosenSource aSheet() const
+    {
+        return {QStringLiteral("/dev/sr0"), folder.filePath(QStringLiteral("disc.cue")), {}};
     }
 
-    void prepare(WindowDriver& app, const QString& cue)
+    static SectorResult sector(bool clean, bool bad, bool mismatch, quint32 speed)
     {
-        app.outputPath()->setText(folder.path());
-        app.pickCue(cue);
-        app.advanceTo(1);
-        app.onPage<QRadioButton>(1, "fmtRadio", 1)->click(); // WAV
-        app.advanceTo(2);
-    }
-
-    QStringList filesIn(const QString& name)
-    {
-        return QDir(folder.filePath(name)).entryList(QDir::Files, QDir::Name);
-    }
-
-    /// The size of the "data" chunk, in bytes.
-    static qint64 soundBytes(const QString& path)
-    {
-        const ToolResult bytes = runTool(QStringLiteral("soxi"), {QStringLiteral("-s"), path});
-        return bytes.output.trimmed().toLongLong() * 4;
+        SectorResult made;
+        made.lba = 7;
+        made.clean = clean;
+        made.bad = bad;
+        made.mismatch = mismatch;
+        made.speed = speed;
+        return made;
     }
 
     QTemporaryDir folder;
@@ -57,233 +113,236 @@ protected:
 
 } // namespace
 
-TEST_F(RipPage, TextsAndInitialValues)
+TEST_F(RipPageTest, TextsAndInitialValues)
 {
-    WindowDriver app(2);
+    Stage stage(2);
     const QStringList sections{"SECTOR MAP", "LOG", "STATISTICS", "PROGRESS"};
     for (int i = 0; i < sections.size(); ++i)
-        EXPECT_EQ(app.onPage<QLabel>(3, "sectionLabel", i)->text(), sections[i]);
+        EXPECT_EQ(on<QLabel>(stage.page, "sectionLabel", i)->text(), sections[i]);
     const QStringList cards{"Read Quality", "Suspect Sectors", "Errors", "Speed"};
     const QStringList values{"—", "0", "—", "—"};
     for (int i = 0; i < cards.size(); ++i) {
-        EXPECT_EQ(app.onPage<QLabel>(3, "statLabel", i)->text(), cards[i]);
-        EXPECT_EQ(app.card(i), values[i]);
+        EXPECT_EQ(on<QLabel>(stage.page, "statLabel", i)->text(), cards[i]);
+        EXPECT_EQ(stage.card(i), values[i]);
     }
-    EXPECT_EQ(app.rip()->text(), QStringLiteral("▶  RIP START"));
-    EXPECT_EQ(app.rip()->height(), 40);
-    EXPECT_EQ(app.onPage<QProgressBar>(3, "ripProgress")->height(), 4);
-    EXPECT_EQ(app.onPage<QWidget>(3, "rightPane")->width(), 280);
-    EXPECT_EQ(app.onPage<QLabel>(3, "progressLabel")->text(), QStringLiteral("Press RIP START to begin"));
-    EXPECT_EQ(WindowDriver(1).onPage<QLabel>(3, "progressLabel")->text(), QStringLiteral("RIP ボタンで開始"));
+    EXPECT_EQ(stage.ripButton()->text(), QStringLiteral("▶  RIP START"));
+    EXPECT_EQ(stage.ripButton()->height(), 40);
+    EXPECT_EQ(on<QProgressBar>(stage.page, "ripProgress")->height(), 4);
+    EXPECT_EQ(on<QWidget>(stage.page, "rightPane")->width(), 280);
+    EXPECT_EQ(on<QLabel>(stage.page, "progressLabel")->text(), QStringLiteral("Press RIP START to begin"));
+    EXPECT_EQ(Stage(1).status(), QStringLiteral("RIP ボタンで開始"));
 }
 
-TEST_F(RipPage, AWholeRipOfAnImageInEnglish)
+TEST_F(RipPageTest, WithoutADiscThereIsNoSource)
 {
-    WindowDriver app(2);
-    const QString cue = makeCue();
-    prepare(app, cue);
-    app.artist()->setText(QStringLiteral("Ada - Live"));
-    app.album()->setText(QStringLiteral("Blue (Deluxe) Sky (2001)"));
-    app.advanceTo(3);
-    const QStringList box = app.runRip();
-    EXPECT_EQ(box, (QStringList{"Rip Complete",
-                                "Ripping is complete.\n\nRead Quality : 100.00%\nErrors : 0 sectors\n"
-                                "Suspect Sectors : 0 sectors"}));
-    QStringList log = app.logLines();
-    ASSERT_GT(log.size(), 2);
-    const QDateTime stamp =
-        QDateTime::fromString(log.takeAt(2).trimmed(), QStringLiteral("yyyy-MM-dd  hh:mm:ss"));
-    EXPECT_TRUE(stamp.isValid());
-    EXPECT_LT(qAbs(stamp.secsTo(QDateTime::currentDateTime())), 120);
-    EXPECT_EQ(log, (QStringList{rule,
-                                "  TARVEL CD RIPPER  —  RIP START",
-                                rule,
-                                "Album  : Blue (Deluxe) Sky (2001) / Ada - Live",
-                                "Output : " + folder.path(),
-                                "Source : " + cue,
-                                "Format : WAV   Naming : {track}. {title}",
-                                "Program: Tarvel CD Ripper v2.0.0 (build 20261006-1720)",
-                                "─── Track log ──────────────────────",
-                                "Folder : " + folder.path() + "/Ada - Blue Sky",
-                                "  Track 00: Cover art: not found",
-                                "  Track 00: Cover art: not found",
-                                "  Track 01: Alpha",
-                                "  Track 01: ✦ saved  (errors:0)",
-                                "  Track 02: Track 2",
-                                "  Track 02: ✦ saved  (errors:0)",
-                                "",
-                                "  Read Quality : 100.00%",
-                                "  Errors       : 0 sectors",
-                                "  Suspect      : 0 sectors (damage detected, recovered by re-reading)",
-                                "  Result  : Perfect  ✦",
-                                rule}));
-    EXPECT_EQ(filesIn(QStringLiteral("Ada - Blue Sky")), (QStringList{"01. Alpha.wav", "02. Track 2.wav"}));
-    EXPECT_EQ(app.card(0), QStringLiteral("100.00%"));
-    EXPECT_EQ(app.card(1), QStringLiteral("0"));
-    EXPECT_EQ(app.card(2), QStringLiteral("0"));
-    EXPECT_EQ(app.card(3), QStringLiteral("—"));
-    EXPECT_EQ(app.onPage<QProgressBar>(3, "ripProgress")->value(), 100);
-    EXPECT_EQ(app.onPage<QLabel>(3, "progressLabel")->text(),
-              QStringLiteral("Done  ✦  Read Quality 100.00%"));
-}
-
-TEST_F(RipPage, AWholeRipOfAnImageInJapanese)
-{
-    WindowDriver app(1);
-    prepare(app, makeCue());
-    app.artist()->clear();
-    app.album()->clear();
-    app.advanceTo(3);
-    const QStringList box = app.runRip();
-    EXPECT_EQ(box, (QStringList{"リッピング完了",
-                                "リッピングが完了しました。\n\nRead Quality : 100.00%\nErrors : 0 sectors\n"
-                                "Suspect Sectors : 0 sectors"}));
-    EXPECT_TRUE(app.logLines().contains(QStringLiteral("Album  :  / ")));
-    EXPECT_TRUE(app.logLines().contains("Folder : " + folder.path() + "/Unknown - Unknown"));
-    EXPECT_TRUE(app.logLines().contains(QStringLiteral("  Result  : Perfect  ✦")));
-    EXPECT_EQ(app.onPage<QLabel>(3, "progressLabel")->text(),
-              QStringLiteral("完了  ✦  Read Quality 100.00%"));
-}
-
-TEST_F(RipPage, EditedTitlesReachTheFilesUnlessTheyLookGenerated)
-{
-    WindowDriver app(2);
-    prepare(app, makeCue());
-    app.tracks()->item(0, 1)->setText(QStringLiteral("Track  44"));
-    app.tracks()->item(1, 1)->setText(QStringLiteral("Track 2b"));
-    // Neither the number nor the time is anything but a text.
-    for (const int row : {0, 1}) {
-        app.tracks()->item(row, 0)->setText(QStringLiteral("77"));
-        app.tracks()->item(row, 2)->setText(QStringLiteral("9:59"));
-    }
-    app.advanceTo(3);
-    app.runRip();
-    EXPECT_TRUE(app.logLines().contains(QStringLiteral("  Track 02: ✦ saved  (errors:0)")));
-    EXPECT_EQ(filesIn(QStringLiteral("Test Artist - Test Album")),
-              (QStringList{"01. Alpha.wav", "02. Track 2b.wav"}));
-    for (const char* name : {"01. Alpha.wav", "02. Track 2b.wav"}) {
-        const QString path =
-            folder.filePath(QStringLiteral("Test Artist - Test Album/") + QLatin1String(name));
-        EXPECT_EQ(soundBytes(path), 30 * 2352) << name;
+    for (const int language : {1, 2}) {
+        Stage stage(language);
+        stage.ripButton()->setEnabled(false);
+        stage.page.appendLog(QStringLiteral("old"));
+        EXPECT_FALSE(stage.page.claimSource({QStringLiteral("/dev/sr0"), {}, {}}));
+        EXPECT_EQ(stage.log(),
+                  (QStringList{rule, textIn(language, "  エラー", "  Error"), rule,
+                               textIn(language, "選択可能なソースを選択しなければ実行できません。",
+                                      "Please select a source before ripping.")}));
+        EXPECT_TRUE(stage.ripButton()->isEnabled());
+        EXPECT_FALSE(stage.disc.drive.isBorrowed());
     }
 }
 
-TEST_F(RipPage, AnOpenCellEditorCommitsAtTheStart)
+TEST_F(RipPageTest, ADiscIsClaimedByBorrowingItsDriveAndAnAudioFileNeedsNone)
 {
-    WindowDriver app(2);
-    prepare(app, makeCue());
-    app.tracks()->setCurrentCell(1, 1);
-    app.tracks()->editItem(app.tracks()->item(1, 1));
-    auto* editor = app.tracks()->findChild<QLineEdit*>();
-    ASSERT_NE(editor, nullptr);
-    editor->setText(QStringLiteral("Typed"));
-    app.advanceTo(3);
-    app.runRip();
-    EXPECT_EQ(filesIn(QStringLiteral("Test Artist - Test Album")),
-              (QStringList{"01. Alpha.wav", "02. Typed.wav"}));
+    Stage stage;
+    ASSERT_TRUE(stage.openSheet(folder.path()));
+    ASSERT_TRUE(stage.page.claimSource(aSheet()));
+    EXPECT_TRUE(stage.disc.drive.isBorrowed());
+    EXPECT_TRUE(stage.log().isEmpty());
+    EXPECT_FALSE(stage.page.claimSource(aSheet())) << "a rip has it";
+    EXPECT_TRUE(stage.page.claimSource({{}, {}, QStringLiteral("/music/a.wav")}));
+    stage.disc.drive.giveBack();
 }
 
-TEST_F(RipPage, ASetOfDiscsHasAFolderForEach)
+TEST_F(RipPageTest, ARipOfASheetIsToldAllThatWasChosen)
 {
-    WindowDriver app(2);
-    prepare(app, makeCue());
-    app.onPage<QSpinBox>(2, "formEdit", 0)->setValue(2);
-    app.onPage<QSpinBox>(2, "formEdit", 1)->setValue(3);
-    app.advanceTo(3);
-    app.runRip();
-    EXPECT_TRUE(app.logLines().contains("Folder : " + folder.path() + "/Test Artist - Test Album/Disc2"));
-    EXPECT_EQ(filesIn(QStringLiteral("Test Artist - Test Album/Disc2")).size(), 2);
+    Stage stage;
+    ASSERT_TRUE(stage.openSheet(folder.path()));
+    stage.settings.namingRule = QStringLiteral("{track} {title} {artist} {year}");
+    stage.settings.sampleOffset = 6;
+    RipRequest request = requestFor(aSheet());
+    request.album.year = QStringLiteral("1971");
+    request.album.discNumber = 2;
+    request.album.discTotal = 3;
+    request.album.cover = QPixmap(10, 10);
+    request.album.cover.fill(Qt::red);
+    ASSERT_TRUE(stage.page.claimSource(request.source));
+    EXPECT_EQ(
+        stage.header(request),
+        (QStringList{rule, "  TARVEL CD RIPPER  —  RIP START", rule, "Album  : Blue (Deluxe) / Ada - Live",
+                     "Output : " + folder.path(), "Source : " + request.source.cuePath,
+                     "Format : WAV   Naming : {track} {title} {artist} {year}",
+                     "Program: Tarvel CD Ripper v2.0.0 (build 20261006-1720)",
+                     "─── Track log ──────────────────────",
+                     "Folder : " + folder.path() + "/Ada - Blue/Disc2", "  Track 00: Cover art: OK"}));
+    EXPECT_FALSE(stage.ripButton()->isEnabled());
+    EXPECT_EQ(stage.disc.drive.readOffset(), 6);
+    ASSERT_TRUE(stage.waitForRips());
+    EXPECT_TRUE(QFileInfo::exists(folder.filePath(QStringLiteral("Ada - Blue/Disc2/01 Alpha Ada 1971.wav"))));
+    EXPECT_TRUE(QFileInfo::exists(folder.filePath(QStringLiteral("Ada - Blue/Disc2/cover.jpg"))));
+    EXPECT_TRUE(QTest::qWaitFor([&stage] { return stage.bar()->value() == 100; }, 60000)) << "60 of 60";
+    EXPECT_EQ(stage.status(), QStringLiteral("Track 2/2: Track 2"));
+    EXPECT_TRUE(stage.log().contains(QStringLiteral("  Track 02: ✦ saved  (errors:0)")));
+    EXPECT_EQ(stage.cards(), (QStringList{"100.00%", "0", "0", "—"}));
+    EXPECT_FALSE(stage.disc.drive.isBorrowed());
 }
 
-TEST_F(RipPage, ACoverChosenByHandIsNoted)
+TEST_F(RipPageTest, ARipOfADriveNamesItWithItsOffset)
 {
-    WindowDriver app(2);
-    prepare(app, makeCue());
-    QImage picture(30, 30, QImage::Format_RGB32);
-    picture.fill(Qt::blue);
-    ASSERT_TRUE(picture.save(folder.filePath(QStringLiteral("art.png"))));
-    app.pickCover(folder.filePath(QStringLiteral("art.png")));
-    app.advanceTo(3);
-    app.runRip();
-    EXPECT_EQ(app.logLines().count(QStringLiteral("  Track 00: Cover art: OK")), 2);
+    Stage stage;
+    stage.shelf.audio = makeAudio(60, 1);
+    ASSERT_TRUE(stage.disc.openDrive(stage.shelf.letter));
+    ASSERT_TRUE(stage.disc.readDisc());
+    stage.settings.sampleOffset = -30;
+    stage.settings.maxRetries = 7;
+    const RipRequest request = requestFor({stage.shelf.letter, {}, {}});
+    ASSERT_TRUE(stage.page.claimSource(request.source));
+    const QStringList header = stage.header(request);
+    EXPECT_EQ(header.mid(5, 2),
+              (QStringList{"Drive  : ACME - DISC READER 9", "Read offset : -30  (Settings value)"}));
+    EXPECT_EQ(header.last(), QStringLiteral("  Track 00: Cover art: not found"));
+    EXPECT_EQ(stage.disc.drive.readOffset(), -30);
+    ASSERT_TRUE(stage.waitForRips());
+    EXPECT_TRUE(stage.log().contains(
+        QStringLiteral("Read mode   : secure - C2 error pointers (max 7 re-reads / sector)")));
 }
 
-TEST_F(RipPage, AnAudioFileEndsWithoutReadQualityAndNextCloses)
+TEST_F(RipPageTest, AnAudioFileLeavesTheDriveAlone)
 {
+    Stage stage;
+    ASSERT_TRUE(stage.openSheet(folder.path()));
+    stage.settings.sampleOffset = 6;
     const QString song = writeFile(folder.path(), QStringLiteral("song.wav"), wrapInWave(makeAudio(10, 1)));
-    for (const int language : {2, 1}) {
-        WindowDriver app(language);
-        app.outputPath()->setText(folder.path());
-        app.pickAudio(song);
-        app.advanceTo(3);
-        const QStringList box = app.runRip();
-        EXPECT_EQ(box.value(1), language == 1
-                                    ? QStringLiteral("リッピングが完了しました。\n\n変換が完了しました。")
-                                    : QStringLiteral("Ripping is complete.\n\nConversion completed."));
-        const QStringList log = app.logLines();
-        EXPECT_TRUE(log.contains("Source : " + song));
-        EXPECT_EQ(
-            log.mid(log.size() - 4),
-            language == 1
-                ? (QStringList{"",
-                               "  ※ 音声ファイルからの変換のため、Read Quality等の読み取り品質チェックは"
-                               "行われません",
-                               "  Result  : 変換完了  ✦", rule})
-                : (QStringList{"",
-                               "  * Converted from an audio file, so read-quality checks such as Read "
-                               "Quality are not performed",
-                               "  Result  : Converted  ✦", rule}));
-        EXPECT_EQ(
-            app.onPage<QLabel>(3, "progressLabel")->text(),
-            language == 1
-                ? QStringLiteral("完了  ✦  変換済み（CD読み取りを伴わないためRead Qualityは対象外です）")
-                : QStringLiteral("Done  ✦  Converted (no CD was read, so Read Quality does not apply)"));
-        QCoreApplication::processEvents();
-        auto* label = app.onPage<QLabel>(3, "progressLabel");
-        EXPECT_GE(label->height(), label->heightForWidth(label->width()));
-        WindowDriver::click(app.next());
-        EXPECT_FALSE(app.window().isVisible());
+    stage.disc.takeAudioFile(song);
+    const RipRequest request = requestFor({{}, {}, song});
+    ASSERT_TRUE(stage.page.claimSource(request.source));
+    EXPECT_EQ(stage.header(request).value(5), "Source : " + song);
+    EXPECT_FALSE(stage.disc.drive.isBorrowed());
+    EXPECT_EQ(stage.disc.drive.readOffset(), 0);
+    ASSERT_TRUE(stage.waitForRips());
+    // Below a folder named after that of the source.
+    EXPECT_TRUE(QFileInfo::exists(folder.filePath(
+        QStringLiteral("Ada - Blue/") + QDir(folder.path()).dirName() + QStringLiteral("/01. song.wav"))));
+}
+
+TEST_F(RipPageTest, WhatTheRipsReportIsShown)
+{
+    Stage stage;
+    Q_EMIT stage.rips.statusText(QStringLiteral("state"));
+    EXPECT_EQ(stage.status(), QStringLiteral("state"));
+    Q_EMIT stage.rips.logLine(QStringLiteral("line"));
+    Q_EMIT stage.rips.trackStarted(3, 12, QStringLiteral("Rain"));
+    EXPECT_EQ(stage.status(), QStringLiteral("Track 3/12: Rain"));
+    EXPECT_EQ(stage.log(), (QStringList{"line", "  Track 03: Rain"}));
+
+    for (const SectorResult& one : {sector(true, false, false, 300), sector(false, false, false, 300),
+                                    sector(false, true, false, 300), sector(true, false, true, 600)})
+        Q_EMIT stage.rips.sectorDone(one);
+    ASSERT_TRUE(QTest::qWaitFor([&stage] { return stage.card(3) == QStringLiteral("4.0x"); }, 60000));
+    EXPECT_EQ(stage.cards(), (QStringList{"25.00%", "1", "2", "4.0x"}));
+    EXPECT_EQ(stage.log().last(2), (QStringList{"  ⚠ Could not confirm sector: LBA 7",
+                                                "  ⚠ Cross-check mismatch: LBA 7 (suspect sector)"}));
+    EXPECT_EQ(stage.bar()->value(), 0) << "of no sectors expected";
+}
+
+TEST_F(RipPageTest, ChecksumsOfSavedTracksAreKeptForTheVerification)
+{
+    ripCrcs.clear();
+    ripFrameWindows.clear();
+    Stage stage;
+    RipResult result;
+    result.trackNumber = 4;
+    result.ok = true;
+    result.crcV1 = 11;
+    result.crcV2 = 22;
+    Q_EMIT stage.rips.trackDone(result);
+    EXPECT_EQ(ripCrcs.value(4), std::pair(quint32{11}, quint32{22}));
+    EXPECT_TRUE(ripFrameWindows.isEmpty());
+    result.trackNumber = 5;
+    result.frameWindow = {1, 2, 3};
+    Q_EMIT stage.rips.trackDone(result);
+    EXPECT_EQ(ripFrameWindows.value(5), (QList<quint32>{1, 2, 3}));
+    result.trackNumber = 6;
+    result.ok = false;
+    Q_EMIT stage.rips.trackDone(result);
+    EXPECT_FALSE(ripCrcs.contains(6));
+    EXPECT_EQ(stage.log().last(), QStringLiteral("  Track 06: ◈ FAILED"));
+
+    ASSERT_TRUE(stage.openSheet(folder.path()));
+    ASSERT_TRUE(stage.page.claimSource(aSheet()));
+    stage.page.start(requestFor(aSheet()));
+    EXPECT_TRUE(ripCrcs.isEmpty()) << "emptied at the start of the next rip";
+    EXPECT_TRUE(ripFrameWindows.isEmpty());
+    ASSERT_TRUE(stage.waitForRips());
+}
+
+TEST_F(RipPageTest, TheResultOfADiscHasItsNumbers)
+{
+    for (const int language : {1, 2}) {
+        Stage stage(language);
+        Q_EMIT stage.rips.sectorDone(sector(true, false, false, 0));
+        Q_EMIT stage.rips.sectorDone(sector(false, false, false, 0));
+        EXPECT_EQ(stage.showResult(false),
+                  (QStringList{textIn(language, "リッピング完了", "Rip Complete"),
+                               textIn(language, "リッピングが完了しました。\n\n", "Ripping is complete.\n\n")
+                                   + QStringLiteral("Read Quality : 50.00%\nErrors : 0 sectors\n"
+                                                    "Suspect Sectors : 1 sectors")}));
+        EXPECT_EQ(stage.status(),
+                  textIn(language, "完了  ✦  Read Quality 50.00%", "Done  ✦  Read Quality 50.00%"));
+        EXPECT_EQ(stage.card(0), QStringLiteral("50.00%"));
+        EXPECT_EQ(stage.card(1), QStringLiteral("1")) << "an outstanding drawing is done";
+        EXPECT_EQ(stage.bar()->value(), 100);
+        EXPECT_EQ(stage.log().last(2), (QStringList{"  Result  : Recovered  ◈", rule}));
+        EXPECT_FALSE(stage.ripButton()->isEnabled());
     }
 }
 
-TEST_F(RipPage, TheWindowMayGoAtAnyMomentOfARip)
+TEST_F(RipPageTest, TheResultOfAnAudioFileHasNone)
 {
-    const QString cue = makeCue(6000);
-    // Before the rip's thread has had a turn; at its start; while the log says so.
-    const char* moments[] = {"", "RIP START", "Track 00: ", "Track 01: Alpha", "Track 01: ✦ saved"};
-    for (const char* moment : moments) {
-        SCOPED_TRACE(moment);
-        WindowDriver app(2);
-        prepare(app, cue);
-        app.advanceTo(3);
-        // A rip that has ended by then waits for nobody.
-        const DialogWatcher watcher([](QDialog* dialog) { dialog->accept(); });
-        WindowDriver::click(app.rip());
-        const QString awaited = QString::fromUtf8(moment);
-        ASSERT_TRUE(
-            QTest::qWaitFor([&] { return app.logLines().join(QLatin1Char('\n')).contains(awaited); }, 60000));
-        EXPECT_LT(app.destroyWindow(), 5000);
-    }
+    Stage stage;
+    EXPECT_EQ(stage.showResult(true),
+              (QStringList{"Rip Complete", "Ripping is complete.\n\nConversion completed."}));
+    EXPECT_EQ(stage.status(),
+              QStringLiteral("Done  ✦  Converted (no CD was read, so Read Quality does not apply)"));
+    EXPECT_EQ(stage.log().last(2), (QStringList{"  Result  : Converted  ✦", rule}));
+    EXPECT_EQ(stage.card(0), QStringLiteral("—"));
 }
 
-TEST_F(RipPage, TheUserMayWanderWhileARipRuns)
+TEST_F(RipPageTest, AfterAResetNothingOfARipIsSeen)
 {
-    HeldStart held;
-    WindowDriver app(2);
-    prepare(app, makeCue(2000));
-    app.advanceTo(3);
-    WindowDriver::click(app.rip());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return held.gate.isHolding(); }, 60000));
-    while (app.step() > 0)
-        WindowDriver::click(app.back());
-    app.advanceTo(2);
-    EXPECT_EQ(app.step(), 2);
-    QStringList box;
-    const DialogWatcher watcher([&](QDialog* dialog) {
-        box << dialog->windowTitle();
-        dialog->accept();
-    });
-    held.gate.open();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !box.isEmpty(); }, 60000));
-    EXPECT_EQ(filesIn(QStringLiteral("Test Artist - Test Album")).size(), 2);
+    Stage stage;
+    for (int number = 0; number < 3; ++number) // drawn at once, and outstanding
+        Q_EMIT stage.rips.sectorDone(sector(false, true, false, 300));
+    stage.showResult(false);
+    Q_EMIT stage.rips.sectorDone(sector(false, true, false, 300));
+    stage.page.reset();
+    EXPECT_TRUE(stage.log().isEmpty());
+    EXPECT_EQ(stage.bar()->value(), 0);
+    EXPECT_EQ(stage.status(), QStringLiteral("Press RIP START to begin"));
+    EXPECT_TRUE(stage.ripButton()->isEnabled());
+    EXPECT_EQ(stage.cards(), (QStringList{"—", "0", "0", "—"}));
+    EXPECT_EQ(stage.showResult(false).value(1).section(QLatin1Char('\n'), 2, 2),
+              QStringLiteral("Read Quality : 100.00%"))
+        << "the counters are at nothing";
+}
+
+TEST_F(RipPageTest, TheButtonAsksForARipAndTheFocusKnowsWhatIsNext)
+{
+    Stage stage;
+    const QSignalSpy asked(&stage.page, &RipPage::ripClicked);
+    stage.ripButton()->click();
+    EXPECT_EQ(asked.size(), 1);
+    EXPECT_TRUE(stage.log().isEmpty());
+    stage.page.focusNextAct();
+    EXPECT_EQ(stage.page.focusWidget(), stage.ripButton());
+    stage.ripButton()->setEnabled(false);
+    stage.page.focusNextAct();
+    EXPECT_TRUE(stage.page.findChild<LogViewer*>()->isAncestorOf(stage.page.focusWidget()));
 }

@@ -1,111 +1,63 @@
-#include "ui/SettingsView.h"
+// The Settings dialog by itself. What OK makes of its values in the window:
+// SettingsOkTest and SettingsRoadTest.
 
-#include "support/FakeHttpTransport.h"
-#include "support/Language.h"
-#include "ui/LookupStage.h"
+#include "ui/SettingsDialog.h"
+
+#include "support/DiscMaker.h"
+#include "ui/PageStage.h"
+#include "ui/SettingsView.h"
 #include "ui/StyleSheet.h"
 
-#include <QCoreApplication>
-#include <QFile>
 #include <QGroupBox>
-#include <QRadioButton>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThread>
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <semaphore>
-
 namespace {
 
-class SettingsDialog : public ::testing::Test {
+/// What the dialog needs around it.
+struct Stage : PageStage {
+    explicit Stage(int language = 2) : PageStage(language, oneDrive) {}
+
+    /// Shows a dialog and lets the step act on it.
+    void open(const std::function<void(const SettingsView&)>& step)
+    {
+        SettingsDialog dialog(settings, disc);
+        const QSignalSpy folder(&dialog, &SettingsDialog::folderChanged);
+        const QSignalSpy ok(&dialog, &SettingsDialog::applied);
+        dialog.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        step(SettingsView{&dialog});
+        applied = static_cast<int>(ok.size());
+        folders.clear();
+        for (const QList<QVariant>& change : folder)
+            folders << change.value(0).toString();
+    }
+
+    int applied = 0;     ///< in the last opening
+    QStringList folders; ///< as the last opening changed them
+};
+
+class SettingsDialogTest : public ::testing::Test {
 protected:
     void SetUp() override { QSettings().clear(); }
-
-    static void openSettings(WindowDriver& app, const std::function<void(const SettingsView&)>& step)
-    {
-        EXPECT_TRUE(withSettings(app, step));
-    }
 
     static QVariant stored(const char* key) { return QSettings().value(QLatin1String(key)); }
 
     static QString music() { return QStandardPaths::writableLocation(QStandardPaths::MusicLocation); }
 };
 
-/// The drives of another platform, with a clock at which one of the program's own
-/// threads can be made to wait.
-class ClockThatHolds : public DrivePlatform {
-public:
-    explicit ClockThatHolds(DrivePlatform& driven) : platform(driven) {}
-    ~ClockThatHolds() override { gate.release(); }
-
-    QStringList enumerateDrives() override { return platform.enumerateDrives(); }
-    std::unique_ptr<DriveDevice> open(const QString& letter) override { return platform.open(letter); }
-    void sleepMilliseconds(int duration) override { platform.sleepMilliseconds(duration); }
-    qint64 nowNanoseconds() override
-    {
-        if (QThread::currentThread() != QCoreApplication::instance()->thread() && armed.exchange(false)) {
-            holds = true;
-            gate.acquire();
-        }
-        return platform.nowNanoseconds();
-    }
-
-    std::atomic<bool> armed = false; ///< the next one to ask waits
-    std::atomic<bool> holds = false;
-    std::binary_semaphore gate{0};
-
-private:
-    DrivePlatform& platform;
-};
-
-class SettingsDuringARip : public ::testing::TestWithParam<int> {
-protected:
-    void SetUp() override { QSettings().clear(); }
-
-    /// The audio of a WAV file below the output folder.
-    QByteArray ripped(const QString& name) const
-    {
-        QFile file(folder.filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll().mid(44) : QByteArray();
-    }
-
-    QTemporaryDir folder;
-};
-
-class SettingsDuringALookup : public LookupStage, public ::testing::WithParamInterface<int> {
-protected:
-    void TearDown() override
-    {
-        gate.release();
-        LookupStage::TearDown();
-    }
-
-    std::atomic<bool> asked = false;
-    std::counting_semaphore<64> gate{0};
-    FakeHttpTransport holding{[this](const HttpRequest& request) {
-        asked = true;
-        gate.acquire();
-        gate.release();
-        return services.transport().get(request);
-    }};
-    HttpTransportOverride inPlace{holding};
-};
-
-INSTANTIATE_TEST_SUITE_P(Both, SettingsDuringARip, bothLanguages, nameOfLanguage);
-INSTANTIATE_TEST_SUITE_P(Both, SettingsDuringALookup, bothLanguages, nameOfLanguage);
-
 } // namespace
 
-TEST_F(SettingsDialog, FrameAndTextsOfTheSettingsTab)
+TEST_F(SettingsDialogTest, FrameAndTextsOfTheSettingsTab)
 {
-    WindowDriver app(2);
-    openSettings(app, [](const SettingsView& view) {
+    Stage stage(2);
+    stage.open([](const SettingsView& view) {
         EXPECT_TRUE(view.dialog->isModal());
         EXPECT_EQ(view.dialog->windowTitle(), QStringLiteral("Settings — Tarvel CD Ripper"));
         EXPECT_EQ(view.dialog->minimumSize(), QSize(560, 700));
@@ -145,10 +97,10 @@ TEST_F(SettingsDialog, FrameAndTextsOfTheSettingsTab)
     });
 }
 
-TEST_F(SettingsDialog, PairsFollowTheLanguage)
+TEST_F(SettingsDialogTest, PairsFollowTheLanguage)
 {
-    WindowDriver app(1);
-    openSettings(app, [](const SettingsView& view) {
+    Stage stage(1);
+    stage.open([](const SettingsView& view) {
         EXPECT_EQ(view.at<QLabel>("progressLabel", 0)->text(),
                   QStringLiteral("（CDドライブを選んで②へ進むと表示されます）"));
         const QString list = view.at<QLabel>("progressLabel", 1)->text();
@@ -163,13 +115,13 @@ TEST_F(SettingsDialog, PairsFollowTheLanguage)
     });
 }
 
-TEST_F(SettingsDialog, FieldsStartWithTheValuesInForce)
+TEST_F(SettingsDialogTest, FieldsStartWithTheValuesInForce)
 {
     QSettings().setValue(QLatin1String(settings::maxRetries), 7);
     QSettings().setValue(QLatin1String(settings::sampleOffset), -30);
     QSettings().setValue(QLatin1String(settings::namingRule), QStringLiteral(" {track} "));
-    WindowDriver app(2);
-    openSettings(app, [](const SettingsView& view) {
+    Stage stage(2);
+    stage.open([](const SettingsView& view) {
         EXPECT_EQ(view.retries()->value(), 7);
         EXPECT_EQ(view.retries()->minimum(), 1);
         EXPECT_EQ(view.retries()->maximum(), 100);
@@ -183,10 +135,10 @@ TEST_F(SettingsDialog, FieldsStartWithTheValuesInForce)
     });
 }
 
-TEST_F(SettingsDialog, TheAboutTabTellsWhatTheProgramIs)
+TEST_F(SettingsDialogTest, TheAboutTabTellsWhatTheProgramIs)
 {
-    WindowDriver app(2);
-    openSettings(app, [](const SettingsView& view) {
+    Stage stage(2);
+    stage.open([](const SettingsView& view) {
         view.at<QTabWidget>("settingsTabs")->setCurrentIndex(1);
         auto* icon = view.at<QLabel>("aboutIcon");
         EXPECT_EQ(icon->size(), QSize(80, 80));
@@ -210,10 +162,10 @@ TEST_F(SettingsDialog, TheAboutTabTellsWhatTheProgramIs)
     });
 }
 
-TEST_F(SettingsDialog, EveryFieldHasANameAndTheTabKeyGoesFromTopToBottom)
+TEST_F(SettingsDialogTest, EveryFieldHasANameAndTheTabKeyGoesFromTopToBottom)
 {
-    WindowDriver app(2);
-    openSettings(app, [](const SettingsView& view) {
+    Stage stage(2);
+    stage.open([](const SettingsView& view) {
         auto* link = view.at<QLabel>("progressLabel", 1);
         auto* browse = view.at<QPushButton>("browseBtn");
         const QList<QWidget*> order{view.retries(), view.offset(),   link,          view.folder(), browse,
@@ -234,16 +186,16 @@ TEST_F(SettingsDialog, EveryFieldHasANameAndTheTabKeyGoesFromTopToBottom)
     });
 }
 
-TEST_F(SettingsDialog, EnterMeansOkAndEscapeMeansCancel)
+TEST_F(SettingsDialogTest, EnterMeansOkAndEscapeMeansCancel)
 {
-    WindowDriver app(2);
-    openSettings(app, [](const SettingsView& view) {
+    Stage stage(2);
+    stage.open([](const SettingsView& view) {
         view.retries()->setValue(33);
         QTest::keyClick(view.rule(), Qt::Key_Escape);
         EXPECT_FALSE(view.dialog->isVisible());
     });
     EXPECT_FALSE(stored(settings::maxRetries).isValid());
-    openSettings(app, [](const SettingsView& view) {
+    stage.open([](const SettingsView& view) {
         EXPECT_EQ(view.retries()->value(), 20);
         view.retries()->setValue(34);
         QTest::keyClick(view.rule(), Qt::Key_Return);
@@ -252,33 +204,11 @@ TEST_F(SettingsDialog, EnterMeansOkAndEscapeMeansCancel)
     EXPECT_EQ(stored(settings::maxRetries).toInt(), 34);
 }
 
-TEST_F(SettingsDialog, CancelChangesNothingAndEachOpeningLeavesADialog)
-{
-    WindowDriver app(2);
-    const auto dialogs = [&app] {
-        return app.window().findChildren<QDialog*>(QString(), Qt::FindDirectChildrenOnly);
-    };
-    for (int opening = 1; opening <= 2; ++opening) {
-        openSettings(app, [](const SettingsView& view) {
-            view.retries()->setValue(33);
-            view.offset()->setValue(6);
-            view.folder()->setText(QStringLiteral("/elsewhere"));
-            view.rule()->setText(QStringLiteral("{title}"));
-            view.language()->setCurrentIndex(1);
-            WindowDriver::click(view.cancel());
-        });
-        EXPECT_EQ(dialogs().size(), opening);
-    }
-    EXPECT_EQ(QSettings().allKeys(), QStringList{QLatin1String(settings::language)});
-    EXPECT_EQ(stored(settings::language).toInt(), 2);
-    EXPECT_EQ(app.outputPath()->text(), music());
-}
-
-TEST_F(SettingsDialog, TheFolderIsPickedThroughItsButton)
+TEST_F(SettingsDialogTest, TheFolderIsPickedThroughItsButton)
 {
     QTemporaryDir chosen;
-    WindowDriver app(2);
-    openSettings(app, [&](const SettingsView& view) {
+    Stage stage(2);
+    stage.open([&](const SettingsView& view) {
         const QStringList shown = pickPath(view.at<QPushButton>("browseBtn"), chosen.path());
         EXPECT_EQ(shown, (QStringList{"Select folder", music()}));
         EXPECT_EQ(view.folder()->text(), chosen.path());
@@ -287,80 +217,83 @@ TEST_F(SettingsDialog, TheFolderIsPickedThroughItsButton)
     });
 }
 
-TEST_F(SettingsDialog, EverythingCanBeChangedDuringTheStepsOfTheWizard)
+TEST_F(SettingsDialogTest, OkPutsTheValuesInForceAndStoresThem)
 {
-    WindowDriver app(2);
-    app.advanceTo(3);
-    openSettings(app, [](const SettingsView& view) {
-        view.rule()->setText(QStringLiteral(" {title} - {track} "));
-        WindowDriver::click(view.ok());
-    });
-    EXPECT_EQ(stored(settings::namingRule).toString(), QStringLiteral("{title} - {track}"));
-    EXPECT_TRUE(app.onPage<QLabel>(1, "previewLabel")->text().contains(QStringLiteral("Title - 01.flac")));
-}
-
-TEST_P(SettingsDuringARip, WhatIsChangedThenIsStoredAndLeavesTheRipAsItIs)
-{
-    QSettings().setValue(QLatin1String(settings::sampleOffset), 6);
-    QSettings().setValue(QLatin1String(settings::defaultDir), folder.path());
-    WindowDriver app(GetParam(), {QStringLiteral("/dev/sr0")});
-    ClockThatHolds clock(app.shelf());
-    const DrivePlatformOverride inPlace(clock);
-    app.shelf().audio = makeAudio(600, 1);
-    app.shelf().tracks = {{0, false}, {200, false}};
-    app.advanceTo(1);
-    app.onPage<QRadioButton>(1, "fmtRadio", 1)->click();
-    app.advanceTo(2);
-    app.artist()->setText(QStringLiteral("Ada"));
-    app.album()->setText(QStringLiteral("Blue"));
-    app.advanceTo(3);
-
-    clock.armed = true;
-    WindowDriver::click(app.rip());
-    ASSERT_TRUE(QTest::qWaitFor([&clock] { return clock.holds.load(); }, 60000));
-    EXPECT_TRUE(withSettings(app, [&app](const SettingsView& view) {
-        EXPECT_FALSE(app.rip()->isEnabled()) << "the rip goes on";
-        EXPECT_EQ(view.offset()->value(), 6);
-        view.offset()->setValue(100);
-        view.rule()->setText(QStringLiteral("{title}"));
-        WindowDriver::click(view.ok());
+    Stage stage;
+    stage.open([&stage](const SettingsView& view) {
+        view.retries()->setValue(55);
+        view.offset()->setValue(-48);
+        view.folder()->setText(QStringLiteral("  /music/new  "));
+        view.rule()->setText(QStringLiteral(" {artist} - {title} "));
+        EXPECT_EQ(stage.settings.maxRetries, 20) << "nothing before OK";
+        view.ok()->click();
         EXPECT_EQ(view.dialog->result(), QDialog::Accepted);
-    }));
-    EXPECT_EQ(QSettings().value(QLatin1String(settings::sampleOffset)).toInt(), 100);
-    EXPECT_EQ(QSettings().value(QLatin1String(settings::namingRule)).toString(), QStringLiteral("{title}"));
-
-    QStringList box;
-    const DialogWatcher watcher([&box](QDialog* dialog) {
-        box << dialog->windowTitle();
-        dialog->accept();
     });
-    clock.gate.release();
-    ASSERT_TRUE(QTest::qWaitFor([&box] { return !box.isEmpty(); }, 60000));
-    // Moved by the offset at the start of the rip, and named by its rule.
-    EXPECT_TRUE(ripped(QStringLiteral("Ada - Blue/01. Track 1.wav"))
-                    .startsWith(app.shelf().audio.mid(6 * 4, 200 * 2352)));
+    EXPECT_EQ(stage.applied, 1);
+    EXPECT_EQ(stage.folders, QStringList{QStringLiteral("/music/new")});
+    for (const RipSettings& seen : {stage.settings, RipSettings::load()}) {
+        EXPECT_EQ(seen.maxRetries, 55);
+        EXPECT_EQ(seen.sampleOffset, -48);
+        EXPECT_EQ(seen.defaultFolder, QStringLiteral("/music/new"));
+        EXPECT_EQ(seen.namingRule, QStringLiteral("{artist} - {title}"));
+    }
+    EXPECT_TRUE(QSettings().allKeys().filter(QStringLiteral("driveOffsets/")).isEmpty());
 }
 
-TEST_P(SettingsDuringALookup, TheLookupGoesOnAndItsAnswerArrives)
+TEST_F(SettingsDialogTest, CancelSaysAndChangesNothing)
 {
-    ServedRelease release;
-    release.media = {{1, {QStringLiteral("Reed"), QStringLiteral("Rain")}}};
-    answerRelease(release);
-    WindowDriver app(GetParam(), drive());
-    loadDisc(app);
-    while (app.step() < 2)
-        WindowDriver::click(app.next());
-    ASSERT_TRUE(QTest::qWaitFor([this] { return asked.load(); }, 60000));
-    EXPECT_TRUE(withSettings(app, [&app](const SettingsView& view) {
-        EXPECT_FALSE(app.next()->isEnabled()) << "the lookup goes on";
-        view.retries()->setValue(9);
-        WindowDriver::click(view.ok());
-    }));
-    EXPECT_EQ(QSettings().value(QLatin1String(settings::maxRetries)).toInt(), 9);
-    EXPECT_TRUE(app.album()->text().isEmpty());
-    EXPECT_FALSE(app.next()->isEnabled());
-    gate.release();
-    waitForLookup(app);
-    EXPECT_EQ(app.album()->text(), QStringLiteral("Still Water"));
-    EXPECT_EQ(titles(app), (QStringList{"Reed", "Rain"}));
+    Stage stage;
+    stage.open([](const SettingsView& view) {
+        view.retries()->setValue(33);
+        view.offset()->setValue(6);
+        view.folder()->setText(QStringLiteral("/elsewhere"));
+        view.rule()->setText(QStringLiteral("{title}"));
+        view.language()->setCurrentIndex(1);
+        view.cancel()->click();
+        EXPECT_EQ(view.dialog->result(), QDialog::Rejected);
+        EXPECT_FALSE(view.dialog->isVisible());
+    });
+    EXPECT_EQ(stage.applied, 0);
+    EXPECT_TRUE(stage.folders.isEmpty());
+    EXPECT_EQ(stage.settings.maxRetries, 20);
+    EXPECT_EQ(QSettings().allKeys(), QStringList{QLatin1String(settings::language)});
+}
+
+TEST_F(SettingsDialogTest, AFolderThatIsTheDefaultOrBlankIsNoChange)
+{
+    Stage stage;
+    stage.settings.defaultFolder = QStringLiteral("/old");
+    for (const char* typed : {"/old", "   "}) {
+        stage.open([typed](const SettingsView& view) {
+            view.folder()->setText(QLatin1String(typed));
+            view.ok()->click();
+        });
+        EXPECT_TRUE(stage.folders.isEmpty()) << typed;
+        EXPECT_EQ(stage.applied, 1);
+        EXPECT_EQ(stage.settings.defaultFolder, QStringLiteral("/old"));
+    }
+}
+
+TEST_F(SettingsDialogTest, TheDriveIsNamedAndAnOffsetSetForItIsItsOwn)
+{
+    Stage stage;
+    stage.shelf.audio = makeAudio(60, 1);
+    ASSERT_TRUE(stage.disc.openDrive(stage.shelf.letter));
+    const QString group = QStringLiteral("driveOffsets/ACME - DISC READER 9");
+    stage.open([](const SettingsView& view) {
+        EXPECT_EQ(view.at<QLabel>("progressLabel", 0)->text(),
+                  QStringLiteral("ACME - DISC READER 9   (Settings value)"));
+        view.ok()->click();
+    });
+    EXPECT_FALSE(QSettings().contains(group + QStringLiteral("/offset"))) << "unchanged";
+    stage.open([](const SettingsView& view) {
+        view.offset()->setValue(667);
+        view.ok()->click();
+    });
+    EXPECT_EQ(QSettings().value(group + QStringLiteral("/offset")).toInt(), 667);
+    EXPECT_EQ(stage.settings.sampleOffset, 667);
+    stage.open([](const SettingsView& view) {
+        EXPECT_EQ(view.at<QLabel>("progressLabel", 0)->text(),
+                  QStringLiteral("ACME - DISC READER 9   (set in Settings)"));
+    });
 }

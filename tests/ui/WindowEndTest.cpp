@@ -3,79 +3,17 @@
 #include "ui/LookupStage.h"
 
 #include "ui/LookupChains.h"
-#include "ui/RecordedEnd.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QRadioButton>
 #include <QTimer>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <functional>
-#include <thread>
-#include <utility>
 
 namespace {
 
-/// A file of a rip that takes a few bytes and then makes its writer wait.
-class StuckFile {
-public:
-    explicit StuckFile(const QString& path)
-    {
-        const QByteArray name = QFile::encodeName(path);
-        made = mkfifo(name.constData(), 0600) == 0;
-        reader = open(name.constData(), O_RDONLY | O_NONBLOCK);
-    }
-    ~StuckFile()
-    {
-        letGo();
-        if (drain.joinable())
-            drain.join();
-        close(reader);
-    }
-    StuckFile(const StuckFile&) = delete;
-    StuckFile& operator=(const StuckFile&) = delete;
-
-    bool isMade() const { return made && reader >= 0; }
-    bool isWrittenTo() const
-    {
-        pollfd asked{reader, POLLIN, 0};
-        return poll(&asked, 1, 0) == 1 && (asked.revents & POLLIN);
-    }
-    /// Takes all that comes, until the writer has closed the file.
-    void letGo()
-    {
-        if (drain.joinable())
-            return;
-        fcntl(reader, F_SETFL, 0);
-        drain = std::thread([this] {
-            std::array<char, 65536> bytes;
-            while (read(reader, bytes.data(), bytes.size()) > 0) {
-            }
-        });
-    }
-
-private:
-    bool made = false;
-    int reader = -1;
-    std::thread drain;
-};
-
 class WindowEnd : public LookupStage {
 protected:
-    QString makeLongCue()
-    {
-        ImageDescription image;
-        image.tracks = {{0, QStringLiteral("Alpha")}};
-        return writeImage(folder.path(), image, makeAudio(100, 1));
-    }
-
     /// To the RIP step, with WAV files as the choice.
     void prepareRip(WindowDriver& app)
     {
@@ -88,29 +26,6 @@ protected:
 };
 
 } // namespace
-
-TEST_F(WindowEnd, ARipThatHangsIsLeftBehindWithoutItsUnfinishedFile)
-{
-    ASSERT_TRUE(QDir(folder.path()).mkpath(QStringLiteral("Test Artist - Test Album")));
-    const QString unfinished = folder.filePath(QStringLiteral("Test Artist - Test Album/01. Alpha.wav"));
-    StuckFile file(unfinished);
-    ASSERT_TRUE(file.isMade());
-    WindowDriver app(2);
-    app.pickCue(makeLongCue());
-    prepareRip(app);
-    bool removed = false;
-    RecordedEnd end([&] {
-        removed = !QFileInfo::exists(unfinished);
-        file.letGo();
-    });
-    const AbruptEndOverride inPlace(end);
-    WindowDriver::click(app.rip());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return file.isWrittenTo(); }, 60000));
-    const qint64 taken = app.destroyWindow();
-    EXPECT_EQ(end.calls, 1);
-    EXPECT_TRUE(removed);
-    EXPECT_GE(taken, 3500) << "the rip was given its time";
-}
 
 TEST_F(WindowEnd, NoTimeIsLostOnTheRipsOwnLookup)
 {

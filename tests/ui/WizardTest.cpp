@@ -188,27 +188,6 @@ TEST_F(Wizard, ResetAfterARipMakesASecondRipPossible)
     EXPECT_FALSE(app.runRip().isEmpty());
 }
 
-TEST_F(Wizard, VerifyPageTextsInBothLanguages)
-{
-    WindowDriver english(2);
-    EXPECT_EQ(english.onPage<QLabel>(4, "stepHeading")->text(), QStringLiteral("AccurateRip Verify"));
-    EXPECT_EQ(english.onPage<QLabel>(4, "subLabel")->text(),
-              QStringLiteral("Compares your rip with the AccurateRip database.\n"
-                             "Checks that you got the same data as other users."));
-    EXPECT_EQ(english.onPage<QLabel>(4, "verifyResult")->text(), QStringLiteral("Waiting to verify..."));
-    auto* table = english.verdicts();
-    EXPECT_EQ(table->horizontalHeaderItem(2)->text(), QStringLiteral("AccurateRip"));
-    EXPECT_EQ(table->columnWidth(0), 52);
-    EXPECT_EQ(table->columnWidth(2), 120);
-    EXPECT_EQ(table->editTriggers(), QAbstractItemView::NoEditTriggers);
-    WindowDriver japanese(1);
-    EXPECT_EQ(japanese.onPage<QLabel>(4, "stepHeading")->text(), QStringLiteral("AccurateRip ベリファイ"));
-    EXPECT_EQ(japanese.onPage<QLabel>(4, "subLabel")->text(),
-              QStringLiteral("リッピング結果を AccurateRip データベースと照合します。\n"
-                             "他のユーザーと同一のデータが取れているか確認します。"));
-    EXPECT_EQ(japanese.onPage<QLabel>(4, "verifyResult")->text(), QStringLiteral("照合待機中..."));
-}
-
 TEST_F(Wizard, NoPageScrollsAtTheInitialSizeAndNoneIsCutAtTheSmallest)
 {
     for (const int language : {1, 2}) {

@@ -1,0 +1,191 @@
+#include "ui/RunningRips.h"
+
+#include "disc/CdDrive.h"
+#include "rip/RipWorker.h"
+#include "support/DiscMaker.h"
+#include "ui/AbruptEnd.h"
+#include "ui/HeldRip.h"
+#include "ui/RecordedEnd.h"
+#include "ui/RipRelay.h"
+#include "ui/StuckFile.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class RunningRipsTest : public ::testing::Test {
+protected:
+    void SetUp() override { QSettings().clear(); }
+
+    /// A worker that makes a WAV file of an audio file.
+    std::unique_ptr<RipWorker> conversion(const QString& name)
+    {
+        DiscToc disc;
+        disc.tracks = {TrackInfo()};
+        disc.tracks.first().number = 1;
+        disc.tracks.first().title = name;
+        const QString song =
+            writeFile(folder.path(), name + QStringLiteral(".wav"), wrapInWave(makeAudio(10, 1)));
+        auto worker = std::make_unique<RipWorker>();
+        worker->configure(nullptr, disc, output(), {}, {}, {}, {}, {}, 1, 1, 0, OutputWav, song, 1);
+        return worker;
+    }
+
+    /// A worker that makes a WAV file of an image of one track.
+    std::unique_ptr<RipWorker> imageRip(CdDrive& drive)
+    {
+        ImageDescription image;
+        image.tracks = {{0, QStringLiteral("Alpha")}};
+        EXPECT_TRUE(drive.openCue(writeImage(folder.path(), image, makeAudio(100, 1))));
+        auto worker = std::make_unique<RipWorker>();
+        worker->configure(&drive, drive.readToc(), output(), {}, {}, {}, {}, {}, 1, 1, 0, OutputWav, {}, 1);
+        return worker;
+    }
+
+    QString output() const { return folder.filePath(QStringLiteral("out")); }
+    static int threads(const RunningRips& rips)
+    {
+        return static_cast<int>(rips.findChildren<QThread*>().size());
+    }
+
+    QTemporaryDir folder;
+};
+
+} // namespace
+
+TEST_F(RunningRipsTest, WhatARipReportsComesOutAndNothingIsLeft)
+{
+    RunningRips rips;
+    QStringList seen;
+    QObject::connect(&rips, &RunningRips::logLine,
+                     [&seen](const QString&) { seen << QStringLiteral("log"); });
+    QObject::connect(&rips, &RunningRips::statusText,
+                     [&seen](const QString&) { seen << QStringLiteral("status"); });
+    QObject::connect(&rips, &RunningRips::trackStarted, [&seen](int number, int total, const QString& title) {
+        seen << QStringLiteral("start %1/%2 %3").arg(number).arg(total).arg(title);
+    });
+    QObject::connect(&rips, &RunningRips::trackDone, [&seen](const RipResult& result) {
+        seen << QStringLiteral("done %1 %2").arg(result.trackNumber).arg(result.ok);
+    });
+    QObject::connect(&rips, &RunningRips::finished, [&] {
+        EXPECT_EQ(QThread::currentThread(), rips.thread());
+        EXPECT_EQ(threads(rips), 1) << "a slot still finds the rip under way";
+        seen << QStringLiteral("finished");
+    });
+    rips.start(conversion(QStringLiteral("Song")));
+    EXPECT_EQ(threads(rips), 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return threads(rips) == 0; }, 60000));
+    seen.removeAll(QStringLiteral("log"));
+    seen.removeAll(QStringLiteral("status"));
+    EXPECT_EQ(seen.last(3), (QStringList{"start 1/1 Song", "done 1 1", "finished"}));
+    EXPECT_EQ(seen.count(QStringLiteral("finished")), 1);
+    // Below a folder named after that of the source.
+    EXPECT_TRUE(QFileInfo::exists(
+        QDir(output()).filePath(QDir(folder.path()).dirName() + QStringLiteral("/01. Song.wav"))));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(rips.children().isEmpty()) << "neither a thread nor a relay";
+}
+
+TEST_F(RunningRipsTest, TheSectorsLinesAndStatesOfAnImageComeOut)
+{
+    CdDrive drive;
+    RunningRips rips;
+    int sectors = 0;
+    QStringList lines;
+    bool finished = false;
+    QObject::connect(&rips, &RunningRips::sectorDone, [&sectors](const SectorResult&) { ++sectors; });
+    QObject::connect(&rips, &RunningRips::logLine, [&lines](const QString& line) { lines << line; });
+    QObject::connect(&rips, &RunningRips::finished, [&finished] { finished = true; });
+    rips.start(imageRip(drive));
+    // Whatever a rip says of itself, in place of a run that says all.
+    auto* relay = rips.findChild<RipRelay*>();
+    ASSERT_NE(relay, nullptr);
+    QString status;
+    QObject::connect(&rips, &RunningRips::statusText, [&status](const QString& text) { status = text; });
+    Q_EMIT relay->statusText(QStringLiteral("state"));
+    EXPECT_EQ(status, QStringLiteral("state"));
+    Q_EMIT relay->logLine(QStringLiteral("line"));
+    EXPECT_EQ(lines.last(), QStringLiteral("line"));
+    ASSERT_TRUE(QTest::qWaitFor([&finished] { return finished; }, 60000));
+    EXPECT_EQ(sectors, 100);
+}
+
+TEST_F(RunningRipsTest, TwoAtOnceEndOneByOne)
+{
+    HeldStart held;
+    CdDrive drive;
+    RunningRips rips;
+    int finished = 0;
+    QObject::connect(&rips, &RunningRips::finished, [&finished] { ++finished; });
+    rips.start(imageRip(drive));
+    ASSERT_TRUE(QTest::qWaitFor([&held] { return held.gate.isHolding(); }, 60000));
+    rips.start(conversion(QStringLiteral("Song")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return threads(rips) == 1; }, 60000)) << "the conversion has gone";
+    EXPECT_EQ(finished, 1);
+    EXPECT_TRUE(drive.isBorrowed()) << "the other goes on";
+    held.gate.open();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return threads(rips) == 0; }, 60000));
+    EXPECT_EQ(finished, 2);
+    EXPECT_FALSE(drive.isBorrowed());
+}
+
+TEST_F(RunningRipsTest, WhoGoesWhileARipRunsStopsItAndHearsNoMore)
+{
+    HeldStart held;
+    CdDrive drive;
+    RecordedEnd end([] {});
+    const AbruptEndOverride inPlace(end);
+    bool heard = false;
+    {
+        RunningRips rips;
+        rips.start(imageRip(drive));
+        ASSERT_TRUE(QTest::qWaitFor([&held] { return held.gate.isHolding(); }, 60000));
+        QObject::connect(&rips, &RunningRips::finished, [&heard] { heard = true; });
+        held.gate.open();
+    }
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(heard);
+    EXPECT_EQ(end.calls, 0);
+    EXPECT_FALSE(drive.isBorrowed());
+}
+
+TEST_F(RunningRipsTest, ASlotOfTheEndMayTakeItAway)
+{
+    auto rips = std::make_unique<RunningRips>();
+    QObject::connect(rips.get(), &RunningRips::finished, [&rips] { rips.reset(); });
+    rips->start(conversion(QStringLiteral("Song")));
+    EXPECT_TRUE(QTest::qWaitFor([&rips] { return !rips; }, 60000));
+}
+
+TEST_F(RunningRipsTest, ARipThatHangsIsLeftBehindWithoutItsUnfinishedFile)
+{
+    ASSERT_TRUE(QDir(folder.path()).mkpath(QStringLiteral("out")));
+    const QString unfinished = output() + QStringLiteral("/01. Alpha.wav");
+    StuckFile file(unfinished);
+    ASSERT_TRUE(file.isMade());
+    bool removed = false;
+    RecordedEnd end([&] {
+        removed = !QFileInfo::exists(unfinished);
+        file.letGo();
+    });
+    const AbruptEndOverride inPlace(end);
+    CdDrive drive;
+    auto rips = std::make_unique<RunningRips>();
+    rips->start(imageRip(drive));
+    ASSERT_TRUE(QTest::qWaitFor([&file] { return file.isWrittenTo(); }, 60000));
+    QElapsedTimer time;
+    time.start();
+    rips.reset();
+    EXPECT_EQ(end.calls, 1);
+    EXPECT_TRUE(removed);
+    EXPECT_GE(time.elapsed(), 3500) << "the rip was given its time";
+}
