@@ -152,6 +152,23 @@ TEST_F(Wizard, ARipOpensTheWayToVerifyOnceAndFinishCloses)
     EXPECT_FALSE(app.rip()->isEnabled());
 }
 
+TEST_F(Wizard, WithoutADiscTheVerdictsListTheRowsOfTheTrackTable)
+{
+    WindowDriver app;
+    app.advanceTo(2);
+    app.tracks()->insertRow(0);
+    app.tracks()->setItem(0, 0, new QTableWidgetItem(QStringLiteral("07")));
+    app.tracks()->setItem(0, 1, new QTableWidgetItem(QStringLiteral("Mine")));
+    app.advanceTo(3);
+    app.next()->setEnabled(true); // as the end of a rip does, whatever a reset took back meanwhile
+    WindowDriver::click(app.next());
+    ASSERT_EQ(app.step(), 4);
+    ASSERT_EQ(app.verdicts()->rowCount(), 1);
+    EXPECT_EQ(app.cell(app.verdicts(), 0, 0), QStringLiteral("07"));
+    EXPECT_EQ(app.cell(app.verdicts(), 0, 1), QStringLiteral("Mine"));
+    EXPECT_EQ(app.cell(app.verdicts(), 0, 2), QStringLiteral("—"));
+}
+
 TEST_F(Wizard, FinishClosesTheWindow)
 {
     WindowDriver app(1);
