@@ -6,8 +6,8 @@
 #include <optional>
 
 /// The boxes that an MPEG-4 file is made of, one within the other, and what those
-/// hold that tell of its audio. Whatever they state, nothing is read behind the
-/// end of a box, and nothing is allocated.
+/// hold that tell of its audio. Whatever they state, nothing is allocated, and of a
+/// table no more entries are read than would fill its box.
 
 /// More than any file has.
 inline constexpr std::uint64_t largestMpeg4File = std::uint64_t{1} << 42;
