@@ -64,6 +64,9 @@ TEST_F(OutputFileTest, AFailedAttemptSticksAndAnExceptionIsOne)
         }));
         EXPECT_FALSE(output.good());
         EXPECT_FALSE(output.attempt([&] { return output.write("b", 1); }));
+        // One that writes nothing does not make good what was lost.
+        EXPECT_TRUE(output.attempt([] { return true; }));
+        EXPECT_FALSE(output.good());
         EXPECT_FALSE(output.finish());
     }
 }

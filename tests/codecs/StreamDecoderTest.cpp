@@ -11,6 +11,7 @@ namespace {
 /// What the streams of a test do, and how many of them there are.
 struct Script {
     bool opens = true;
+    bool throwsAtOpen = false;
     AudioFormat format{48000, 1, 24};
     std::optional<quint64> total = 7;
     int blocks = 2;
@@ -30,6 +31,8 @@ public:
     {
         pcm = script.format;
         total = script.total;
+        if (script.throwsAtOpen)
+            throw std::bad_alloc();
         return script.opens;
     }
     std::optional<AudioBlock> read() override
@@ -86,6 +89,30 @@ TEST_F(StreamDecoderTest, ARefusedFileLeavesNothingBehind)
     EXPECT_EQ(script.alive, 0);
     EXPECT_EQ(decoder.format(), (AudioFormat{44100, 2, 16}));
     EXPECT_EQ(decoder.totalFrames(), std::nullopt);
+    EXPECT_FALSE(decoder.read());
+}
+
+TEST_F(StreamDecoderTest, AnExceptionWhileOpeningIsARefusal)
+{
+    script.throwsAtOpen = true;
+    bool opened = true;
+    EXPECT_NO_THROW(opened = decoder.open("x"));
+    EXPECT_FALSE(opened);
+    EXPECT_EQ(script.alive, 0);
+    EXPECT_EQ(decoder.format(), (AudioFormat{44100, 2, 16}));
+    script.throwsAtOpen = false;
+    EXPECT_TRUE(decoder.open("x"));
+}
+
+TEST_F(StreamDecoderTest, AFileThatIsRefusedAfterAnotherLeavesTheFactsOfThat)
+{
+    ASSERT_TRUE(decoder.open("x"));
+    decoder.close();
+    script.opens = false;
+    script.format.channels = 5;
+    EXPECT_FALSE(decoder.open("y"));
+    EXPECT_EQ(decoder.format(), (AudioFormat{48000, 1, 24}));
+    EXPECT_EQ(decoder.totalFrames(), 7u);
     EXPECT_FALSE(decoder.read());
 }
 

@@ -150,6 +150,14 @@ TEST_F(AacDecoderTest, ASourceWithoutAudioIsRefused)
     EXPECT_FALSE(decodeWith<AacDecoder>(file("a.mp4")).opened);
 }
 
+TEST_F(AacDecoderTest, AudioOfAnotherCodecInMpeg4IsRefused)
+{
+    writeAll(file("s.wav"), waveFile({44100, 2, 16}, decoderfiles::audio(20000, 2)));
+    convert({QStringLiteral("-c:a"), QStringLiteral("ac3"), QStringLiteral("-f"), QStringLiteral("mp4")},
+            file("a.m4a"));
+    EXPECT_FALSE(decode(file("a.m4a")).opened);
+}
+
 TEST_F(AacDecoderTest, ATruncatedStreamEndsEarly)
 {
     writeAll(file("s.wav"), waveFile({44100, 2, 16}, decoderfiles::audio(200000, 2)));

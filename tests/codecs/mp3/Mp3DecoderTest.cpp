@@ -97,3 +97,14 @@ TEST_F(Mp3DecoderTest, APlayListOrAnAddressIsNotFollowed)
     Mp3Decoder decoder;
     EXPECT_FALSE(decoder.open("concat:" + file("a.mp3").toStdString()));
 }
+
+TEST_F(Mp3DecoderTest, AFileWhoseNameLooksLikeAnAddressIsOpened)
+{
+    encode(file("concat:a.mp3"), 50000, 2, {});
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(toPath(file("concat:a.mp3")).parent_path());
+    Mp3Decoder decoder;
+    const bool opened = decoder.open("concat:a.mp3");
+    std::filesystem::current_path(before);
+    EXPECT_TRUE(opened);
+}

@@ -54,6 +54,14 @@ TEST_P(OggChannelsTest, AgreesWithAnIndependentDecoderToTheSample)
 
 INSTANTIATE_TEST_SUITE_P(Channels, OggChannelsTest, ::testing::Range<quint16>(1, 9));
 
+TEST_F(OggDecoderTest, AFileWithoutAudioHasNoTotal)
+{
+    const Decoded decoded = decodeBytes(encoded(0));
+    EXPECT_TRUE(decoded.opened);
+    EXPECT_EQ(decoded.total, std::nullopt);
+    EXPECT_EQ(decoded.frames(), 0u);
+}
+
 TEST_F(OggDecoderTest, OpusInOggIsRefused)
 {
     decoderfiles::make(file("a.opus"), 5000);

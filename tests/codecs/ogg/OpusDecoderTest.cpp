@@ -39,6 +39,15 @@ TEST_P(OpusChannelsTest, AgreesWithAnIndependentDecoderToTheSample)
 
 INSTANTIATE_TEST_SUITE_P(Channels, OpusChannelsTest, ::testing::Range<quint16>(1, 9));
 
+TEST_F(OpusDecoderTest, AFileWithoutAudioHasNoTotal)
+{
+    decoderfiles::make(file("a.opus"), 0);
+    const Decoded decoded = decode(file("a.opus"));
+    EXPECT_TRUE(decoded.opened);
+    EXPECT_EQ(decoded.total, std::nullopt);
+    EXPECT_EQ(decoded.frames(), 0u);
+}
+
 TEST_F(OpusDecoderTest, WhatWasRecordedAt44100IsDeliveredAt48000)
 {
     decoderfiles::encode(file("a.opus"), {44100, 2, 16}, decoderfiles::audio(44100, 2));
