@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/ServiceOverride.h"
+
 #include <memory>
 
 /// What a disc run needs of the platform while it lasts: raised priority of the
@@ -16,16 +18,7 @@ public:
 RunGuard& runGuard();
 
 /// Puts another guard in place for its lifetime; before any run starts.
-class RunGuardOverride {
-public:
-    explicit RunGuardOverride(RunGuard& replacement);
-    ~RunGuardOverride();
-    RunGuardOverride(const RunGuardOverride&) = delete;
-    RunGuardOverride& operator=(const RunGuardOverride&) = delete;
-
-private:
-    RunGuard* previous;
-};
+using RunGuardOverride = ServiceOverride<RunGuard>;
 
 /// The guard of the machine this was built for.
 std::unique_ptr<RunGuard> makeRunGuard();
