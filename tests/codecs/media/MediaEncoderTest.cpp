@@ -201,6 +201,19 @@ TEST_F(AacPcmTest, ASecondFileStartsWithAnEmptyFilter)
     ASSERT_TRUE(encoder.close());
 }
 
+TEST_F(AacPcmTest, ASecondFileAtARateThatIsTakenIsNotBroughtDown)
+{
+    AacEncoder encoder(makeRecordingWriter);
+    ASSERT_TRUE(encoder.open("x.m4a", {96000, 2, 16}));
+    ASSERT_TRUE(encoder.close());
+    log() = Log();
+    const QList<qint32> samples = audiomaker::from16(audiomaker::to16(audiomaker::noise(2 * 5000, 108)));
+    ASSERT_TRUE(encoder.open("x.m4a", {48000, 2, 16}));
+    ASSERT_TRUE(encoder.write(makeBlock(samples, 2)));
+    ASSERT_TRUE(encoder.close());
+    EXPECT_EQ(log().pcm, littleEndian(samples, 16));
+}
+
 TEST_F(AlacPcmTest, WidthFollowsTheSourceAndLowBitsAreDropped)
 {
     const QList<qint32> samples = audiomaker::noise(3 * 20000, 107);
