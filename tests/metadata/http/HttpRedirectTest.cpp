@@ -1,5 +1,6 @@
 #include "metadata/http/Http.h"
 #include "metadata/lookup/CoverArt.h"
+#include "support/LogCapture.h"
 #include "support/LoopbackServices.h"
 
 #include <QElapsedTimer>
@@ -114,6 +115,35 @@ TEST(HttpRedirect, TenAreFollowedAndElevenAreNoAnswer)
     EXPECT_TRUE(httpGet(QStringLiteral("http://a.test/step0/"), &status).isEmpty());
     EXPECT_EQ(status, 0);
     EXPECT_TRUE(CoverArt::get(QStringLiteral("http://a.test/step0/")).isEmpty());
+}
+
+TEST(HttpRedirect, AHangUpBehindARedirectIsAFailedRequest)
+{
+    LoopbackServices services;
+    ServedAnswer hangsUp;
+    hangsUp.dropped = true;
+    services.on("a.test", "/", redirect("/end"));
+    services.on("a.test", "/end", hangsUp);
+    const LogCapture log;
+    int status = -1;
+    EXPECT_TRUE(httpGet(QStringLiteral("http://a.test/"), &status).isEmpty());
+    EXPECT_EQ(status, 0);
+    ASSERT_EQ(log.warnings().size(), 1);
+    EXPECT_TRUE(log.warnings().first().startsWith(QLatin1String("[HTTP] request failed, err= ")));
+}
+
+TEST(HttpRedirect, TheLimitOfAHeadHoldsForEachByItself)
+{
+    ServedAnswer wordy = redirect("/end");
+    ServedAnswer end = page("arrived");
+    for (ServedAnswer* answer : {&wordy, &end})
+        answer->headers.append("X-Filler: " + QByteArray(500, 'y'));
+    HttpLimits limits;
+    limits.headBytes = wordy.head().size() + end.head().size() - 1;
+    LoopbackServices services(limits);
+    services.on("a.test", "/", wordy);
+    services.on("a.test", "/end", end);
+    EXPECT_EQ(httpGet(QStringLiteral("http://a.test/")), "arrived");
 }
 
 TEST(HttpRedirect, ALoopEnds)

@@ -274,3 +274,22 @@ TEST(HttpTrouble, ATransportThatIsStoppedEndsWhatIsUnderWay)
     EXPECT_TRUE(httpGet(address).isEmpty());
     EXPECT_EQ(services.requests().size(), 1);
 }
+
+TEST(HttpTrouble, ABodyThatIsStoppedIsNoAnswer)
+{
+    ServedAnswer stalls = page("0123456789");
+    stalls.stallAfter = 4;
+    LoopbackServices services;
+    services.on("a.test", "/", stalls);
+    std::thread stopper([&services] {
+        while (services.requests().isEmpty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        // Long enough for the head to arrive; before it a stop is none either.
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        services.transport().stop();
+    });
+    int status = -1;
+    EXPECT_TRUE(httpGet(address, &status).isEmpty());
+    stopper.join();
+    EXPECT_EQ(status, 0);
+}
