@@ -3,6 +3,7 @@
 #include "RunParts.h"
 #include "ScriptedDrive.h"
 #include "TrackFiles.h"
+#include "support/Tool.h"
 
 #include <QTemporaryDir>
 
@@ -120,6 +121,27 @@ TEST_F(DiscRunTest, ADataTrackInFrontMovesTheNumbersBeyondTheAudioCount)
         << "the probe, 150 behind the first audio";
 }
 
+// Track 5 holds data; the two behind it have the places 2 and 3.
+TEST_F(DiscRunTest, NamesTagsAndResultsHaveTheNumbersOfTheTable)
+{
+    load(400, {{0, true}, {100}, {250}});
+    disc.firstTrackNumber = 5;
+    run.order.outputFormat = OutputFlac;
+    rip();
+    EXPECT_EQ(said.logLines.value(1), QStringLiteral("  Track 05: data track (not audio) - skipped"));
+    EXPECT_EQ(said.started, (QStringList{QStringLiteral("2/2 Track 6"), QStringLiteral("3/2 Track 7")}));
+    ASSERT_EQ(said.results.size(), 2);
+    EXPECT_EQ(said.results[0].trackNumber, 6);
+    EXPECT_EQ(said.results[1].trackNumber, 7);
+    const ToolResult tags =
+        runTool(QStringLiteral("metaflac"),
+                {QStringLiteral("--export-tags-to=-"), folder.filePath(QStringLiteral("06. Track 6.flac"))});
+    ASSERT_TRUE(tags.ok()) << tags.errors.toStdString();
+    const QList<QByteArray> lines = tags.output.split('\n');
+    EXPECT_TRUE(lines.contains("TRACKNUMBER=6") && lines.contains("TRACKTOTAL=2"))
+        << tags.output.toStdString();
+}
+
 TEST_F(DiscRunTest, ADiscOfDataAloneEndsWithItsLines)
 {
     load(100, {{0, true}});
@@ -199,6 +221,7 @@ TEST_F(DiscRunTest, ATrackWithoutSectorsFailsAloneAndNothingIsWritten)
     EXPECT_TRUE(said.results[2].ok);
     EXPECT_TRUE(rippedTrack(3) == disc.truth(100, 200));
     EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("02. Track 2.wav"))));
+    EXPECT_EQ(disc.count(Command::Sleep), 2) << "the pause is made in front of any track but the first";
 }
 
 TEST_F(DiscRunTest, ATrackBehindTheLeadOutFailsWithoutReading)
@@ -305,14 +328,28 @@ TEST_F(DiscRunTest, AStopEndsTheFirstPassToo)
     EXPECT_FALSE(disc.commands.contains({Command::Raw, 27, 27}));
 }
 
-TEST_F(DiscRunTest, TheOrdersCoverIsSavedWithoutAMessage)
+TEST_F(DiscRunTest, TheOrdersCoverIsSavedWithoutAMessageAndEmbedded)
 {
     load(50, {{0}});
+    run.order.outputFormat = OutputFlac;
     run.order.cover = QPixmap(20, 10);
     run.order.cover.fill(Qt::red);
     rip();
     EXPECT_EQ(said.started, QStringList{QStringLiteral("1/1 Track 1")});
     EXPECT_EQ(QPixmap(folder.filePath(QStringLiteral("cover.jpg"))).size(), QSize(20, 10));
+    const QByteArray pictures =
+        runTool(QStringLiteral("metaflac"), {QStringLiteral("--list"), QStringLiteral("--block-type=PICTURE"),
+                                             folder.filePath(QStringLiteral("01. Track 1.flac"))})
+            .output;
+    EXPECT_TRUE(pictures.contains("MIME type: image/jpeg")) << pictures.toStdString();
+}
+
+TEST_F(DiscRunTest, WithoutACoverTheOneInTheFolderStays)
+{
+    load(50, {{0}});
+    const QString cover = writeFile(folder.path(), QStringLiteral("cover.jpg"), "the user's own");
+    rip();
+    EXPECT_EQ(contentOf(cover), "the user's own");
 }
 
 // A mismatch of the cross-check at 0, a sector that a re-read recovers, two that

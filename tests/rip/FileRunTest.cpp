@@ -115,7 +115,8 @@ TEST_F(FileRunTest, TheTrackCarriesTheTagsTheCoverAndNoChecksum)
     const QString written = out(QStringLiteral("Album/01. Song.flac"));
     const QString tags = QString::fromUtf8(
         runTool(QStringLiteral("metaflac"), {QStringLiteral("--export-tags-to=-"), written}).output);
-    for (const char* tag : {"TITLE=Song", "ARTIST=Test Artist", "ALBUM=Test Album", "TRACKNUMBER=1"})
+    for (const char* tag :
+         {"TITLE=Song", "ARTIST=Test Artist", "ALBUM=Test Album", "TRACKNUMBER=1", "TRACKTOTAL=1"})
         EXPECT_TRUE(tags.contains(QLatin1String(tag), Qt::CaseInsensitive))
             << tag << " in " << tags.toStdString();
     EXPECT_FALSE(runTool(QStringLiteral("metaflac"),

@@ -283,8 +283,5 @@ TEST_F(ImageRunTest, WhatCouldNotBeReadIsCounted)
     ASSERT_EQ(said.results.size(), 3);
     EXPECT_EQ(said.results[1].errorSectors, 0U);
     EXPECT_EQ(said.results[2].errorSectors, 5U);
-    quint32 retries = 0;
-    for (const SectorResult& record : said.sectors)
-        retries += static_cast<quint32>(record.retries);
-    EXPECT_EQ(said.results[2].suspectSectors, retries);
+    EXPECT_EQ(said.results[2].suspectSectors, 0U) << "an image is read once";
 }

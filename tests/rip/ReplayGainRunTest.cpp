@@ -6,6 +6,7 @@
 
 #include "RunRecorder.h"
 #include "codecs/DecoderFiles.h"
+#include "rip/RunGuard.h"
 #include "support/SimulatedDrive.h"
 #include "support/Tool.h"
 
@@ -156,6 +157,22 @@ TEST_F(ReplayGainRun, SilenceGetsTheGainOfTheLowestLoudness)
               QStringLiteral("+52.00 dB"));
     EXPECT_EQ(tag(out(QStringLiteral("01. Nothing.flac")), "REPLAYGAIN_TRACK_PEAK"),
               QStringLiteral("0.000000"));
+}
+
+// Measuring an album takes its time; the machine may not go to sleep over it.
+TEST_F(ReplayGainRun, AnAlbumsGainIsWrittenUnderTheGuard)
+{
+    struct LookingGuard : RunGuard {
+        void begin() override {}
+        void end() override { seen = tag(file, "REPLAYGAIN_ALBUM_GAIN"); }
+        QString file;
+        QString seen;
+    } guard;
+    guard.file = out(QStringLiteral("01. Loud.flac"));
+    const RunGuardOverride inPlace(guard);
+    RunRecorder run;
+    run.rip(image(), OutputFlac, out());
+    EXPECT_NE(guard.seen, QString());
 }
 
 TEST_F(ReplayGainRun, WithoutTheSwitchThereAreNoGainTags)

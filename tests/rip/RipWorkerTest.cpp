@@ -41,6 +41,8 @@ TEST(RipWorker, WithoutDriveOrTracksItEndsWithAnErrorAndNothingRaised)
     EXPECT_EQ(run.finishedCount, 1);
     run.worker.configure(&run.drive, DiscToc(), QString(), QString(), QString(), QString(), QPixmap(),
                          QString(), 0, 0, 300, OutputFlac, QString(), 20);
+    ASSERT_TRUE(run.drive.borrow());
+    run.worker.adoptBorrowedDrive();
     run.worker.run();
     EXPECT_EQ(run.errors.size(), 2);
     EXPECT_EQ(run.finishedCount, 2);
@@ -198,9 +200,11 @@ TEST(RipWorker, AnAudioFileWithoutADecoderIsRefused)
 {
     QTemporaryDir folder;
     RunRecorder run;
-    run.worker.configure(nullptr, DiscToc(), folder.path(), QString(), QString(), QString(), QPixmap(),
-                         QString(), 1, 1, 300, OutputFlac, QStringLiteral("/music/a.xyz"), 20);
+    const QString output = folder.filePath(QStringLiteral("out/deep"));
+    run.worker.configure(nullptr, DiscToc(), output, QString(), QString(), QString(), QPixmap(), QString(), 1,
+                         1, 300, OutputFlac, QStringLiteral("/music/a.xyz"), 20);
     run.worker.run();
+    EXPECT_TRUE(QFileInfo(output).isDir()) << "made before the file is looked at";
     ASSERT_EQ(run.errors.size(), 1);
     EXPECT_TRUE(run.errors[0].endsWith(QStringLiteral(": /music/a.xyz")));
     EXPECT_TRUE(run.started.isEmpty());
@@ -265,6 +269,36 @@ TEST(RipWorker, TheUnfinishedFileIsThatOfTheTrackInWork)
     pretendFreeSpace(std::nullopt);
     EXPECT_EQ(inWork, folder.filePath(QStringLiteral("01. One.wav")));
     EXPECT_EQ(run.worker.unfinishedFile(), QString());
+}
+
+// The line of the tags that have no room is said in the middle of the writing.
+TEST(RipWorker, ARequestToStopLetsATrackThatIsBeingWrittenEnd)
+{
+    SimulatedDrive disc;
+    const DrivePlatformOverride platform(disc);
+    disc.audio = makeAudio(30, 1);
+    disc.tracks = {{0}, {15}};
+    for (const bool isImage : {true, false}) {
+        QTemporaryDir folder;
+        ImageDescription image;
+        image.tracks = {{0, QString()}, {15, QString()}};
+        RunRecorder run;
+        run.onLog = [&run](const QString& line) {
+            if (line.startsWith(QStringLiteral("  ⚠")))
+                run.worker.requestStop();
+        };
+        pretendFreeSpace(1);
+        if (isImage)
+            run.rip(writeImage(folder.path(), image, disc.audio), OutputWav, folder.path());
+        else
+            run.ripDisc(folder.path());
+        pretendFreeSpace(std::nullopt);
+        ASSERT_EQ(run.results.size(), 1) << isImage;
+        EXPECT_TRUE(run.results[0].ok);
+        EXPECT_EQ(run.sectors.size(), 15);
+        EXPECT_TRUE(audioOfWave(folder.filePath(QStringLiteral("01. Track 1.wav")))
+                    == disc.audio.first(15 * RAW_SECTOR_BYTES));
+    }
 }
 
 TEST(RipWorkerOffset, WithoutADriveNothingMoves)

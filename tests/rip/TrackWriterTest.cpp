@@ -147,6 +147,15 @@ TEST_F(TrackWriterTest, AFileThatIsNotWholeIsRemovedAndItsSamplesStay)
     EXPECT_EQ(run.writer.unfinishedFile(), QString());
 }
 
+TEST_F(TrackWriterTest, AnEncoderThatRefusesTheFormatLeavesTheFileOfThatName)
+{
+    constexpr AudioFormat nineChannels{44100, 9, 16};
+    ASSERT_TRUE(write(OutputFlac));
+    const QByteArray before = contentOf(file(QStringLiteral("1.flac")));
+    EXPECT_FALSE(run.writer.write(QList<int>(900), nineChannels, label()));
+    EXPECT_TRUE(contentOf(file(QStringLiteral("1.flac"))) == before);
+}
+
 TEST_F(TrackWriterTest, AFileThatCannotBeMadeLeavesWhatIsThere)
 {
     ASSERT_TRUE(QDir().mkpath(file(QStringLiteral("1.wav/inside"))));
