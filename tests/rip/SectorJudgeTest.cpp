@@ -184,6 +184,14 @@ TEST_F(CompareVerdict, TwoRereadsThatEqualOneOfThePassesRecover)
     EXPECT_TRUE(data == disc.truth(doubtful));
 }
 
+TEST_F(CompareVerdict, TheFirstPassHasAVoteToo)
+{
+    disc.script(doubtful, {{false, 0, 0}, {false, 5, 0}});
+    judge(doubtful);
+    expectVerdict(false, false, 2, false);
+    EXPECT_TRUE(data == disc.truth(doubtful));
+}
+
 TEST_F(CompareVerdict, ANewValueNeedsThreeReads)
 {
     disc.script(doubtful, {{false, 5, 0}, {false, 6, 0}});
