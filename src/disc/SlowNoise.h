@@ -11,10 +11,11 @@
 /// No vote comes to an end over such a sector, and each re-read costs those tries
 /// once more, for every dead sector of the batch.
 ///
-/// Suspicion takes five readings, each of them slow and unlike all the others. A
-/// sector is above it for good once it has been delivered quickly, as silence, without
-/// a C2 pointer where pointers are read, or alike twice: so the sound sectors of a
-/// batch that is slow for others' sake are, and those that are legible now and then.
+/// Suspicion takes five readings, each of them slow, noise to look at and unlike all the
+/// others. A sector is above it for good once it has been delivered quickly, as music or
+/// silence, without a C2 pointer where pointers are read, or alike twice: so the sound
+/// sectors of a batch that is slow for others' sake are, those that are legible now and
+/// then, and all of a drive that finds no place again to the sample.
 class SlowNoise {
 public:
     /// One command has delivered these sectors, and took the drive so long.

@@ -1,6 +1,7 @@
 #include "disc/SlowNoise.h"
 
 #include "disc/DiscModel.h"
+#include "support/DiscMaker.h"
 
 #include <gtest/gtest.h>
 
@@ -141,6 +142,22 @@ TEST_F(SlowNoiseTest, SilenceIsNoNoise)
     for (quint32 turn = 0; turn < 4; ++turn)
         dies(noise(turn));
     EXPECT_FALSE(dies(QByteArray(RAW_SECTOR_BYTES, '\0')));
+    EXPECT_EQ(noisesToDeath(), 0);
+}
+
+// So a drive reads that does not find its place again to the sample.
+TEST_F(SlowNoiseTest, MusicFromAnotherPlaceEachTimeIsNoNoise)
+{
+    const QByteArray music = makeAudio(12, 9);
+    for (qsizetype turn = 0; turn < 40; ++turn)
+        EXPECT_FALSE(dies(music.sliced(turn * 139 * 4, RAW_SECTOR_BYTES), second, 7, {1}));
+}
+
+TEST_F(SlowNoiseTest, MusicOnceBetweenNoisesIsEnough)
+{
+    for (quint32 turn = 0; turn < 4; ++turn)
+        dies(noise(turn));
+    EXPECT_FALSE(dies(makeAudio(1, 9)));
     EXPECT_EQ(noisesToDeath(), 0);
 }
 
