@@ -185,6 +185,15 @@ TEST_F(PhysicalDriveTest, NoBatchReachesFromAudioIntoTheGapBeforeData)
         << "no bound without a table of contents";
 }
 
+TEST_F(PhysicalDriveTest, ABatchGoesOnFromOneAudioTrackIntoTheNext)
+{
+    simulated.tracks = {{0}, {1500}};
+    ASSERT_EQ(readToc().tracks.size(), 2);
+    simulated.commands.clear();
+    EXPECT_EQ(read(1490), truth(1490));
+    EXPECT_EQ(simulated.commands, (QList<Command>{{Command::Raw, 1490, 27}}));
+}
+
 TEST_F(PhysicalDriveTest, ProbeAtTheLeadOutSendsNothing)
 {
     EXPECT_FALSE(drive.probeC2(3000));
@@ -314,6 +323,13 @@ TEST_F(PhysicalDriveTest, SpeedIsTheAverageSinceTheFirstBatch)
     wait(600);
     read(54);
     EXPECT_EQ(figures().speedKBs, 186U) << "186.046875 KiB in 1 s";
+}
+
+TEST_F(PhysicalDriveTest, AShortBatchCountsItsOwnSectors)
+{
+    simulated.commandNanoseconds = 100'000'000;
+    read(2997);
+    EXPECT_EQ(figures().speedKBs, 68U) << "3 * 2352 / 1024 KiB in 0.1 s";
 }
 
 TEST_F(PhysicalDriveTest, FailedAttemptsTakeTimeOfTheSpeed)
