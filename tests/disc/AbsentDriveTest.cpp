@@ -107,12 +107,16 @@ TEST_P(AbsentDrive, IsReadAsBeforeWhenItIsBack)
 
 TEST_P(AbsentDrive, IsAskedThroughAWholeLadderOnceItSaysAnythingElse)
 {
-    failure = DriveFailure::notReady;
-    commandsOf(100);
-    simulated.sleepMilliseconds(30'000);
-    EXPECT_EQ(commandsOf(200), 1);
-    failure = DriveFailure::unreadable;
-    EXPECT_EQ(commandsOf(300), wholeLadder);
+    quint32 lba = 0;
+    for (const DriveFailure other :
+         {DriveFailure::unreadable, DriveFailure::timedOut, DriveFailure::becomingReady}) {
+        failure = DriveFailure::notReady;
+        commandsOf(lba += 300);
+        simulated.sleepMilliseconds(30'000);
+        EXPECT_EQ(commandsOf(lba += 300), 1);
+        failure = other;
+        EXPECT_EQ(commandsOf(lba += 300), wholeLadder) << static_cast<int>(other);
+    }
 }
 
 TEST_P(AbsentDrive, IsForgottenWhenTheDriveIsOpenedAgain)

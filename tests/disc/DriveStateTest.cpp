@@ -179,6 +179,7 @@ TEST_F(DriveState, PointersOfASectorDoNotOutliveItsDrive)
     ASSERT_TRUE(drive.open(simulated.letter));
     readFlagged();
     ASSERT_TRUE(drive.open(simulated.letter));
+    EXPECT_EQ(drive.lastC2Errors(), 0U) << "before anything is read";
     EXPECT_EQ(drive.readSector(100), truth(100));
     EXPECT_EQ(drive.lastC2Errors(), 0U);
 }

@@ -226,7 +226,10 @@ TEST_F(FarReads, AreNotMadeForSamplesThatNobodyJudges)
     drive.readSectorUnjudged(5990);
     drive.readSectorUnjudged(5500);
     EXPECT_EQ(simulated.commands, (QList<Command>{{Command::Raw, 5990, 27}, {Command::Raw, 5500, 27}}));
-    drive.readSector(6000);
+    simulated.commands.clear();
+    drive.readSectorUnjudged(7000);
+    drive.readSectorUnjudged(5500);
+    drive.readSector(7000);
     EXPECT_EQ(reads().size(), 3) << "nor has it been handed out by them";
 }
 
