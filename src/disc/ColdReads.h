@@ -8,7 +8,7 @@
 
 #include <memory>
 
-/// Stands between CdDrive and a drive, so that what is asked for again comes from
+/// Stands between PhysicalDrive and a drive, so that what is asked for again comes from
 /// the disc and not from the drive's memory, and so that a hole is not asked for
 /// without end.
 ///

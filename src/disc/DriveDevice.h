@@ -39,7 +39,7 @@ struct DriveDescriptor {
 };
 
 /// An open optical drive. Implementations carry commands and nothing else:
-/// retries, limits and judgement stand in CdDrive. One thread at a time.
+/// retries, limits and judgement stand in PhysicalDrive. One thread at a time.
 class DriveDevice {
 public:
     virtual ~DriveDevice() = default;
