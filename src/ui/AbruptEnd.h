@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/ServiceOverride.h"
+
 /// How long the end of the program waits for the rips and lookups under way, all
 /// together, of the 5 s within which it has to be over.
 inline constexpr int endPatienceMilliseconds = 4000;
@@ -15,16 +17,7 @@ public:
 };
 
 /// Puts another end in place for its lifetime.
-class AbruptEndOverride {
-public:
-    explicit AbruptEndOverride(AbruptEnd& replacement);
-    ~AbruptEndOverride();
-    AbruptEndOverride(const AbruptEndOverride&) = delete;
-    AbruptEndOverride& operator=(const AbruptEndOverride&) = delete;
-
-private:
-    AbruptEnd* previous;
-};
+using AbruptEndOverride = ServiceOverride<AbruptEnd>;
 
 /// The end in use.
 AbruptEnd& abruptEnd();

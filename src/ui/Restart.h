@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/ServiceOverride.h"
+
 #include <QString>
 
 /// Starts a program that lives on without this one.
@@ -12,16 +14,7 @@ public:
 };
 
 /// Puts another starter in place for its lifetime.
-class ProgramStarterOverride {
-public:
-    explicit ProgramStarterOverride(ProgramStarter& replacement);
-    ~ProgramStarterOverride();
-    ProgramStarterOverride(const ProgramStarterOverride&) = delete;
-    ProgramStarterOverride& operator=(const ProgramStarterOverride&) = delete;
-
-private:
-    ProgramStarter* previous;
-};
+using ProgramStarterOverride = ServiceOverride<ProgramStarter>;
 
 /// Starts this program anew and asks the running one to end.
 void restartProgram();
