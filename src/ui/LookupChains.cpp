@@ -24,16 +24,23 @@ QPixmap coverOfRelease(const MusicBrainzResult& release)
                           : front;
 }
 
+/// The release that MusicBrainz has, if any, with its cover.
+MetaResult askMusicBrainz(const DiscToc& disc, const char* debugMark)
+{
+    MetaResult found;
+    found.musicBrainz = musicBrainzLookup(disc);
+    qDebug().noquote() << debugMark << found.musicBrainz.title;
+    if (!found.musicBrainz.title.isEmpty())
+        found.cover = coverOfRelease(found.musicBrainz);
+    return found;
+}
+
 MetaResult discChain(const DiscToc& disc)
 {
     const CoverArt covers;
-    MetaResult found;
-    found.musicBrainz = musicBrainzLookup(disc);
-    qDebug().noquote() << "[Meta] MusicBrainz:" << found.musicBrainz.title;
-    if (!found.musicBrainz.title.isEmpty()) {
-        found.cover = coverOfRelease(found.musicBrainz);
+    MetaResult found = askMusicBrainz(disc, "[Meta] MusicBrainz:");
+    if (!found.musicBrainz.title.isEmpty())
         return found;
-    }
 
     found.gnuDb = gnudbLookup(disc);
     qDebug().noquote() << "[Meta] GnuDB:" << found.gnuDb.album;
@@ -60,13 +67,9 @@ MetaResult discChain(const DiscToc& disc)
 MetaResult sheetChain(const DiscToc& disc)
 {
     const CoverArt covers;
-    MetaResult found;
-    found.musicBrainz = musicBrainzLookup(disc);
-    qDebug().noquote() << "[Meta/CUE] MusicBrainz:" << found.musicBrainz.title;
-    if (!found.musicBrainz.title.isEmpty()) {
-        found.cover = coverOfRelease(found.musicBrainz);
+    MetaResult found = askMusicBrainz(disc, "[Meta/CUE] MusicBrainz:");
+    if (!found.musicBrainz.title.isEmpty())
         return found;
-    }
 
     qDebug().noquote() << QStringLiteral("[Meta/CUE] MusicBrainz miss → iTunes fallback");
     found.iTunes = CoverArt::lookupITunes(disc.albumArtist, disc.albumTitle);
