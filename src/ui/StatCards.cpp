@@ -18,22 +18,23 @@ QString unknown()
 } // namespace
 
 StatCards::StatCards()
-    : grid(new QGridLayout), quality(addCard(0, 0, QStringLiteral("Read Quality"), unknown())),
-      suspects(addCard(0, 1, QStringLiteral("Suspect Sectors"), QStringLiteral("0"))),
-      errors(addCard(1, 0, QStringLiteral("Errors"), unknown())),
-      speedText(addCard(1, 1, QStringLiteral("Speed"), unknown()))
+    : grid(new QGridLayout), quality(addCard(0, 0, QStringLiteral("Read Quality"))),
+      suspects(addCard(0, 1, QStringLiteral("Suspect Sectors"))),
+      errors(addCard(1, 0, QStringLiteral("Errors"))), speedText(addCard(1, 1, QStringLiteral("Speed")))
 {
     grid->setSpacing(6);
+    clear();
+    errors->setText(unknown()); // a count only once a rip or a reset has been
 }
 
-QLabel* StatCards::addCard(int row, int column, const QString& title, const QString& value)
+QLabel* StatCards::addCard(int row, int column, const QString& title)
 {
     auto* card = new QWidget;
     card->setObjectName(QStringLiteral("statCard"));
     auto* content = new QVBoxLayout(card);
     content->setContentsMargins(10, 8, 10, 8);
     content->setSpacing(2);
-    auto* valueLabel = pageparts::label(value, "statValue");
+    auto* valueLabel = pageparts::label(QString(), "statValue");
     content->addWidget(pageparts::label(title, "statLabel"));
     content->addWidget(valueLabel);
     grid->addWidget(card, row, column);
@@ -56,8 +57,6 @@ void StatCards::show(const riplog::Counters& counters, unsigned speed)
 
 void StatCards::clear()
 {
+    show({}, 0);
     quality->setText(unknown());
-    suspects->setText(QStringLiteral("0"));
-    errors->setText(QStringLiteral("0"));
-    speedText->setText(unknown());
 }

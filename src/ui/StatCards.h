@@ -21,7 +21,7 @@ public:
     void clear();
 
 private:
-    QLabel* addCard(int row, int column, const QString& title, const QString& value);
+    QLabel* addCard(int row, int column, const QString& title);
 
     QGridLayout* grid;
     QLabel* quality;
