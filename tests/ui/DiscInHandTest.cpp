@@ -100,10 +100,14 @@ TEST_F(DiscInHandTest, AnAudioFileIsADiscOfOneTrackOfItsName)
 TEST_F(DiscInHandTest, ClearedItHasNoDiscAndNoOpenDrive)
 {
     ASSERT_TRUE(disc.openSheet(makeSheet()));
+    disc.driveModel = QStringLiteral("Acme - Reader");
+    disc.offsetSource = QStringLiteral("(saved)");
     disc.clear();
     EXPECT_TRUE(disc.toc.tracks.isEmpty());
     EXPECT_EQ(disc.audioSectors(), 0);
     EXPECT_TRUE(disc.drive.readSector(0).isEmpty());
+    EXPECT_EQ(disc.driveModel, QStringLiteral("Acme - Reader")) << "the Settings dialog still names it";
+    EXPECT_EQ(disc.offsetSource, QStringLiteral("(saved)"));
 }
 
 TEST_F(DiscInHandTest, ADiscIsBeingRippedWhileItsDriveIsBorrowed)

@@ -333,6 +333,15 @@ TEST_F(RipPageTest, AfterAResetNothingOfARipIsSeen)
         << "the counters are at nothing";
 }
 
+TEST_F(RipPageTest, ASectorThatTellsNoSpeedTakesTheLastOneAway)
+{
+    Stage stage;
+    Q_EMIT stage.rips.sectorDone(sector(true, false, false, 300));
+    ASSERT_EQ(stage.card(3), QStringLiteral("2.0x")); // 300 / 150
+    Q_EMIT stage.rips.sectorDone(sector(true, false, false, 0));
+    EXPECT_TRUE(QTest::qWaitFor([&stage] { return stage.card(3) == QStringLiteral("—"); }, 60000));
+}
+
 TEST_F(RipPageTest, TheButtonAsksForARipAndTheFocusKnowsWhatIsNext)
 {
     Stage stage;

@@ -158,6 +158,21 @@ TEST_F(RunningRipsTest, WhoGoesWhileARipRunsStopsItAndHearsNoMore)
     EXPECT_FALSE(drive.isBorrowed());
 }
 
+// Let on only when the time that it was given is over, so that it is asked before.
+TEST_F(RunningRipsTest, ARipThatIsStoppedWritesNoFurtherTrack)
+{
+    HeldStart held;
+    CdDrive drive;
+    RecordedEnd end([&held] { held.gate.open(); });
+    const AbruptEndOverride inPlace(end);
+    auto rips = std::make_unique<RunningRips>();
+    rips->start(imageRip(drive));
+    ASSERT_TRUE(QTest::qWaitFor([&held] { return held.gate.isHolding(); }, 60000));
+    rips.reset();
+    EXPECT_EQ(end.calls, 1);
+    EXPECT_FALSE(QFileInfo::exists(output() + QStringLiteral("/01. Alpha.wav")));
+}
+
 TEST_F(RunningRipsTest, ASlotOfTheEndMayTakeItAway)
 {
     auto rips = std::make_unique<RunningRips>();

@@ -168,6 +168,7 @@ TEST_F(SourcePageTest, AnAudioPickClearsTheSheet)
     Stage stage(2, oneDrive);
     stage.pickCue(makeCue());
     const QString song = writeFile(folder.path(), QStringLiteral("a song.wav"), wrapInWave(makeAudio(1, 1)));
+    stage.combo()->setCurrentIndex(0);
     stage.pickAudio(song);
     EXPECT_EQ(stage.audioPath()->text(), song);
     EXPECT_TRUE(stage.cuePath()->text().isEmpty());
