@@ -27,7 +27,7 @@ RipWorker::RipWorker(QObject* parent) : QObject(parent), writer(new TrackWriter(
 
 RipWorker::~RipWorker()
 {
-    runOver.load(std::memory_order_acquire);
+    runOver.take();
 }
 
 void RipWorker::configure(CdDrive* drive, const DiscToc& disc, const QString& outputFolder,
@@ -89,7 +89,7 @@ void RipWorker::run()
         writer->finish(GainOf::eachFile);
     }
     Q_EMIT finished();
-    runOver.store(true, std::memory_order_release);
+    runOver.give();
 }
 
 void RipWorker::runDisc()

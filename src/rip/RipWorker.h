@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Handover.h"
 #include "rip/RipOrder.h"
 #include "rip/RunReport.h"
 
@@ -97,7 +98,5 @@ private:
     quint32 lastAudioLba = 0;                     ///< offset reads go no further; 0 until a disc run begins
 
     std::atomic<bool> stopping = false;
-    /// Orders all that the run touched before the worker's destruction on another
-    /// thread.
-    std::atomic<bool> runOver = false;
+    Handover runOver; ///< for the worker's destruction on another thread
 };
