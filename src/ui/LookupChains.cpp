@@ -1,9 +1,9 @@
 #include "ui/LookupChains.h"
 
 #include "metadata/http/HttpTransport.h"
+#include "ui/Background.h"
 
 #include <QDebug>
-#include <QThreadPool>
 
 #include <exception>
 
@@ -81,8 +81,7 @@ MetaResult sheetChain(const DiscToc& disc)
     return found;
 }
 
-// A future hands an exception on to the GUI thread, and what leaves a slot there
-// ends the program.
+// An exception that leaves a thread of the pool ends the program.
 template<typename Look>
 auto nothingOnException(const char* message, const Look& look) -> decltype(look())
 {
@@ -120,5 +119,5 @@ void stopLookups()
 void endLookups()
 {
     stopLookups();
-    QThreadPool::globalInstance()->waitForDone();
+    waitForBackground();
 }

@@ -5,6 +5,7 @@
 #include "support/LoadingDrive.h"
 #include "support/LoopbackServices.h"
 #include "support/ServiceAnswers.h"
+#include "ui/Background.h"
 #include "ui/WindowDriver.h"
 #include "verify/AccurateRip.h"
 #include "verify/AccurateRipDatabase.h"
@@ -17,7 +18,6 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThreadPool>
 
 #include <memory>
 
@@ -56,7 +56,7 @@ public:
     {
         app.reset();
         services.transport().stop();
-        QThreadPool::globalInstance()->waitForDone();
+        waitForBackground();
     }
 
     /// A new window beside a new drive.

@@ -3,9 +3,9 @@
 #include <QCoreApplication>
 #include <QTest>
 #include <QThread>
+#include <QThreadPool>
 
 #include <algorithm>
-#include <atomic>
 #include <memory>
 #include <semaphore>
 
@@ -85,7 +85,7 @@ TEST_F(Background, NothingIsAppliedOnceTheContextIsGone)
 {
     auto context = std::make_unique<QObject>();
     std::binary_semaphore gate{0};
-    std::atomic<bool> ended = false;
+    bool ended = false;
     bool applied = false;
     runInBackground(
         context.get(),
@@ -97,8 +97,28 @@ TEST_F(Background, NothingIsAppliedOnceTheContextIsGone)
         [&applied](int) { applied = true; });
     context.reset();
     gate.release();
-    QThreadPool::globalInstance()->waitForDone();
+    waitForBackground();
     QCoreApplication::processEvents();
     EXPECT_TRUE(ended) << "the work goes on to its end";
     EXPECT_FALSE(applied);
+}
+
+TEST_F(Background, WhatTheWorkHoldsIsGoneWhenNothingIsUnderWay)
+{
+    QObject context;
+    std::binary_semaphore gate{0};
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> stillHeld = held;
+    runInBackground(
+        &context,
+        [&gate, mine = std::move(held)] {
+            gate.acquire();
+            return *mine;
+        },
+        [](int) {});
+    EXPECT_FALSE(waitForBackground(0)) << "the work goes on";
+    EXPECT_FALSE(stillHeld.expired());
+    gate.release();
+    EXPECT_TRUE(waitForBackground());
+    EXPECT_TRUE(stillHeld.expired());
 }

@@ -1,5 +1,6 @@
 // Lookups that take their time, while the user goes on.
 
+#include "ui/Background.h"
 #include "ui/LookupStage.h"
 
 #include "support/FakeHttpTransport.h"
@@ -82,7 +83,7 @@ TEST_F(LookupTiming, NextIsOffWhileALookupRunsAndOnAgainOnThePageBefore)
         clickTo(app, 1);
         EXPECT_TRUE(app.next()->isEnabled());
         gate.release();
-        QThreadPool::globalInstance()->waitForDone();
+        waitForBackground();
     }
 }
 
@@ -185,7 +186,7 @@ TEST_F(LookupTiming, TheWindowMayGoWhileALookupRuns)
     app.destroyWindow();
     EXPECT_LT(time.elapsed(), 5000);
     gate.release();
-    QThreadPool::globalInstance()->waitForDone();
+    waitForBackground();
     QTest::qWait(20);
 }
 
@@ -197,7 +198,7 @@ TEST_F(LookupTiming, TheWindowMayGoInTheMomentInWhichALookupEnds)
     clickTo(app, 2);
     waitForHeldAnswer();
     gate.release();
-    QThreadPool::globalInstance()->waitForDone(); // its end waits in the queue of events
+    waitForBackground(); // its end waits in the queue of events
     app.destroyWindow();
     QTest::qWait(20);
 }
@@ -216,6 +217,6 @@ TEST_F(LookupTiming, SeveralLookupsUnderWayGoWithTheirWindow)
     QElapsedTimer time;
     time.start();
     services.transport().stop();
-    QThreadPool::globalInstance()->waitForDone();
+    waitForBackground();
     EXPECT_LT(time.elapsed(), 5000) << "the end of the program waits for them";
 }

@@ -1,5 +1,6 @@
 // The whole wizard on a machine without a network.
 
+#include "ui/Background.h"
 #include "ui/WindowDriver.h"
 
 #include "support/DiscMaker.h"
@@ -11,7 +12,6 @@
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThreadPool>
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ namespace {
 class OfflineRoad : public ::testing::Test {
 protected:
     void SetUp() override { QSettings().clear(); }
-    void TearDown() override { QThreadPool::globalInstance()->waitForDone(); }
+    void TearDown() override { waitForBackground(); }
 
     /// From the Source step to the verdict, with two tracks as WAV files.
     void goTheWholeWay(WindowDriver& app, int language)

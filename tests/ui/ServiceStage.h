@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/Background.h"
 #include "ui/WindowDriver.h"
 
 #include "support/DiscMaker.h"
@@ -28,7 +29,7 @@ protected:
     void TearDown() override
     {
         services.transport().stop();
-        QThreadPool::globalInstance()->waitForDone();
+        waitForBackground();
         QThreadPool::globalInstance()->setMaxThreadCount(poolSize);
     }
 

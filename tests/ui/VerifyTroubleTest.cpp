@@ -1,6 +1,7 @@
 // Verifications that meet trouble: in the database, on the way to it, or in the
 // rip.
 
+#include "ui/Background.h"
 #include "ui/VerifyStage.h"
 
 #include "support/FileSizeLimit.h"
@@ -264,7 +265,7 @@ TEST_F(VerifyTrouble, TheWindowMayGoWhileAVerificationRuns)
     app.destroyWindow();
     EXPECT_LT(time.elapsed(), 5000);
     services.transport().stop();
-    QThreadPool::globalInstance()->waitForDone();
+    waitForBackground();
     EXPECT_LT(time.elapsed(), 5000);
     QTest::qWait(20);
 }
@@ -274,7 +275,7 @@ TEST_F(VerifyTrouble, TheWindowMayGoInTheMomentInWhichAVerificationEnds)
     WindowDriver app(2, drive());
     rip(app);
     WindowDriver::click(app.next());
-    QThreadPool::globalInstance()->waitForDone(); // its end waits in the queue of events
+    waitForBackground(); // its end waits in the queue of events
     app.destroyWindow();
     QTest::qWait(20);
 }
