@@ -1,6 +1,7 @@
 #pragma once
 
 #include "metadata/http/HttpTransport.h"
+#include "support/OwnCopy.h"
 
 #include <QList>
 
@@ -30,7 +31,7 @@ public:
     QList<HttpRequest> requests() const
     {
         const std::lock_guard lock(guard);
-        return recorded;
+        return ownCopy(recorded);
     }
 
 private:

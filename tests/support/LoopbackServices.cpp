@@ -1,5 +1,7 @@
 #include "support/LoopbackServices.h"
 
+#include "support/OwnCopy.h"
+
 #include <openssl/ssl.h>
 
 #include <algorithm>
@@ -55,7 +57,7 @@ void LoopbackServices::onInTurn(const QByteArray& host, const QByteArray& target
 QList<ServedRequest> LoopbackServices::requests() const
 {
     const std::lock_guard lock(guard);
-    return arrived;
+    return ownCopy(arrived);
 }
 
 QList<QByteArray> LoopbackServices::targets(const QByteArray& host) const
