@@ -1,10 +1,13 @@
 #include "codecs/OutputFile.h"
 
-bool OutputFile::open(const std::filesystem::path& path)
+bool OutputFile::open(const std::filesystem::path& path, std::size_t bufferBytes)
 {
     if (file)
         return false;
+    buffer.resize(bufferBytes);
     file = openForWriting(path);
+    if (file && bufferBytes > 0)
+        std::setvbuf(file.get(), buffer.data(), _IOFBF, buffer.size());
     offsetNow = 0;
     failed = false;
     return isOpen();
@@ -24,8 +27,9 @@ bool OutputFile::seek(quint64 offset)
 {
     if (!good())
         return false;
+    // Not every C library's seek tells that what was buffered found no room.
     // Whole-file offsets pass through a 64-bit off_t on every system served.
-    if (fseeko(file.get(), static_cast<off_t>(offset), SEEK_SET) != 0)
+    if (std::fflush(file.get()) != 0 || fseeko(file.get(), static_cast<off_t>(offset), SEEK_SET) != 0)
         failed = true;
     offsetNow = offset;
     return good();

@@ -7,6 +7,7 @@
 #include <QtGlobal>
 
 #include <cstddef>
+#include <vector>
 
 /// One file being written, with a state that turns bad at the first failure and
 /// stays bad; later writes and seeks then do nothing.
@@ -14,7 +15,9 @@ class OutputFile {
 public:
     /// Creates or truncates the file. False when it can't be created or a file
     /// is attached already; the attached one is left alone.
-    bool open(const std::filesystem::path& path);
+    ///
+    /// @param bufferBytes  of a buffer larger than the C library's own, or 0
+    bool open(const std::filesystem::path& path, std::size_t bufferBytes = 0);
 
     bool isOpen() const { return file != nullptr; }
     bool good() const { return file && !failed; }
@@ -63,6 +66,7 @@ public:
     void abandon();
 
 private:
+    std::vector<char> buffer; // needed until the file is closed
     CFile file;
     quint64 offsetNow = 0;
     bool failed = false;

@@ -1,14 +1,13 @@
 #include "codecs/flac/ConverterFlacEncoder.h"
 
 #include "codecs/BlockPieces.h"
-#include "codecs/CFile.h"
 #include "codecs/EncoderOptions.h"
 #include "codecs/NoThrow.h"
+#include "codecs/OutputFile.h"
 
 #include <FLAC/stream_encoder.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <vector>
 
 namespace {
@@ -52,6 +51,29 @@ bool isTaken(const AudioFormat& format)
                   == FLAC__STREAM_ENCODER_INIT_STATUS_OK;
 }
 
+// The library writes through the encoder's own file, as its own would keep to itself
+// what only the last bytes tell of a disk that is full.
+
+FLAC__StreamEncoderWriteStatus writeBytes(const FLAC__StreamEncoder*, const FLAC__byte bytes[],
+                                          std::size_t count, quint32, quint32, void* file)
+{
+    return static_cast<OutputFile*>(file)->write(bytes, count)
+               ? FLAC__STREAM_ENCODER_WRITE_STATUS_OK
+               : FLAC__STREAM_ENCODER_WRITE_STATUS_FATAL_ERROR;
+}
+
+FLAC__StreamEncoderSeekStatus seekTo(const FLAC__StreamEncoder*, FLAC__uint64 offset, void* file)
+{
+    return static_cast<OutputFile*>(file)->seek(offset) ? FLAC__STREAM_ENCODER_SEEK_STATUS_OK
+                                                        : FLAC__STREAM_ENCODER_SEEK_STATUS_ERROR;
+}
+
+FLAC__StreamEncoderTellStatus tellPlace(const FLAC__StreamEncoder*, FLAC__uint64* offset, void* file)
+{
+    *offset = static_cast<OutputFile*>(file)->position();
+    return FLAC__STREAM_ENCODER_TELL_STATUS_OK;
+}
+
 } // namespace
 
 /// The library's encoder together with what it works on.
@@ -69,8 +91,8 @@ private:
     bool whole = true; ///< no block was lost
     quint16 channels = 0;
     std::vector<FLAC__int32> shifted;
-    // Deleting the encoder closes the file, which still needs its buffer then.
-    std::vector<char> fileBuffer;
+    // Deleting the encoder may still write to the file.
+    OutputFile file;
     EncoderPointer encoder;
 };
 
@@ -78,18 +100,11 @@ bool ConverterFlacEncoder::Stream::start(const std::filesystem::path& path, cons
 {
     if (!isTaken(format))
         return false;
-    fileBuffer.resize(fileBufferBytes);
-    CFile file = openForWriting(path);
-    if (!file)
-        return false;
-    std::setvbuf(file.get(), fileBuffer.data(), _IOFBF, fileBuffer.size());
     encoder = configuredEncoder(format);
-    if (!encoder)
+    if (!encoder || !file.open(path, fileBufferBytes))
         return false;
     channels = format.channels;
-    // From here on the file is the encoder's, which closes it when deleted even
-    // if this call refuses the format.
-    return FLAC__stream_encoder_init_FILE(encoder.get(), file.release(), nullptr, nullptr)
+    return FLAC__stream_encoder_init_stream(encoder.get(), writeBytes, seekTo, tellPlace, nullptr, &file)
            == FLAC__STREAM_ENCODER_INIT_STATUS_OK;
 }
 
@@ -117,7 +132,8 @@ bool ConverterFlacEncoder::Stream::finish()
 {
     // The library reports success for an encoder that had failed before.
     const bool wasGood = good() && whole;
-    return FLAC__stream_encoder_finish(encoder.get()) && wasGood;
+    const bool ended = FLAC__stream_encoder_finish(encoder.get());
+    return file.finish() && ended && wasGood;
 }
 
 ConverterFlacEncoder::ConverterFlacEncoder() = default;
