@@ -199,7 +199,7 @@ double timeRead(std::chrono::milliseconds length, bool guarded)
 {
     const auto before = std::chrono::steady_clock::now();
     if (guarded) {
-        const ReadGuard guard([] { return true; }, 0);
+        const ReadGuard guard([](const BeforeCancelling&) {}, 0);
         std::this_thread::sleep_for(length);
     } else {
         std::this_thread::sleep_for(length);

@@ -8,5 +8,11 @@ pkg_check_modules(CURL REQUIRED IMPORTED_TARGET libcurl>=7.87)
 add_library(tarvel_platform_http INTERFACE)
 target_link_libraries(tarvel_platform_http INTERFACE PkgConfig::CURL)
 
+add_library(tarvel_platform_loopback INTERFACE)
+
 add_library(tarvel_platform_run_guard INTERFACE)
 target_link_libraries(tarvel_platform_run_guard INTERFACE Qt6::DBus)
+
+# An executable needs nothing more to be the program.
+function(tarvel_finish_program target)
+endfunction()

@@ -41,17 +41,13 @@ function(tarvel_library name)
     target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE tarvel_options ${ARG_PRIVATE})
 endfunction()
 
-# tarvel_platform_source(variable [folder/]Subject)
+# tarvel_platform_sources(variable [folder])
 #
-# Names the file that implements a subject for the platform that is built for,
-# folder/LinuxSubject.cpp on Linux.
-function(tarvel_platform_source variable subject)
-    cmake_path(GET subject FILENAME name)
-    cmake_path(REPLACE_FILENAME subject ${CMAKE_SYSTEM_NAME}${name}.cpp OUTPUT_VARIABLE file)
-    if(NOT EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${file})
-        message(FATAL_ERROR "${CMAKE_SYSTEM_NAME} is not served yet: there is no ${file}.")
-    endif()
-    set(${variable} ${file} PARENT_SCOPE)
+# The files of this folder, or of a folder in it, that serve the platform that is
+# built for: Linux*.cpp on Linux.
+function(tarvel_platform_sources variable)
+    file(GLOB files CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${ARGV1}/${CMAKE_SYSTEM_NAME}*.cpp)
+    set(${variable} ${files} PARENT_SCOPE)
 endfunction()
 
 # The simulated optical drive and its discs, for tests and benchmarks.
@@ -73,7 +69,7 @@ function(tarvel_test name)
     endif()
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_link_libraries(${target} PRIVATE
-        tarvel_options GTest::gtest GTest::gmock Qt6::Core Qt6::Gui Qt6::Test ${ARG_LINK})
+        tarvel_options tarvel_test_support GTest::gtest GTest::gmock Qt6::Core Qt6::Gui Qt6::Test ${ARG_LINK})
     if(ARG_WIDGETS)
         target_compile_definitions(${target} PRIVATE TARVEL_TEST_WIDGETS)
         target_link_libraries(${target} PRIVATE Qt6::Widgets)

@@ -1,4 +1,5 @@
 #include "base/Language.h"
+#include "base/ProcessEnd.h"
 #include "ui/Fonts.h"
 #include "ui/MainWindow.h"
 #include "ui/ProgramEnd.h"
@@ -12,7 +13,7 @@
 #include <memory>
 #include <utility>
 
-int main(int argc, char** argv)
+static int runProgram(int argc, char** argv)
 {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QLatin1String(programinfo::name));
@@ -30,4 +31,9 @@ int main(int argc, char** argv)
     const int exitCode = QApplication::exec();
     endProgram(std::move(window));
     return exitCode;
+}
+
+int main(int argc, char** argv)
+{
+    return endOfMain(runProgram(argc, argv));
 }

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "base/FileNames.h"
+
 #include <QString>
 
-/// What a file system takes as one name.
-inline constexpr qsizetype mostNameBytes = 255;
-
-/// As much of a name, in whole characters, as fits into so many bytes.
-QString fittingName(QString name, qsizetype bytes = mostNameBytes);
+/// As much of a name, in whole characters, as the file system takes, and nothing
+/// that the platform would take for something else.
+QString fittingName(const QString& name);
 
 /// The path with its extension appended, the file name cut to what the file
 /// system takes; the extension is kept.

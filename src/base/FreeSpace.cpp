@@ -1,16 +1,14 @@
 #include "base/FreeSpace.h"
 
-#include <QFile>
-
-#include <filesystem>
+#include "base/FilePath.h"
 
 static std::optional<quint64> pretended;
 
 static quint64 toldSpace(const QString& folder)
 {
+    // With a slash at its end: without one some libraries ask for what the folder lies in.
     std::error_code error;
-    const std::filesystem::space_info space =
-        std::filesystem::space(QFile::encodeName(folder).toStdString(), error);
+    const std::filesystem::space_info space = std::filesystem::space(toPath(folder) / "", error);
     return error ? 0 : space.available;
 }
 

@@ -1,5 +1,6 @@
 #include "convert/ConversionRun.h"
 
+#include "base/FilePath.h"
 #include "base/Language.h"
 #include "base/UniqueFolder.h"
 #include "codecs/EncoderOptions.h"
@@ -17,12 +18,6 @@
 namespace {
 
 constexpr char mpeg4Extension[] = "m4a";
-
-std::filesystem::path toPath(const QString& path)
-{
-    const QByteArray utf8 = path.toUtf8();
-    return std::u8string(utf8.begin(), utf8.end());
-}
 
 /// The container that an ending stands for.
 QString containerOf(const QFileInfo& file)

@@ -4,7 +4,6 @@
 #include <QtGlobal>
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <span>
 
@@ -21,14 +20,12 @@ enum class DriveFailure {
 /// out without complaint is not ok. How much a drive sends is its own affair
 /// for some commands, so a caller that needs all of it asks for all of it.
 struct DriveReply {
-    static constexpr size_t everything = SIZE_MAX;
-
     bool ok = false;
-    int errorNumber = 0;             ///< the platform's error, for the debug log; set on a short transfer too
-    size_t transferred = everything; ///< bytes that came
+    int errorNumber = 0;    ///< the platform's error, for the debug log; set on a short transfer too
+    size_t transferred = 0; ///< bytes that came; a count that was forgotten is a short read
     DriveFailure failure = DriveFailure::unknown; ///< of a reply that is not ok
 
-    bool delivered(size_t wanted) const { return ok && (transferred == everything || transferred == wanted); }
+    bool delivered(size_t wanted) const { return ok && transferred == wanted; }
 };
 
 /// What the platform says of a drive without asking the disc.

@@ -33,8 +33,7 @@ void driveWatchdog(ReadEnd& end, const CancelRead& cancel, quint32 lba)
         if (end.within(std::chrono::milliseconds(stepMs)))
             return;
     }
-    if (cancel())
-        logUnresponsiveSector(lba);
+    cancel([lba] { logUnresponsiveSector(lba); });
 }
 
 ReadGuard::ReadGuard(CancelRead cancel, quint32 lba)

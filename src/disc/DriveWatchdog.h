@@ -32,9 +32,11 @@ private:
     bool done = false;
 };
 
-/// Makes the blocked read return with a failure, from another thread. False
-/// when there is no thread to cancel; the read then ends by itself.
-using CancelRead = std::function<bool()>;
+using BeforeCancelling = std::function<void()>;
+/// Makes the blocked read return with a failure, from another thread, and calls
+/// what it is given right before; neither when there is no thread to cancel: the
+/// read then ends by itself.
+using CancelRead = std::function<void(const BeforeCancelling& beforeCancelling)>;
 
 /// Waits for the end of a read that starts at a sector, and cancels it when the
 /// time-out has passed. Runs on a thread of its own; everything that it is given

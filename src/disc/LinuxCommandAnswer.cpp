@@ -1,5 +1,7 @@
 #include "disc/LinuxCommandAnswer.h"
 
+#include "disc/SenseData.h"
+
 #include <algorithm>
 #include <cerrno>
 
@@ -22,78 +24,23 @@ constexpr int statusBusy = 0x08;
 constexpr int statusReserved = 0x18;
 constexpr int statusQueueFull = 0x28;
 
-struct Sense {
-    int key = 0;
-    int code = 0;
-    int qualifier = 0;
-    bool deferred = false; ///< speaks of a command before this one
-
-    bool tells(int wantedCode, int wantedQualifier) const
-    {
-        return code == wantedCode && qualifier == wantedQualifier;
-    }
-};
-
-enum SenseKey {
-    keyNoSense = 0x0,
-    keyRecoveredError = 0x1,
-    keyNotReady = 0x2,
-    keyMediumError = 0x3,
-    keyHardwareError = 0x4,
-    keyIllegalRequest = 0x5,
-    keyUnitAttention = 0x6,
-    keyBlankCheck = 0x8,
-    keyAbortedCommand = 0xB
-};
-constexpr int codeNotReady = 0x04;
-constexpr int qualifierBecomingReady = 0x01;
-constexpr int codeNoMedium = 0x3A;
-constexpr int codeIllegalModeForTrack = 0x64;
-
-std::optional<Sense> decodeSense(const SenseBuffer& bytes, size_t length)
-{
-    length = std::min(length, bytes.size());
-    const auto byteAt = [&](size_t place) { return place < length ? int{bytes[place]} : 0; };
-    const int format = bytes[0] & 0x7F;
-    const bool fixed = format == 0x70 || format == 0x71;
-    const bool descriptors = format == 0x72 || format == 0x73;
-    const bool deferred = (format & 1) != 0;
-    if (fixed && length >= 3)
-        return Sense{bytes[2] & 0x0F, byteAt(12), byteAt(13), deferred};
-    if (descriptors && length >= 2)
-        return Sense{bytes[1] & 0x0F, byteAt(2), byteAt(3), deferred};
-    return std::nullopt;
-}
-
-CommandRefusal refusalOfKey(const Sense& sense)
+int errorOfSense(const SenseData& sense)
 {
     switch (sense.key) {
-    case keyNotReady:
-        return {sense.code == codeNoMedium ? ENOMEDIUM : EBUSY,
-                sense.tells(codeNotReady, qualifierBecomingReady) ? DriveFailure::becomingReady
-                                                                  : DriveFailure::notReady};
-    case keyMediumError:
-    case keyHardwareError:
-    case keyBlankCheck:
-        return {EIO, DriveFailure::unreadable};
-    case keyIllegalRequest:
-        return {EINVAL,
-                sense.tells(codeIllegalModeForTrack, 0) ? DriveFailure::unreadable : DriveFailure::unknown};
-    case keyUnitAttention:
-        return {EAGAIN, DriveFailure::notReady};
-    case keyAbortedCommand:
-        return {EIO, DriveFailure::timedOut};
+    case notReadyKey:
+        return sense.code == noMediumCode ? ENOMEDIUM : EBUSY;
+    case illegalRequestKey:
+        return EINVAL;
+    case unitAttentionKey:
+        return EAGAIN;
     default:
-        return {EIO, DriveFailure::unknown};
+        return EIO;
     }
 }
 
-CommandRefusal refusalOfSense(const Sense& sense)
+CommandRefusal refusalOfSense(const SenseData& sense)
 {
-    CommandRefusal refusal = refusalOfKey(sense);
-    if (sense.deferred)
-        refusal.failure = DriveFailure::unknown;
-    return refusal;
+    return {errorOfSense(sense), failureOfSense(sense)};
 }
 
 CommandRefusal refusalOfHost(int status)
@@ -127,11 +74,12 @@ std::optional<CommandRefusal> judge(const sg_io_hdr& header, const SenseBuffer& 
     if (driver != 0 && driver != driverSense)
         return refusalOfDriver(driver);
 
-    const auto sense = decodeSense(senseBytes, header.sb_len_wr);
+    const auto sense =
+        decodeSense(std::span(senseBytes).first(std::min<size_t>(header.sb_len_wr, senseBytes.size())));
     const int status = header.status != statusGood ? header.status : header.masked_status << 1;
     switch (status) {
     case statusGood:
-        if (sense && sense->key != keyNoSense && sense->key != keyRecoveredError)
+        if (sense && tellsOfError(*sense))
             return refusalOfSense(*sense);
         return std::nullopt;
     case statusCheckCondition:

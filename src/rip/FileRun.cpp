@@ -1,5 +1,6 @@
 #include "rip/FileRun.h"
 
+#include "base/FilePath.h"
 #include "base/Language.h"
 #include "base/UniqueFolder.h"
 #include "codecs/IAudioDecoder.h"
@@ -10,7 +11,6 @@
 #include "rip/TrackWriter.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -53,7 +53,7 @@ std::optional<QList<int>> FileRun::decodeAll(IAudioDecoder& decoder) const
 
 void FileRun::run()
 {
-    const std::filesystem::path path = QFile::encodeName(order.sourceAudioFile).toStdString();
+    const std::filesystem::path path = toPath(order.sourceAudioFile);
     const auto decoder = makeDecoder(path);
     if (!decoder)
         return fail("対応していないファイル形式です: ", "Unsupported file format: ");

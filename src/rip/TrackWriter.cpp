@@ -1,5 +1,6 @@
 #include "rip/TrackWriter.h"
 
+#include "base/FilePath.h"
 #include "base/FittingName.h"
 #include "base/FreeSpace.h"
 #include "base/Language.h"
@@ -147,7 +148,7 @@ void TrackWriter::tag(const QString& path, const TrackLabel& label)
 bool TrackWriter::encode(const AudioBlock& block, const AudioFormat& format, const QString& path)
 {
     const auto encoder = makeEncoder(formatOfRip(order.outputFormat).encoder);
-    const bool opened = encoder->open(QFile::encodeName(path).toStdString(), format);
+    const bool opened = encoder->open(toPath(path), format);
     if (opened)
         setUnfinishedFile(path);
     const bool written = opened && encoder->write(block);

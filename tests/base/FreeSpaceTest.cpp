@@ -28,12 +28,6 @@ TEST(FreeSpace, IsWhatTheSystemLists)
     EXPECT_NEAR(static_cast<double>(*told), static_cast<double>(listedBytes(folder.path())), tolerance);
 }
 
-TEST(FreeSpace, AFileSystemThatKnowsOfNoBytesTellsNothing)
-{
-    ASSERT_EQ(listedBytes(QStringLiteral("/proc")), 0);
-    EXPECT_FALSE(freeSpaceBytes(QStringLiteral("/proc")));
-}
-
 TEST(FreeSpace, AFolderThatIsNotThereTellsNothing)
 {
     const QTemporaryDir folder;

@@ -1,67 +1,10 @@
 #include "base/LocalCodePage.h"
 
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QProcessEnvironment>
-#include <QTemporaryDir>
-
 #include <gtest/gtest.h>
-
-namespace {
-
-/// The byte 0xC4 as a start of its own decodes it where the environment names a
-/// locale and the installed ones are those of a folder.
-QString decodedWith(const QString& locale, const QTemporaryDir& locales)
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"LANG", "LANGUAGE", "LC_MESSAGES", "LC_NUMERIC", "LC_CTYPE"})
-        environment.remove(QLatin1String(name));
-    environment.insert(QStringLiteral("LOCPATH"), locales.path());
-    environment.insert(QStringLiteral("LC_ALL"), locale);
-    QProcess probe;
-    probe.setProcessEnvironment(environment);
-    probe.start(QStringLiteral(TARVEL_CODE_PAGE_PROBE), QStringList());
-    if (!probe.waitForFinished(60000) || probe.exitCode() != 0)
-        return QStringLiteral("no answer: ") + QString::fromUtf8(probe.readAllStandardError());
-    return QString::fromUtf8(probe.readAllStandardOutput()).trimmed();
-}
-
-/// In a locale that is made of the one that every system has: only its name
-/// counts here.
-QString decodedIn(const QString& locale)
-{
-    const QTemporaryDir locales;
-    const QString known = QStringLiteral("/usr/lib/locale/C.utf8");
-    EXPECT_TRUE(QDir(known).exists());
-    EXPECT_TRUE(QFile::link(known, locales.filePath(locale)));
-    return decodedWith(locale, locales);
-}
-
-/// In a locale that is not installed.
-QString decodedWithout(const QString& locale)
-{
-    return decodedWith(locale, QTemporaryDir());
-}
-
-} // namespace
 
 TEST(LocalCodePage, ShiftJisIsDecoded)
 {
     EXPECT_EQ(decodeCodePage("\x93\xfa\x96\x7b\x8c\xea", "CP932"), QStringLiteral("日本語"));
-}
-
-TEST(LocalCodePage, ByteThatMeansNothingBecomesTheReplacementCharacter)
-{
-    EXPECT_EQ(decodeCodePage("a\xff"
-                             "b",
-                             "CP932"),
-              QStringLiteral("a\uFFFDb"));
-}
-
-TEST(LocalCodePage, TruncatedPairAtTheEndDoesNotHang)
-{
-    EXPECT_EQ(decodeCodePage("a\x93", "CP932"), QStringLiteral("a\uFFFD"));
 }
 
 TEST(LocalCodePage, LongTextCrossesTheBuffer)
@@ -78,37 +21,4 @@ TEST(LocalCodePage, LongTextCrossesTheBuffer)
 TEST(LocalCodePage, UnknownNameCountsAsWesternEuropean)
 {
     EXPECT_EQ(decodeCodePage("\xe9", "no such page"), QStringLiteral("é"));
-}
-
-// 0xC4 is U+0414 in CP1251 and U+00C4 in CP1252.
-TEST(LocalCodePage, LanguagesWrittenInCyrillicHaveTheirPage)
-{
-    for (const char* language : {"ru_RU", "uk_UA", "be_BY", "bg_BG", "sr_RS", "mk_MK", "kk_KZ", "mn_MN",
-                                 "ky_KG", "tg_TJ", "tt_RU", "ce_RU"}) {
-        EXPECT_EQ(decodedIn(QLatin1String(language) + QStringLiteral(".UTF-8")), QStringLiteral("Д"))
-            << language;
-    }
-}
-
-TEST(LocalCodePage, TheScriptThatALocaleNamesStandsAboveTheLanguages)
-{
-    for (const char* latin : {"sr_RS.UTF-8@latin", "sr_RS@latin", "be_BY.UTF-8@latin"})
-        EXPECT_EQ(decodedIn(QLatin1String(latin)), QStringLiteral("Ä")) << latin;
-    EXPECT_EQ(decodedIn(QStringLiteral("uz_UZ.UTF-8@cyrillic")), QStringLiteral("Д"));
-    EXPECT_EQ(decodedIn(QStringLiteral("uz_UZ.UTF-8")), QStringLiteral("Ä"));
-}
-
-TEST(LocalCodePage, ALocaleThatIsNotInstalledNamesItsScriptAsWell)
-{
-    EXPECT_EQ(decodedWithout(QStringLiteral("sr_RS.UTF-8")), QStringLiteral("Д"));
-    for (const char* latin : {"sr_RS.UTF-8@latin", "sr_RS@latin"})
-        EXPECT_EQ(decodedWithout(QLatin1String(latin)), QStringLiteral("Ä")) << latin;
-    EXPECT_EQ(decodedWithout(QStringLiteral("uz_UZ.UTF-8@cyrillic")), QStringLiteral("Д"));
-}
-
-TEST(LocalCodePage, OtherLanguagesHaveThePagesOfTheirOwn)
-{
-    EXPECT_EQ(decodedIn(QStringLiteral("de_DE.UTF-8")), QStringLiteral("Ä"));
-    EXPECT_EQ(decodedIn(QStringLiteral("el_GR.UTF-8")), QStringLiteral("Ä"));
-    EXPECT_EQ(decodedIn(QStringLiteral("ja_JP.UTF-8")), QStringLiteral("ﾄ")); // half-width katakana in CP932
 }

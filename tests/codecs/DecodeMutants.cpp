@@ -12,47 +12,23 @@
 
 #include "codecs/IAudioDecoder.h"
 #include "codecs/Mutation.h"
+#include "support/ProcessLimits.h"
 
 #include <QFile>
 
-#include <csignal>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <sys/resource.h>
-#include <sys/time.h>
-#include <unistd.h>
 
 namespace {
 
 // The largest block that a header may ask for, 2^26 samples of one-bit audio, is a
 // minute of filtering under the sanitizers.
-constexpr time_t secondsForOne = 120;
+constexpr std::chrono::seconds timeForOne{120};
 constexpr int timeLimitCode = 3;
 // A header may state terabytes of silence, and gets them; this much of it is enough.
 constexpr quint64 mostSamples = 4 * 1024 * 1024;
 constexpr int mostBlocks = 3000;
-
-void onTimeLimit(int)
-{
-    _exit(timeLimitCode);
-}
-
-/// Counts work, and not the time that other programs take.
-void setTimeLimit(time_t seconds)
-{
-    const itimerval timer{{0, 0}, {seconds, 0}};
-    setitimer(ITIMER_PROF, &timer, nullptr);
-}
-
-void limitMemory()
-{
-#ifndef __SANITIZE_ADDRESS__
-    // With the sanitizer, whose shadow takes terabytes of addresses, the limits
-    // are among its own options.
-    const rlimit limit{rlim_t{2} << 30, rlim_t{2} << 30};
-    setrlimit(RLIMIT_AS, &limit);
-#endif
-}
 
 QByteArray readFile(const char* name)
 {
@@ -87,23 +63,12 @@ bool play(const char* name)
     return !decoder->read();
 }
 
-/// Addresses that were allocated count also where they were never touched.
-long mostAddressesKiB()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QByteArray all = status.readAll();
-    const qsizetype line = all.indexOf("VmPeak:");
-    return std::strtol(all.constData() + line + 7, nullptr, 10);
-}
-
 int playOne(const char* name)
 {
-    const long before = mostAddressesKiB();
-    setTimeLimit(secondsForOne);
+    const long before = processlimits::mostAllocatedKiB();
+    processlimits::limitWork(timeForOne, timeLimitCode);
     const bool kept = play(name);
-    std::printf("took %ld\n", (mostAddressesKiB() - before) / 1024);
+    std::printf("took %ld\n", (processlimits::mostAllocatedKiB() - before) / 1024);
     return kept && before > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
@@ -111,14 +76,11 @@ int playOne(const char* name)
 
 int main(int argc, char** argv)
 {
-    if (argc == 2) {
-        std::signal(SIGPROF, onTimeLimit);
+    if (argc == 2)
         return playOne(argv[1]);
-    }
     if (argc != 5)
         return EXIT_FAILURE;
-    limitMemory();
-    std::signal(SIGPROF, onTimeLimit);
+    processlimits::limitMemory();
     const QByteArray valid = readFile(argv[1]);
     const quint64 first = std::strtoull(argv[3], nullptr, 10);
     const quint64 count = std::strtoull(argv[4], nullptr, 10);
@@ -130,10 +92,10 @@ int main(int argc, char** argv)
             sealOggPages(mutant);
         if (!writeFile(argv[2], mutant))
             return EXIT_FAILURE;
-        setTimeLimit(secondsForOne);
+        processlimits::limitWork(timeForOne, timeLimitCode);
         if (!play(argv[2]))
             return EXIT_FAILURE;
-        setTimeLimit(0);
+        processlimits::limitWork({}, 0);
     }
     std::puts("all played");
     return EXIT_SUCCESS;

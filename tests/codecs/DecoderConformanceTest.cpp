@@ -1,4 +1,5 @@
 #include "codecs/DecoderFiles.h"
+#include "support/OpenFiles.h"
 
 #include <QFile>
 

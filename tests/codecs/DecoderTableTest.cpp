@@ -11,8 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
-
 template<typename Decoder>
 static bool makes(const std::filesystem::path& path)
 {
@@ -43,16 +41,6 @@ TEST(DecoderTable, CapitalsMakeTheSameClass)
 {
     EXPECT_TRUE(makes<WavDecoder>("SONG.WAV"));
     EXPECT_TRUE(makes<OpusDecoder_>("Song.OpUs"));
-}
-
-TEST(DecoderTable, LoweringIsNotLimitedToAscii)
-{
-    const std::string before = std::setlocale(LC_CTYPE, nullptr);
-    ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
-    // The capital I with a dot above has the plain small i.
-    EXPECT_TRUE(makes<AiffDecoder>("a.A\u0130FF"));
-    EXPECT_TRUE(makes<AiffDecoder>("\u97F3\u697D.A\u0130F"));
-    std::setlocale(LC_CTYPE, before.c_str());
 }
 
 TEST(DecoderTable, NoDotALoneDotAndAnUnknownEndingMakeNothing)

@@ -1,6 +1,7 @@
 #include "codecs/EncoderRun.h"
 #include "support/AudioMaker.h"
 #include "support/FileSizeLimit.h"
+#include "support/OpenFiles.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -167,7 +168,8 @@ TEST_P(EncoderConformanceTest, DestructionOfAnOpenEncoderLetsTheFileGo)
 
 TEST_P(EncoderConformanceTest, ShortFileOnAFullDiskFails)
 {
-    const bool opened = encoder->open("/dev/full", stereo);
+    const FileSizeLimit disk(0);
+    const bool opened = encoder->open(toPath(file("full")), stereo);
     const bool written = encoder->write(makeBlock(audiomaker::noise(200, 12), 2));
     const bool closed = encoder->close();
     EXPECT_FALSE(opened && written && closed);
@@ -176,7 +178,8 @@ TEST_P(EncoderConformanceTest, ShortFileOnAFullDiskFails)
 
 TEST_P(EncoderConformanceTest, LongFileOnAFullDiskFailsFromWriteOn)
 {
-    const bool opened = encoder->open("/dev/full", stereo);
+    const FileSizeLimit disk(0);
+    const bool opened = encoder->open(toPath(file("full")), stereo);
     const bool written = encoder->write(makeBlock(audiomaker::noise(2000000, 13), 2));
     EXPECT_FALSE(opened && written);
     EXPECT_FALSE(encoder->write(AudioBlock()));
@@ -187,8 +190,8 @@ TEST_P(EncoderConformanceTest, ADiskThatEndsOneByteTooEarlyFails)
 {
     for (const quint64 samples : {quint64{3000}, quint64{300000}}) {
         const QList<qint32> audio = audiomaker::noise(samples, 14);
-        const auto size = static_cast<rlim_t>(encode(GetParam(), file("fits"), stereo, audio).size());
-        for (const rlim_t missing : {rlim_t{1}, rlim_t{100}, size / 2}) {
+        const auto size = static_cast<quint64>(encode(GetParam(), file("fits"), stereo, audio).size());
+        for (const quint64 missing : {quint64{1}, quint64{100}, size / 2}) {
             const FileSizeLimit disk(size - missing);
             const auto other = makeEncoder(GetParam());
             const bool opened = other->open(toPath(file("cut")), stereo);

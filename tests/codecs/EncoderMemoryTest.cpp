@@ -3,6 +3,7 @@
 #include "codecs/EncoderRun.h"
 #include "codecs/ScarceMemory.h"
 #include "support/AudioMaker.h"
+#include "support/OpenFiles.h"
 
 class EncoderMemoryTest : public EncoderTest, public ::testing::WithParamInterface<EncoderId> {
 protected:

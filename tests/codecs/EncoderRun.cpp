@@ -1,25 +1,14 @@
 #include "codecs/EncoderRun.h"
 
-#include <QDir>
 #include <QFile>
 
 #include <algorithm>
-
-std::filesystem::path toPath(const QString& name)
-{
-    return QFile::encodeName(name).toStdString();
-}
 
 QByteArray readAll(const QString& name)
 {
     QFile file(name);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
     return file.readAll();
-}
-
-qsizetype openFileCount()
-{
-    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
 }
 
 AudioBlock makeBlock(const QList<qint32>& samples, int channels)

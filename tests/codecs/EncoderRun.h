@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/FilePath.h"
 #include "codecs/AudioFormat.h"
 #include "codecs/IAudioEncoder.h"
 
@@ -17,11 +18,7 @@ protected:
     QTemporaryDir folder;
 };
 
-std::filesystem::path toPath(const QString& name);
 QByteArray readAll(const QString& name);
-
-/// Descriptors that this process holds.
-qsizetype openFileCount();
 
 /// A block with the right frame count.
 AudioBlock makeBlock(const QList<qint32>& samples, int channels);

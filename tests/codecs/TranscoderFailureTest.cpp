@@ -4,6 +4,7 @@
 #include "codecs/DecoderRun.h"
 #include "support/AudioMaker.h"
 #include "support/FileSizeLimit.h"
+#include "support/OpenFiles.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,61 +1,12 @@
 // Sources, targets and neighbours that a conversion must not trip over.
 
-#include "convert/ConversionRun.h"
-
-#include "convert/FolderOfAudio.h"
-#include "support/DiscMaker.h"
+#include "convert/ConversionStage.h"
 #include "support/FileSizeLimit.h"
-#include "support/Language.h"
 
 #include <QDir>
 #include <QFile>
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <sys/stat.h>
-
-namespace {
-
-using Counts = std::array<int, 3>;
-
-class ConversionTrouble : public ::testing::Test {
-protected:
-    void SetUp() override { speak(2); }
-
-    /// @param before  called with the number of each file, from 1
-    Counts run(const std::function<void(int)>& before = {}, const char* format = "FLAC")
-    {
-        int number = 0;
-        ConversionRun conversion(place.source(), place.output(), QLatin1String(format), [&](const QString&) {
-            ++number;
-            if (before)
-                before(number);
-            return true;
-        });
-        const ConversionCounts counts = conversion.convert(audioFilesIn(place.source()));
-        return {counts.converted, counts.failed, counts.skipped};
-    }
-
-    /// A folder of the user's beside source and output, with a file in it.
-    QString precious() const
-    {
-        const QString folder = place.top() + QStringLiteral("/Precious");
-        QDir().mkpath(folder);
-        writeFile(folder, QStringLiteral("letter.txt"), "kept");
-        return folder;
-    }
-
-    static QByteArray contentOf(const QString& path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
-    }
-
-    FolderOfAudio place;
-};
-
-} // namespace
+class ConversionTrouble : public ConversionStage {};
 
 TEST_F(ConversionTrouble, ADamagedFileFailsAndTheOthersGoOn)
 {
@@ -116,41 +67,6 @@ TEST_F(ConversionTrouble, WhatADiskHasNoRoomForFailsAndIsRemoved)
         EXPECT_EQ(run(), (Counts{0, 3, 0}));
     }
     EXPECT_FALSE(QFileInfo::exists(place.output() + QStringLiteral("/Album - Copy")));
-}
-
-TEST_F(ConversionTrouble, LinksToFilesAreTakenLinksToAnythingElseAreNot)
-{
-    const QString elsewhere =
-        writeFile(place.top(), QStringLiteral("elsewhere.bin"), wrapInWave(makeAudio(1, 4)));
-    const auto link = [this](const QString& target, const char* name) {
-        ASSERT_TRUE(QFile::link(target, place.source() + QLatin1Char('/') + QLatin1String(name)));
-    };
-    link(elsewhere, "to a file.wav");
-    link(place.top() + QStringLiteral("/nothing"), "to nothing.wav");
-    link(precious(), "to a folder.wav");
-    const QByteArray pipe = QFile::encodeName(place.source() + QStringLiteral("/pipe.wav"));
-    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
-    link(place.source() + QStringLiteral("/pipe.wav"), "to a pipe.wav");
-    link(QStringLiteral("loop.wav"), "loop.wav");
-
-    EXPECT_EQ(run(), (Counts{1, 0, 0}));
-    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/to a file.flac"}));
-    EXPECT_EQ(contentOf(elsewhere), wrapInWave(makeAudio(1, 4)));
-}
-
-TEST_F(ConversionTrouble, ANameThatIsNoTextFailsAndIsCounted)
-{
-    place.addWave(QStringLiteral("fine.wav"));
-    for (const QByteArray name : {"b\xff.wav", "b\xfe.wav"}) {
-        const QByteArray path = QFile::encodeName(place.source()) + '/' + name;
-        FILE* file = std::fopen(path.constData(), "wb");
-        ASSERT_NE(file, nullptr);
-        const QByteArray wave = wrapInWave(makeAudio(1, 1));
-        std::fwrite(wave.constData(), 1, static_cast<size_t>(wave.size()), file);
-        std::fclose(file);
-    }
-    EXPECT_EQ(run(), (Counts{1, 2, 0}));
-    EXPECT_EQ(place.outputTree(), (QStringList{"Album", "Album/fine.flac"}));
 }
 
 TEST_F(ConversionTrouble, ATargetNameThatIsTooLongFails)
@@ -239,40 +155,6 @@ TEST_F(ConversionTrouble, AFileInThePlaceOfTheRunFolderThatGoesAwayIsNotReplaced
     writeFile(place.output(), QStringLiteral("Album"), "a letter");
     EXPECT_EQ(run([this](int) { QFile::remove(place.runFolder()); }), (Counts{0, 2, 0}));
     EXPECT_TRUE(place.outputTree().isEmpty());
-}
-
-TEST_F(ConversionTrouble, ALinkInThePlaceOfTheRunFolderStays)
-{
-    place.add(QStringLiteral("1.wav"), "broken");
-    QDir().mkpath(place.output());
-    ASSERT_TRUE(QFile::link(place.top() + QStringLiteral("/nothing"), place.runFolder()));
-    EXPECT_EQ(run(), (Counts{0, 1, 0}));
-    EXPECT_TRUE(QFileInfo(place.runFolder()).isSymLink());
-    EXPECT_FALSE(QFileInfo::exists(place.top() + QStringLiteral("/nothing")));
-
-    ASSERT_TRUE(QFile::remove(place.runFolder()));
-    ASSERT_TRUE(QFile::link(precious(), place.runFolder()));
-    EXPECT_EQ(run(), (Counts{0, 1, 0}));
-    EXPECT_EQ(FolderOfAudio::below(precious()), QStringList{"letter.txt"});
-}
-
-TEST_F(ConversionTrouble, RemovingTheRunFolderFollowsNoLink)
-{
-    place.add(QStringLiteral("1.wav"), "broken");
-    const QString folder = precious();
-    bool linked = false;
-    EXPECT_EQ(run([&](int) { linked = QFile::link(folder, place.runFolder() + QStringLiteral("/inside")); }),
-              (Counts{0, 1, 0}));
-    EXPECT_TRUE(linked);
-    EXPECT_FALSE(QFileInfo::exists(place.runFolder()));
-    EXPECT_EQ(FolderOfAudio::below(folder), QStringList{"letter.txt"});
-
-    EXPECT_EQ(run([&](int) {
-                  QDir().rmdir(place.runFolder());
-                  QFile::link(folder, place.runFolder());
-              }),
-              (Counts{0, 1, 0}));
-    EXPECT_EQ(FolderOfAudio::below(folder), QStringList{"letter.txt"});
 }
 
 TEST_F(ConversionTrouble, ThousandsOfFilesAreAllCounted)

@@ -7,8 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 namespace {
 
 class CueImage : public ::testing::Test {
@@ -174,12 +172,8 @@ TEST_F(CueImage, SheetsThatYieldNothing)
     EXPECT_TRUE(CdDrive::parseCue(folder.filePath(QStringLiteral("missing.cue"))).isImage);
 }
 
-TEST_F(CueImage, EndlessSheetsEnd)
+TEST_F(CueImage, AnEndlessSheetEnds)
 {
-    EXPECT_TRUE(CdDrive::parseCue(QStringLiteral("/dev/zero")).tracks.isEmpty());
-    const QString pipe = folder.filePath(QStringLiteral("pipe.cue"));
-    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    EXPECT_TRUE(CdDrive::parseCue(pipe).tracks.isEmpty());
     QFile huge(sheet(QByteArray(binLine) + "TRACK 01 AUDIO\n"));
     ASSERT_TRUE(huge.resize(qint64{1} << 33));
     EXPECT_TRUE(CdDrive::parseCue(huge.fileName()).tracks.isEmpty());

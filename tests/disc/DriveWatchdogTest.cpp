@@ -69,10 +69,10 @@ public:
 /// A read that blocks until another thread cancels it.
 class BlockedRead {
 public:
-    bool cancel()
+    void cancel(const BeforeCancelling& beforeCancelling)
     {
+        beforeCancelling();
         cancelled.signal();
-        return true;
     }
     /// True when it was cancelled rather than left alone.
     bool run() { return cancelled.within(milliseconds(20000)); }
@@ -86,7 +86,7 @@ DriveReply HangingDevice::readRaw(quint32 lba, quint32 count, std::span<quint8> 
     if (!guarded)
         return device->readRaw(lba, count, data, guarded);
     BlockedRead read;
-    const ReadGuard guard([&read] { return read.cancel(); }, lba);
+    const ReadGuard guard([&read](const BeforeCancelling& before) { read.cancel(before); }, lba);
     if (hangs-- > 0)
         return {!read.run(), ECANCELED, 0};
     return device->readRaw(lba, count, data, guarded);
@@ -99,12 +99,7 @@ TEST(DriveWatchdog, AReadThatEndsJustBelowTheTimeOutIsNotCancelled)
     const LogCapture log;
     TimedReadEnd end(2999);
     driveWatchdog(
-        end,
-        [] {
-            ADD_FAILURE() << "cancelled";
-            return true;
-        },
-        7);
+        end, [](const BeforeCancelling&) { ADD_FAILURE() << "cancelled"; }, 7);
     EXPECT_TRUE(log.warnings().isEmpty());
     EXPECT_LE(end.longestStep, milliseconds(50));
 }
@@ -116,9 +111,11 @@ TEST(DriveWatchdog, AReadThatEndsJustAboveTheTimeOutIsCancelledOnce)
     int cancels = 0;
     driveWatchdog(
         end,
-        [&cancels] {
+        [&](const BeforeCancelling& beforeCancelling) {
+            EXPECT_TRUE(log.warnings().isEmpty()) << "said by the cancel, right before it";
+            beforeCancelling();
+            EXPECT_EQ(log.warnings().size(), 1);
             ++cancels;
-            return true;
         },
         123456);
     EXPECT_EQ(cancels, 1);
@@ -133,12 +130,7 @@ TEST(DriveWatchdog, WithoutAThreadToCancelNothingIsLogged)
     TimedReadEnd end(60000);
     int asked = 0;
     driveWatchdog(
-        end,
-        [&asked] {
-            ++asked;
-            return false;
-        },
-        1);
+        end, [&asked](const BeforeCancelling&) { ++asked; }, 1);
     EXPECT_EQ(asked, 1);
     EXPECT_TRUE(log.warnings().isEmpty());
 }
@@ -149,12 +141,7 @@ TEST(DriveWatchdog, AReadThatHadEndedBeforeTheWatchBeganStopsItAtOnce)
     end.signal();
     const auto started = Clock::now();
     driveWatchdog(
-        end,
-        [] {
-            ADD_FAILURE() << "cancelled";
-            return true;
-        },
-        1);
+        end, [](const BeforeCancelling&) { ADD_FAILURE() << "cancelled"; }, 1);
     EXPECT_LT(Clock::now() - started, milliseconds(1500)) << "half of the time out";
 }
 
@@ -162,12 +149,7 @@ TEST(ReadGuard, AHundredShortReadsAreNotMadeToWaitForASingleStep)
 {
     const auto started = Clock::now();
     for (quint32 lba = 0; lba < 100; ++lba)
-        const ReadGuard guard(
-            [] {
-                ADD_FAILURE() << "cancelled";
-                return true;
-            },
-            lba);
+        const ReadGuard guard([](const BeforeCancelling&) { ADD_FAILURE() << "cancelled"; }, lba);
     // Polling in steps of 50 ms would take up to 5 s.
     EXPECT_LT(Clock::now() - started, milliseconds(2500));
 }
@@ -181,9 +163,9 @@ TEST(ReadGuard, ABlockedReadIsCancelledAfterThreeSecondsFromAnotherThread)
     bool cancelled = false;
     {
         const ReadGuard guard(
-            [&] {
+            [&](const BeforeCancelling& beforeCancelling) {
                 cancelledFrom = std::this_thread::get_id();
-                return read.cancel();
+                read.cancel(beforeCancelling);
             },
             4711);
         cancelled = read.run();

@@ -158,6 +158,17 @@ TEST_F(PhysicalDriveTest, AReadThatComesShortIsAFailedAttempt)
     EXPECT_EQ(figures().retries, 2U);
 }
 
+TEST_F(PhysicalDriveTest, AReadThatDoesNotSayHowMuchCameIsAFailedAttempt)
+{
+    int silentReads = 2;
+    shim.onRaw = [&silentReads](quint32, std::span<quint8>, bool, DriveReply& reply) {
+        if (silentReads-- > 0)
+            reply = {.ok = true};
+    };
+    EXPECT_EQ(read(1000), truth(1000));
+    EXPECT_EQ(figures().retries, 2U);
+}
+
 TEST_F(PhysicalDriveTest, ABatchThreeSectorsBeforeTheLeadOutHasThree)
 {
     EXPECT_EQ(read(2997), truth(2997));

@@ -149,19 +149,12 @@ TEST_F(FileRunTest, TheSameFileAgainGoesToAFolderOfItsOwn)
         EXPECT_TRUE(QFileInfo(out(name + QStringLiteral("/01. Song.wav"))).isFile()) << name.toStdString();
 }
 
-TEST_F(FileRunTest, ForbiddenCharactersAloneAreTakenOutOfTheName)
+TEST_F(FileRunTest, DotsAtTheEndOfATitleAreKeptBeforeAnEnding)
 {
-    for (const auto& [name, expected] : {std::pair{"What? 1:2..wav", "01. What 12..wav"},
-                                         {"???.wav", "01. .wav"},
-                                         {"dots ...wav", "01. dots ...wav"}}) {
-        SCOPED_TRACE(name);
-        decoderfiles::make(source(QLatin1String(name)), 100);
-        QTemporaryDir target;
-        RunParts run;
-        convert(run, source(QLatin1String(name)), OutputWav, target.path());
-        EXPECT_EQ(QDir(target.filePath(QStringLiteral("Album"))).entryList(QDir::Files),
-                  QStringList{QLatin1String(expected)});
-    }
+    decoderfiles::make(source(QStringLiteral("dots ...wav")), 100);
+    RunParts run;
+    convert(run, source(QStringLiteral("dots ...wav")), OutputWav);
+    EXPECT_TRUE(QFileInfo(out(QStringLiteral("Album/01. dots ...wav"))).isFile());
 }
 
 TEST_F(FileRunTest, AFileOfNoKnownKindIsRefused)

@@ -100,7 +100,7 @@ TEST_F(TagRoom, TheLineSpeaksTheLanguageInForce)
 
 TEST_F(TagRoom, ADiskThatFillsWithoutAWordOfItIsSaidAsWell)
 {
-    constexpr rlim_t audioBytes = 44 + 60 * 2352;
+    constexpr quint64 audioBytes = 44 + 60 * 2352;
     pretendFreeSpace(0);
     {
         const FileSizeLimit full(audioBytes);

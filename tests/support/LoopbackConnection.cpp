@@ -2,18 +2,29 @@
 
 #include <openssl/ssl.h>
 
-#include <poll.h>
-#include <sys/socket.h>
-
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <string_view>
 #include <thread>
 
 namespace {
 
 constexpr int stepMilliseconds = 20;
 constexpr qsizetype longestHead = 64 * 1024;
+constexpr char endOfHead[] = "\r\n\r\n";
+
+// To a proxy a client says the whole address.
+void takeOriginForm(ServedRequest& request)
+{
+    for (const QByteArray& scheme : {QByteArray("http://"), QByteArray("https://")}) {
+        if (!request.target.startsWith(scheme))
+            continue;
+        const qsizetype path = request.target.indexOf('/', scheme.size());
+        request.target = path < 0 ? QByteArray("/") : request.target.mid(path);
+        request.askedAsProxy = true;
+    }
+}
 
 ServedRequest parseHead(const QByteArray& head, bool secure)
 {
@@ -27,31 +38,73 @@ ServedRequest parseHead(const QByteArray& head, bool secure)
     lines.removeAll(QByteArray());
     request.headers = lines;
     request.host = request.values("Host").value(0);
+    takeOriginForm(request);
     return request;
 }
 
 } // namespace
 
-LoopbackConnection::LoopbackConnection(int socket, ssl_ctx_st* context, const std::atomic<bool>& stopFlag)
-    : descriptor(socket), tls(context ? SSL_new(context) : nullptr, SSL_free), stopping(stopFlag)
+LoopbackConnection::LoopbackConnection(loopbacksocket::Socket taken, ssl_ctx_st* context,
+                                       ssl_ctx_st* tunnelContext, const std::atomic<bool>& stopFlag)
+    : socket(taken), tls(context ? SSL_new(context) : nullptr, SSL_free), tunnel(tunnelContext),
+      stopping(stopFlag)
 {
 }
 
 bool LoopbackConnection::greet()
 {
-    return !tls || (SSL_set_fd(tls.get(), descriptor) == 1 && SSL_accept(tls.get()) == 1);
+    if (tunnel && asksForTunnel()) {
+        tls.reset(SSL_new(tunnel));
+        return openTunnel() && shakeHands();
+    }
+    return !tls || shakeHands();
 }
 
+bool LoopbackConnection::shakeHands()
+{
+    return SSL_set_fd(tls.get(), static_cast<int>(socket)) == 1 && SSL_accept(tls.get()) == 1;
+}
+
+bool LoopbackConnection::asksForTunnel() const
+{
+    char first = 0; // of CONNECT; nothing else begins so
+    return loopbacksocket::peek(socket, &first, 1) == 1 && first == 'C';
+}
+
+bool LoopbackConnection::openTunnel()
+{
+    QByteArray head;
+    while (!head.endsWith(endOfHead) && head.size() < longestHead) {
+        char next = 0;
+        if (loopbacksocket::receive(socket, &next, 1) != 1)
+            return false;
+        head.append(next);
+    }
+    constexpr std::string_view agreed = "HTTP/1.1 200 Connection established\r\n\r\n";
+    const auto length = static_cast<qsizetype>(agreed.size());
+    return loopbacksocket::send(socket, agreed.data(), length) == length;
+}
+
+// The end of the server must not wait for a client that keeps its connection: a
+// socket that another thread shuts down need not wake who reads from it.
 qsizetype LoopbackConnection::receiveBytes(char* buffer, int size)
 {
-    return tls ? SSL_read(tls.get(), buffer, size) : ::recv(descriptor, buffer, static_cast<size_t>(size), 0);
+    const auto isWaiting = [this] {
+        return (tls && SSL_pending(tls.get()) > 0)
+               || loopbacksocket::isReadableWithin(socket, stepMilliseconds);
+    };
+    while (!isWaiting()) {
+        if (stopping)
+            return 0;
+    }
+    return tls ? SSL_read(tls.get(), buffer, size) : loopbacksocket::receive(socket, buffer, size);
 }
 
 std::optional<ServedRequest> LoopbackConnection::receive()
 {
     QByteArray head;
     std::array<char, 4096> buffer;
-    while (!head.contains("\r\n\r\n") && head.size() < longestHead) {
+    while (!head.contains(endOfHead) && head.size() < longestHead) {
         const qsizetype count = receiveBytes(buffer.data(), static_cast<int>(buffer.size()));
         if (count <= 0)
             return std::nullopt;
@@ -68,7 +121,7 @@ bool LoopbackConnection::sendBytes(const QByteArray& bytes)
         const qsizetype step = std::min(bytes.size() - done, largestStep);
         const char* from = bytes.constData() + done;
         const qsizetype sent = tls ? SSL_write(tls.get(), from, static_cast<int>(step))
-                                   : ::send(descriptor, from, static_cast<size_t>(step), MSG_NOSIGNAL);
+                                   : loopbacksocket::send(socket, from, step);
         if (sent <= 0)
             return false;
         done += sent;
@@ -78,8 +131,7 @@ bool LoopbackConnection::sendBytes(const QByteArray& bytes)
 
 void LoopbackConnection::waitUntilClientLeaves()
 {
-    pollfd watched{descriptor, POLLIN, 0};
-    while (!stopping && ::poll(&watched, 1, stepMilliseconds) == 0) {
+    while (!stopping && !loopbacksocket::isReadableWithin(socket, stepMilliseconds)) {
     }
 }
 

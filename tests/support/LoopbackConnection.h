@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/LoopbackSocket.h"
 #include "support/ServedAnswer.h"
 
 #include <atomic>
@@ -12,8 +13,10 @@ struct ssl_st;
 /// The server's side of one connection on the loopback.
 class LoopbackConnection {
 public:
-    /// @param socket  stays the caller's
-    LoopbackConnection(int socket, ssl_ctx_st* context, const std::atomic<bool>& stopFlag);
+    /// @param taken          stays the caller's
+    /// @param tunnelContext  of a connection that turns to TLS behind a CONNECT
+    LoopbackConnection(loopbacksocket::Socket taken, ssl_ctx_st* context, ssl_ctx_st* tunnelContext,
+                       const std::atomic<bool>& stopFlag);
 
     /// The TLS handshake, where there is one.
     bool greet();
@@ -23,13 +26,17 @@ public:
     bool send(const ServedAnswer& answer);
 
 private:
+    bool shakeHands();
+    bool asksForTunnel() const;
+    bool openTunnel();
     bool sendBytes(const QByteArray& bytes);
     bool sendPiece(const ServedAnswer& answer, const QByteArray& piece);
     bool sendBody(const ServedAnswer& answer);
     qsizetype receiveBytes(char* buffer, int size);
     void waitUntilClientLeaves();
 
-    int descriptor;
+    loopbacksocket::Socket socket;
     std::unique_ptr<ssl_st, void (*)(ssl_st*)> tls;
+    ssl_ctx_st* tunnel;
     const std::atomic<bool>& stopping;
 };

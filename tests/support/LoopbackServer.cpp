@@ -2,45 +2,20 @@
 
 #include "support/LoopbackConnection.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
-#include <csignal>
-#include <stdexcept>
 #include <utility>
 
 namespace {
 
 constexpr int stepMilliseconds = 20;
-constexpr int waitingConnections = 16;
-
-// A client that hangs up must not end the test by a signal from inside TLS.
-void blockPipeSignal()
-{
-    sigset_t pipeSignal;
-    sigemptyset(&pipeSignal);
-    sigaddset(&pipeSignal, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr);
-}
 
 } // namespace
 
-LoopbackServer::LoopbackServer(Handler answerTo, std::shared_ptr<ssl_ctx_st> tls)
-    : handler(std::move(answerTo)), context(std::move(tls))
+LoopbackServer::LoopbackServer(Handler answerTo, std::shared_ptr<ssl_ctx_st> tls,
+                               std::shared_ptr<ssl_ctx_st> tunnelTls)
+    : handler(std::move(answerTo)), context(std::move(tls)), tunnelContext(std::move(tunnelTls))
 {
-    listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    auto* generic = reinterpret_cast<sockaddr*>(&address);
-    if (listener < 0 || ::bind(listener, generic, length) != 0 || ::listen(listener, waitingConnections) != 0
-        || ::getsockname(listener, generic, &length) != 0)
-        throw std::runtime_error("no listener on the loopback");
-    listeningPort = ntohs(address.sin_port);
+    listener = loopbacksocket::bindSomewhere(listeningPort);
+    loopbacksocket::listen(listener);
     acceptor = std::thread(&LoopbackServer::acceptAll, this);
 }
 
@@ -50,47 +25,44 @@ LoopbackServer::~LoopbackServer()
     acceptor.join();
     {
         const std::lock_guard lock(guard);
-        for (const int descriptor : descriptors)
-            ::shutdown(descriptor, SHUT_RDWR);
+        for (const Socket socket : sockets)
+            loopbacksocket::shutDown(socket);
     }
     for (std::thread& thread : connectionThreads)
         thread.join();
-    ::close(listener);
+    loopbacksocket::close(listener);
 }
 
 int LoopbackServer::openConnections() const
 {
     const std::lock_guard lock(guard);
-    return static_cast<int>(descriptors.size());
+    return static_cast<int>(sockets.size());
 }
 
 void LoopbackServer::acceptAll()
 {
     while (!stopping) {
-        pollfd watched{listener, POLLIN, 0};
-        if (::poll(&watched, 1, stepMilliseconds) <= 0)
-            continue;
-        const int descriptor = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-        if (descriptor < 0)
+        const auto socket = loopbacksocket::acceptWithin(listener, stepMilliseconds);
+        if (!socket)
             continue;
         ++accepted;
         const std::lock_guard lock(guard);
-        descriptors.insert(descriptor);
-        connectionThreads.emplace_back(&LoopbackServer::serve, this, descriptor);
+        sockets.insert(*socket);
+        connectionThreads.emplace_back(&LoopbackServer::serve, this, *socket);
     }
 }
 
-void LoopbackServer::serve(int descriptor)
+void LoopbackServer::serve(Socket socket)
 {
-    blockPipeSignal();
-    LoopbackConnection connection(descriptor, context.get(), stopping);
+    loopbacksocket::surviveHangUps();
+    LoopbackConnection connection(socket, context.get(), tunnelContext.get(), stopping);
     bool open = connection.greet();
     while (open && !stopping) {
         const std::optional<ServedRequest> request = connection.receive();
         open = request && connection.send(handler(*request));
     }
     const std::lock_guard lock(guard);
-    descriptors.erase(descriptor);
-    ::shutdown(descriptor, SHUT_RDWR);
-    ::close(descriptor);
+    sockets.erase(socket);
+    loopbacksocket::shutDown(socket);
+    loopbacksocket::close(socket);
 }

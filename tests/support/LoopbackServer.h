@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/LoopbackSocket.h"
 #include "support/ServedAnswer.h"
 
 #include <atomic>
@@ -19,8 +20,10 @@ class LoopbackServer {
 public:
     using Handler = std::function<ServedAnswer(const ServedRequest&)>;
 
-    /// @param answerTo  called from the connections' threads
-    LoopbackServer(Handler answerTo, std::shared_ptr<ssl_ctx_st> tls);
+    /// @param answerTo   called from the connections' threads
+    /// @param tunnelTls  for a server without TLS that opens tunnels like a proxy
+    LoopbackServer(Handler answerTo, std::shared_ptr<ssl_ctx_st> tls,
+                   std::shared_ptr<ssl_ctx_st> tunnelTls = nullptr);
     ~LoopbackServer();
     LoopbackServer(const LoopbackServer&) = delete;
     LoopbackServer& operator=(const LoopbackServer&) = delete;
@@ -31,17 +34,20 @@ public:
     int openConnections() const;
 
 private:
+    using Socket = loopbacksocket::Socket;
+
     void acceptAll();
-    void serve(int descriptor);
+    void serve(Socket socket);
 
     Handler handler;
     std::shared_ptr<ssl_ctx_st> context;
-    int listener = -1;
+    std::shared_ptr<ssl_ctx_st> tunnelContext;
+    Socket listener;
     quint16 listeningPort = 0;
     std::atomic<bool> stopping = false;
     std::atomic<int> accepted = 0;
     mutable std::mutex guard;
-    std::set<int> descriptors;                  ///< guarded
+    std::set<Socket> sockets;                   ///< guarded
     std::vector<std::thread> connectionThreads; ///< of the accepting thread alone
     std::thread acceptor;
 };

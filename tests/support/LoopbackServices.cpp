@@ -1,6 +1,8 @@
 #include "support/LoopbackServices.h"
 
+#include "support/DetourForm.h"
 #include "support/OwnCopy.h"
+#include "support/TrustedAuthority.h"
 
 #include <openssl/ssl.h>
 
@@ -20,10 +22,19 @@ int chooseCertificate(SSL* connection, int*, void* argument)
     return SSL_TLSEXT_ERR_OK;
 }
 
+// A process that has once looked at the machine's authorities need not see a new one.
+const TestAuthority& trustedAuthority()
+{
+    static const TestAuthority authority;
+    static const TrustedAuthority trust(authority.certificateFile());
+    return authority;
+}
+
 } // namespace
 
 LoopbackServices::LoopbackServices(const HttpLimits& limits)
 {
+    const TestAuthority& authority = trustedAuthority();
     specialContexts["expired.test"] = authority.makeServerContext({"expired.test"}, -oneHour);
     specialContexts["stranger.test"] = strangeAuthority.makeServerContext({"stranger.test"});
     const auto context = authority.makeServerContext({hosts::musicBrainz, hosts::coverArtArchive,
@@ -33,7 +44,7 @@ LoopbackServices::LoopbackServices(const HttpLimits& limits)
     SSL_CTX_set_tlsext_servername_arg(context.get(), &specialContexts);
 
     const auto handler = [this](const ServedRequest& request) { return answerTo(request); };
-    plain = std::make_unique<LoopbackServer>(handler, nullptr);
+    plain = std::make_unique<LoopbackServer>(handler, nullptr, detourIsAProxy() ? context : nullptr);
     secure = std::make_unique<LoopbackServer>(handler, context);
     way = {plain->port(), secure->port(), authority.certificateFile()};
     ownTransport = makeHttpTransport(limits, &way);

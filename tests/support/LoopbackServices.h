@@ -52,7 +52,6 @@ private:
 
     ServedAnswer answerTo(const ServedRequest& request);
 
-    TestAuthority authority;
     TestAuthority strangeAuthority;
     QMap<QByteArray, std::shared_ptr<ssl_ctx_st>> specialContexts; ///< by the host that shows them
     mutable std::mutex guard;

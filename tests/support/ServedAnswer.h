@@ -7,6 +7,7 @@
 struct ServedRequest {
     bool secure = false;
     QByteArray target;
+    bool askedAsProxy = false; ///< the target came with scheme and host in front
     QByteArray host;           ///< of the Host line
     QList<QByteArray> headers; ///< whole lines, in their order
 

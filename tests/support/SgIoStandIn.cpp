@@ -38,6 +38,20 @@ void refuse(sg_io_hdr& header, int key, int code, int qualifier)
     header.resid = static_cast<int>(header.dxfer_len);
 }
 
+// What the drive behind says of a command that failed, in the kernel's words.
+void refuseAs(const DriveReply& reply, sg_io_hdr& header)
+{
+    if (reply.failure == DriveFailure::notReady) {
+        refuse(header, 2, 0x3A, 0x00); // no medium
+    } else if (reply.failure == DriveFailure::timedOut) {
+        header.host_status = timeOutHostStatus;
+        header.duration = header.timeout;
+        header.resid = static_cast<int>(header.dxfer_len);
+    } else {
+        refuse(header, 3, 0x11, 0x05); // medium error: unrecovered read error
+    }
+}
+
 void deliver(sg_io_hdr& header, std::span<const quint8> bytes)
 {
     const size_t length = std::min<size_t>(bytes.size(), header.dxfer_len);
@@ -236,6 +250,9 @@ void SgIoStandIn::answer(sg_io_hdr& header)
     case 0x43:
         known = readToc(header);
         break;
+    case 0x5A:
+        known = modeSense(header);
+        break;
     case 0xBE:
         known = readCd(header);
         break;
@@ -294,7 +311,7 @@ bool SgIoStandIn::readCd(sg_io_hdr& header)
     if (reply.ok)
         deliver(header, data);
     else
-        refuse(header, 3, 0x11, 0x05); // medium error: unrecovered read error
+        refuseAs(reply, header);
     return true;
 }
 
@@ -306,5 +323,18 @@ bool SgIoStandIn::inquiry(sg_io_hdr& header)
     device.passThrough({header.cmdp, 6}, data);
     const size_t allowed = std::min<size_t>({static_cast<size_t>(inquiryBytes), header.cmdp[4], data.size()});
     deliver(header, std::span(data).first(allowed));
+    return true;
+}
+
+bool SgIoStandIn::modeSense(sg_io_hdr& header)
+{
+    if (header.cmd_len != 10)
+        return false;
+    std::vector<quint8> data(header.dxfer_len);
+    const DriveReply reply = device.passThrough({header.cmdp, 10}, data);
+    if (reply.ok)
+        deliver(header, std::span(data).first(reply.transferred));
+    else
+        refuse(header, 5, 0x24, 0x00); // illegal request: a field of the command
     return true;
 }

@@ -107,6 +107,7 @@ private:
     bool readToc(sg_io_hdr& header);
     bool readCd(sg_io_hdr& header);
     bool inquiry(sg_io_hdr& header);
+    bool modeSense(sg_io_hdr& header);
     std::optional<SgIoFault> faultFor(quint8 opcode);
 
     QByteArray path;

@@ -32,9 +32,10 @@ public:
     DriveReply readToc(std::span<quint8, 804> table) override
     {
         const DriveReply reply = begin({SimulatedDrive::Command::Toc});
-        if (reply.ok)
-            drive.fillToc(table);
-        return reply;
+        if (!reply.ok)
+            return reply;
+        drive.fillToc(table);
+        return {true, 0, table.size()};
     }
 
     DriveReply readRaw(quint32 lba, quint32 count, std::span<quint8> data, bool guarded) override
@@ -80,7 +81,7 @@ private:
         std::ranges::fill(data, quint8{0});
         std::ranges::copy(drive.vendor.left(8), data.begin() + 8);
         std::ranges::copy(drive.product.left(16), data.begin() + 16);
-        return reply;
+        return {true, 0, data.size()};
     }
 
     // A mode parameter header of 8 bytes and the page, without block descriptors.
@@ -149,8 +150,9 @@ private:
             deliver(sector, pattern, data.subspan((sector - lba) * sectorBytes, sectorBytes), withC2);
             ++sector;
         }
-        return whole ? DriveReply{true, 0}
-                     : DriveReply{false, EIO, (sector - lba) * sectorBytes, DriveFailure::unreadable};
+        const size_t delivered = (sector - lba) * sectorBytes;
+        return whole ? DriveReply{true, 0, delivered}
+                     : DriveReply{false, EIO, delivered, DriveFailure::unreadable};
     }
 
     void deliver(quint32 lba, const WrongPattern& pattern, std::span<quint8> target, bool withC2)

@@ -11,7 +11,7 @@ struct ssl_ctx_st;
 struct evp_pkey_st;
 struct x509_st;
 
-/// A certificate authority that exists for one test: its key never leaves the
+/// A certificate authority that exists for one run of tests: its key never leaves the
 /// memory, its certificate lies in a temporary file.
 class TestAuthority {
 public:

@@ -13,5 +13,9 @@ struct ToolResult {
     bool ok() const { return exitCode == 0; }
 };
 
+/// Whether these programs stand on this one's C library, so that what both calculate
+/// is the same to the last bit.
+bool toolsShareOurLibrary();
+
 /// Runs a program from the search path to its end, with no input.
 ToolResult runTool(const QString& program, const QStringList& arguments);

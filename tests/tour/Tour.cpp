@@ -3,6 +3,7 @@
 // page.
 
 #include "base/Language.h"
+#include "base/ProcessEnd.h"
 #include "support/OfflineServices.h"
 #include "tour/DialogWalk.h"
 #include "tour/TourGuide.h"
@@ -50,7 +51,7 @@ TourOptions readOptions(const QCoreApplication& application)
 
 } // namespace
 
-int main(int argc, char** argv)
+static int walkTour(int argc, char** argv)
 {
     // The walk answers Qt's own file dialog; that of a desktop lies beyond its reach.
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
@@ -83,4 +84,9 @@ int main(int argc, char** argv)
     window.close();
     endLookups();
     return 0;
+}
+
+int main(int argc, char** argv)
+{
+    return endOfMain(walkTour(argc, argv));
 }

@@ -1,13 +1,9 @@
-#include "ui/RunningRips.h"
+#include "ui/RunningRipsStage.h"
 
-#include "disc/CdDrive.h"
-#include "rip/RipWorker.h"
-#include "support/DiscMaker.h"
 #include "ui/AbruptEnd.h"
 #include "ui/HeldRip.h"
 #include "ui/RecordedEnd.h"
 #include "ui/RipRelay.h"
-#include "ui/StuckFile.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -20,47 +16,7 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-class RunningRipsTest : public ::testing::Test {
-protected:
-    void SetUp() override { QSettings().clear(); }
-
-    /// A worker that makes a WAV file of an audio file.
-    std::unique_ptr<RipWorker> conversion(const QString& name)
-    {
-        DiscToc disc;
-        disc.tracks = {TrackInfo()};
-        disc.tracks.first().number = 1;
-        disc.tracks.first().title = name;
-        const QString song =
-            writeFile(folder.path(), name + QStringLiteral(".wav"), wrapInWave(makeAudio(10, 1)));
-        auto worker = std::make_unique<RipWorker>();
-        worker->configure(nullptr, disc, output(), {}, {}, {}, {}, {}, 1, 1, 0, OutputWav, song, 1);
-        return worker;
-    }
-
-    /// A worker that makes a WAV file of an image of one track.
-    std::unique_ptr<RipWorker> imageRip(CdDrive& drive)
-    {
-        ImageDescription image;
-        image.tracks = {{0, QStringLiteral("Alpha")}};
-        EXPECT_TRUE(drive.openCue(writeImage(folder.path(), image, makeAudio(100, 1))));
-        auto worker = std::make_unique<RipWorker>();
-        worker->configure(&drive, drive.readToc(), output(), {}, {}, {}, {}, {}, 1, 1, 0, OutputWav, {}, 1);
-        return worker;
-    }
-
-    QString output() const { return folder.filePath(QStringLiteral("out")); }
-    static int threads(const RunningRips& rips)
-    {
-        return static_cast<int>(rips.findChildren<QThread*>().size());
-    }
-
-    QTemporaryDir folder;
-};
-
-} // namespace
+class RunningRipsTest : public RunningRipsStage {};
 
 TEST_F(RunningRipsTest, WhatARipReportsComesOutAndNothingIsLeft)
 {
@@ -179,28 +135,4 @@ TEST_F(RunningRipsTest, ASlotOfTheEndMayTakeItAway)
     QObject::connect(rips.get(), &RunningRips::finished, [&rips] { rips.reset(); });
     rips->start(conversion(QStringLiteral("Song")));
     EXPECT_TRUE(QTest::qWaitFor([&rips] { return !rips; }, 60000));
-}
-
-TEST_F(RunningRipsTest, ARipThatHangsIsLeftBehindWithoutItsUnfinishedFile)
-{
-    ASSERT_TRUE(QDir(folder.path()).mkpath(QStringLiteral("out")));
-    const QString unfinished = output() + QStringLiteral("/01. Alpha.wav");
-    StuckFile file(unfinished);
-    ASSERT_TRUE(file.isMade());
-    bool removed = false;
-    RecordedEnd end([&] {
-        removed = !QFileInfo::exists(unfinished);
-        file.letGo();
-    });
-    const AbruptEndOverride inPlace(end);
-    CdDrive drive;
-    auto rips = std::make_unique<RunningRips>();
-    rips->start(imageRip(drive));
-    ASSERT_TRUE(QTest::qWaitFor([&file] { return file.isWrittenTo(); }, 60000));
-    QElapsedTimer time;
-    time.start();
-    rips.reset();
-    EXPECT_EQ(end.calls, 1);
-    EXPECT_TRUE(removed);
-    EXPECT_GE(time.elapsed(), 3500) << "the rip was given its time";
 }

@@ -285,21 +285,6 @@ TEST_P(SettingsOk, YesStartsTheProgramAnewAndEndsThisOne)
     EXPECT_EQ(stored(settings::language).toInt(), 0);
 }
 
-TEST(ProgramStarter, TheProgramStartedLivesOnItsOwn)
-{
-    QTemporaryDir folder;
-    const QString script =
-        writeFile(folder.path(), QStringLiteral("a program"),
-                  "#!/bin/sh\necho \"$# $(pwd -P)\" > \"$0.tmp\" && mv \"$0.tmp\" \"$0.ran\"\n");
-    ASSERT_TRUE(QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    ProgramStarter().start(script);
-    QFile trace(script + QStringLiteral(".ran"));
-    ASSERT_TRUE(QTest::qWaitFor([&trace] { return trace.exists(); }, 10000));
-    ASSERT_TRUE(trace.open(QIODevice::ReadOnly));
-    EXPECT_EQ(QString::fromLocal8Bit(trace.readAll()).trimmed(),
-              QStringLiteral("0 ") + QDir(QDir::currentPath()).canonicalPath());
-}
-
 TEST(ProgramStarter, AProgramThatIsNotThereHurtsNobody)
 {
     ProgramStarter().start(QStringLiteral("/nonexistent/program"));

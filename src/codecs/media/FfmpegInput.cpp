@@ -1,6 +1,7 @@
 #include "codecs/media/FfmpegInput.h"
 
 #include "base/ByteOrder.h"
+#include "base/FilePath.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -56,7 +57,7 @@ FfmpegInput openFfmpegInput(const std::filesystem::path& path, bool ignoreEdits)
     if (ignoreEdits)
         av_dict_set(&options, "ignore_editlist", "1", 0);
     AVFormatContext* context = nullptr;
-    const std::string name = "file:" + path.string();
+    const std::string name = "file:" + utf8Path(path);
     const int status = avformat_open_input(&context, name.c_str(), nullptr, &options);
     av_dict_free(&options);
     return FfmpegInput(status < 0 ? nullptr : context);

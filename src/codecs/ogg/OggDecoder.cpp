@@ -43,7 +43,7 @@ int onSeek(void* opaque, ogg_int64_t offset, int origin)
 
 long onTell(void* opaque)
 {
-    return ftello(static_cast<Source*>(opaque)->file.get());
+    return static_cast<long>(ftello(static_cast<Source*>(opaque)->file.get()));
 }
 
 /// The library's record of one file, which is empty until it is opened. No close

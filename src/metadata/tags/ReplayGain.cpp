@@ -1,5 +1,6 @@
 #include "metadata/tags/ReplayGain.h"
 
+#include "base/FilePath.h"
 #include "metadata/LoudnessMeter.h"
 #include "metadata/tags/TagStream.h"
 
@@ -52,7 +53,7 @@ bool writeReplayGain(const QString& path, double trackGain, double trackPeak, do
                      double albumPeak)
 {
     try {
-        TagStream stream(QFile::encodeName(path).constData());
+        TagStream stream(toPath(path).c_str());
         TagLib::FileRef reference(&stream, true, TagLib::AudioProperties::Average);
         if (reference.isNull() || !reference.file())
             return false;

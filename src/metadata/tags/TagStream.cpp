@@ -19,7 +19,7 @@ void TagStream::insert(const TagLib::ByteVector& data, Offset start, Size replac
     for (std::size_t end = oldLength; end > tailStart;) {
         const std::size_t place = end - std::min(piece, end - tailStart);
         seek(static_cast<long>(place));
-        const TagLib::ByteVector moved = readBlock(end - place);
+        const TagLib::ByteVector moved = readBlock(static_cast<Size>(end - place));
         seek(static_cast<long>(place + growth));
         writeBlock(moved);
         end = place;

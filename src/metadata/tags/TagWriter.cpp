@@ -1,5 +1,6 @@
 #include "metadata/tags/TagWriter.h"
 
+#include "base/FilePath.h"
 #include "metadata/tags/FlacCover.h"
 #include "metadata/tags/Id3Tags.h"
 #include "metadata/tags/TagStream.h"
@@ -8,6 +9,7 @@
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
+#include <QThreadStorage>
 
 #include <taglib/flacfile.h>
 #include <taglib/id3v1tag.h>
@@ -24,7 +26,10 @@
 #include <memory>
 #include <type_traits>
 
-thread_local QString lastTagError;
+// The strings are Qt's to destroy: not every compiler's run-time still has a thread's
+// own variables when it comes to their destructors.
+static QThreadStorage<QString> wordsOfThreads;
+thread_local QString& lastTagError = wordsOfThreads.localData();
 
 namespace {
 
@@ -43,10 +48,7 @@ bool failToSave(const QString& path)
 template<typename File>
 class TaggedFile {
 public:
-    explicit TaggedFile(const QString& path)
-        : stream(QFile::encodeName(path).constData()), file(open(&stream))
-    {
-    }
+    explicit TaggedFile(const QString& path) : stream(toPath(path).c_str()), file(open(&stream)) {}
 
     File* operator->() { return file.get(); }
     File& operator*() { return *file; }

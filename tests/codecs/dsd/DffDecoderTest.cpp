@@ -3,6 +3,7 @@
 #include "codecs/DecoderFiles.h"
 #include "codecs/FloatSample.h"
 #include "codecs/dsd/DsdFirFilter.h"
+#include "support/OpenFiles.h"
 
 using namespace decoderfiles;
 

@@ -1,6 +1,7 @@
 #include "codecs/EncoderOptions.h"
 #include "codecs/EncoderRun.h"
 #include "support/AudioMaker.h"
+#include "support/OpenFiles.h"
 #include "support/Tool.h"
 
 #include <QFile>

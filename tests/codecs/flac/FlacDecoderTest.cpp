@@ -7,9 +7,6 @@
 #include <QDir>
 #include <QFile>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 class FlacDecoderTest : public EncoderTest {
 protected:
     QByteArray encoded(const AudioFormat& format, quint64 frames, const QStringList& options = {})
@@ -129,30 +126,6 @@ TEST_F(FlacDecoderTest, ADamagedFrameCostsNoMoreThanItselfAndTheNext)
     EXPECT_EQ(damaged.samples.first(2 * 4 * blockFrames), all.samples.first(2 * 4 * blockFrames));
     const qsizetype behind = 2 * (frames - 6 * blockFrames);
     EXPECT_EQ(damaged.samples.last(behind), all.samples.last(behind));
-}
-
-// A disc or a share that goes away. The whole test ends where the decoder never does.
-TEST_F(FlacDecoderTest, AReadErrorEndsTheStream)
-{
-    encoded({44100, 2, 16}, 200000);
-    const auto playWithFailingReads = [this] {
-        constexpr unsigned int secondsToEnd = 60;
-        alarm(secondsToEnd);
-        FlacDecoder decoder;
-        if (!decoder.open(toPath(file("s.flac"))) || !decoder.read())
-            _exit(2);
-        // Reads from a folder fail, and so do the decoder's once its file is one.
-        const int folderDescriptor = ::open("/", O_RDONLY | O_DIRECTORY);
-        for (const QString& number : QDir(QStringLiteral("/proc/self/fd")).entryList()) {
-            if (QFile::symLinkTarget(QStringLiteral("/proc/self/fd/") + number) == file("s.flac"))
-                dup2(folderDescriptor, number.toInt());
-        }
-        quint64 frames = 0;
-        while (const auto block = decoder.read())
-            frames += block->frames;
-        _exit(frames < 200000 - 4096 && !decoder.read() ? 0 : 3);
-    };
-    EXPECT_EXIT(playWithFailingReads(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST_F(FlacDecoderTest, TagsAndPicturesAreNoConcern)

@@ -42,7 +42,7 @@ TEST_P(OggChannelsTest, AgreesWithAnIndependentDecoderToTheSample)
         EXPECT_EQ(decoded.frames(), frames);
         // Of more channels this judge makes a mess of its own.
         if (channels <= 2) {
-            EXPECT_EQ(decoded.samples, judge());
+            EXPECT_LE(largestDifference(decoded.samples, judge(), 16), toolsShareOurLibrary() ? 0.0 : 1.0);
         }
         // The other one does not keep to the length.
         const QList<qint32> all = decodeWithFfmpeg(file("a.ogg"));

@@ -3,15 +3,11 @@
 #include "metadata/lookup/CoverArt.h"
 #include "support/LogCapture.h"
 #include "support/LoopbackServices.h"
+#include "support/LoopbackSocket.h"
 
 #include <gtest/gtest.h>
 
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <chrono>
-#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -23,26 +19,16 @@ const QString base = QStringLiteral("http://a.test");
 /// it is bound, so the system gives it to no other program.
 class ClosedPort {
 public:
-    ClosedPort() : descriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
-    {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        auto* generic = reinterpret_cast<sockaddr*>(&address);
-        if (::bind(descriptor, generic, length) != 0 || ::getsockname(descriptor, generic, &length) != 0)
-            throw std::runtime_error("no port on the loopback");
-        port = ntohs(address.sin_port);
-    }
-    ~ClosedPort() { ::close(descriptor); }
+    ClosedPort() : socket(loopbacksocket::bindSomewhere(port)) {}
+    ~ClosedPort() { loopbacksocket::close(socket); }
     ClosedPort(const ClosedPort&) = delete;
     ClosedPort& operator=(const ClosedPort&) = delete;
 
     quint16 number() const { return port; }
 
 private:
-    int descriptor;
     quint16 port = 0;
+    const loopbacksocket::Socket socket;
 };
 
 QByteArray only(const QList<QByteArray>& targets)
@@ -169,7 +155,7 @@ TEST(HttpTarget, AHostInOtherLettersDoesNotHideThePathBehindIt)
     EXPECT_EQ(log.debugLines().value(0).toStdString(), "[HTTP] host= b\u00fccher.museum path= /A");
 }
 
-TEST(HttpHeaders, TwoUserAgentLinesAreSentAndNothingIsAccepted)
+TEST(HttpHeaders, TheContactIsSentAndNothingIsAccepted)
 {
     LoopbackServices services;
     httpGet(base);
@@ -177,17 +163,14 @@ TEST(HttpHeaders, TwoUserAgentLinesAreSentAndNothingIsAccepted)
     CoverArt::get(base);
     const QList<ServedRequest> requests = services.requests();
     ASSERT_EQ(requests.size(), 3);
+    const QByteArray contact = ::services::contactAddress;
+    for (const int i : {0, 1})
+        EXPECT_EQ(requests[i].values("User-Agent").constLast(), "TarvelCDRipper/1.0 ( " + contact + " )");
+    EXPECT_EQ(requests[2].values("User-Agent").constLast(), "TarvelCDRipper/1.0 ( contact@example.com )");
     for (const ServedRequest& request : requests) {
-        const QList<QByteArray> agents = request.values("User-Agent");
-        ASSERT_EQ(agents.size(), 2);
-        EXPECT_EQ(agents[0], "TarvelCDRipper/1.0");
         for (const char* absent : {"Accept", "Accept-Encoding", "Referer", "Cookie"})
             EXPECT_TRUE(request.values(absent).isEmpty()) << absent;
     }
-    const QByteArray contact = ::services::contactAddress;
-    for (const int i : {0, 1})
-        EXPECT_EQ(requests[i].values("User-Agent").value(1), "TarvelCDRipper/1.0 ( " + contact + " )");
-    EXPECT_EQ(requests[2].values("User-Agent").value(1), "TarvelCDRipper/1.0 ( contact@example.com )");
 }
 
 TEST(HttpStatus, A404IsEmptyForTwoRoutinesAndThePageForTheThird)
@@ -288,19 +271,6 @@ TEST(HttpLog, AFailedRequestNamesTheErrorAndStatusZero)
     ASSERT_EQ(log.warnings().size(), 1);
     EXPECT_TRUE(log.warnings().first().startsWith(QLatin1String("[HTTP] request failed, err= ")));
     EXPECT_EQ(log.debugLines().last(), QStringLiteral("[HTTP] status= 0"));
-}
-
-TEST(HttpConnection, EachCallHasAConnectionOfItsOwnAndClosesIt)
-{
-    LoopbackServices services;
-    services.on("a.test", "/", page("x"));
-    for (int i = 1; i <= 3; ++i) {
-        EXPECT_EQ(httpGet(base), "x");
-        EXPECT_EQ(services.connections(), i);
-    }
-    for (int wait = 0; wait < 100 && services.openConnections() > 0; ++wait)
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    EXPECT_EQ(services.openConnections(), 0);
 }
 
 TEST(HttpConnection, ACookieLivesForTheRedirectAndNotForTheNextCall)

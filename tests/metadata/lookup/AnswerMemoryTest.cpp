@@ -2,10 +2,10 @@
 // service of plain HTTP can make answers of any text.
 
 #include "DiscTables.h"
-#include "PeakMemory.h"
 #include "metadata/lookup/GnuDb.h"
 #include "support/FakeHttpTransport.h"
 #include "support/LogCapture.h"
+#include "support/PeakMemory.h"
 #include "verify/AccurateRipDatabase.h"
 
 #include <gtest/gtest.h>

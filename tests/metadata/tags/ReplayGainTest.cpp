@@ -122,7 +122,7 @@ TEST_P(ReplayGainKinds, AFullDiskLeavesTheAudioWhole)
 {
     const QByteArray audio = audioDigest(path);
     {
-        const FileSizeLimit full(static_cast<rlim_t>(QFile(path).size()));
+        const FileSizeLimit full(static_cast<quint64>(QFile(path).size()));
         writeSomeGains(path);
     }
     EXPECT_EQ(audioDigest(path), audio);

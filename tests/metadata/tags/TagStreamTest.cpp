@@ -108,7 +108,7 @@ TEST_F(TagStreamTest, WithoutRoomAtTheEndTheFileStaysAsItWas)
                 const QString path = write(before);
                 {
                     TagStream stream(QFile::encodeName(path).constData());
-                    const FileSizeLimit full(static_cast<rlim_t>(fileBytes + room));
+                    const FileSizeLimit full(static_cast<quint64>(fileBytes + room));
                     const auto insert = [&, from = start, over = replace] {
                         stream.insert(vectorOf(randomBytes(dataBytes, 2)),
                                       static_cast<TagStream::Offset>(from),
@@ -132,13 +132,13 @@ TEST_F(TagStreamTest, WithoutRoomAtTheEndTheFileStaysAsItWas)
 TEST_F(TaggedFileTest, TagsWithoutRoomLeaveTheFileAsItWas)
 {
     for (const char* name : {"full.flac", "full.mp3", "full.wav", "full.m4a"}) {
-        for (const rlim_t room : {rlim_t{0}, rlim_t{64}, rlim_t{5000}}) {
+        for (const quint64 room : {quint64{0}, quint64{64}, quint64{5000}}) {
             const QString path = makeAudio(name);
             const QByteArray before = readAll(path);
             TagData tags = fullTags();
             tags.cover = noisyCover();
             {
-                const FileSizeLimit full(static_cast<rlim_t>(before.size()) + room);
+                const FileSizeLimit full(static_cast<quint64>(before.size()) + room);
                 EXPECT_FALSE(writeTags(path, tags)) << name << ' ' << room;
             }
             EXPECT_EQ(lastTagError, QStringLiteral("Failed to save tags: ") + path);
@@ -156,7 +156,7 @@ TEST_F(TaggedFileTest, WhereOnlyTheFirstOfTwoTagsFitsTheAudioAndThatTagAreWhole)
     ASSERT_TRUE(writeTags(whole, fullTags()));
     const qint64 tagged = readAll(whole).size();
     {
-        const FileSizeLimit full(static_cast<rlim_t>(tagged - 10));
+        const FileSizeLimit full(static_cast<quint64>(tagged - 10));
         EXPECT_FALSE(writeTags(path, fullTags()));
     }
     const QByteArray half = readAll(path);

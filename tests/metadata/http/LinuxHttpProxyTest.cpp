@@ -35,9 +35,10 @@ protected:
 
 TEST_F(HttpProxy, OfTheSystemIsAskedWithTheWholeAddress)
 {
-    services.on("127.0.0.2", "http://127.0.0.2/x?y", page("through the proxy"));
+    services.on("127.0.0.2", "/x?y", page("through the proxy"));
     EXPECT_EQ(httpGet(address), "through the proxy");
     ASSERT_EQ(services.requests().size(), 1);
+    EXPECT_TRUE(services.requests().first().askedAsProxy);
     EXPECT_EQ(services.requests().first().values("User-Agent").size(), 2);
 }
 

@@ -1,7 +1,6 @@
-#pragma once
+#include "support/StuckFile.h"
 
 #include <QFile>
-#include <QString>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -11,24 +10,23 @@
 #include <array>
 #include <thread>
 
-/// A file of a rip that takes a few bytes and then makes its writer wait.
-class StuckFile {
+class StuckFile::File {
 public:
-    explicit StuckFile(const QString& path)
+    explicit File(const QString& path)
     {
         const QByteArray name = QFile::encodeName(path);
         made = mkfifo(name.constData(), 0600) == 0;
         reader = open(name.constData(), O_RDONLY | O_NONBLOCK);
     }
-    ~StuckFile()
+    ~File()
     {
         letGo();
         if (drain.joinable())
             drain.join();
         close(reader);
     }
-    StuckFile(const StuckFile&) = delete;
-    StuckFile& operator=(const StuckFile&) = delete;
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
 
     bool isMade() const { return made && reader >= 0; }
     bool isWrittenTo() const
@@ -36,7 +34,6 @@ public:
         pollfd asked{reader, POLLIN, 0};
         return poll(&asked, 1, 0) == 1 && (asked.revents & POLLIN);
     }
-    /// Takes all that comes, until the writer has closed the file.
     void letGo()
     {
         if (drain.joinable())
@@ -54,3 +51,22 @@ private:
     int reader = -1;
     std::thread drain;
 };
+
+StuckFile::StuckFile(const QString& path) : file(std::make_unique<File>(path)) {}
+
+StuckFile::~StuckFile() = default;
+
+bool StuckFile::isMade() const
+{
+    return file->isMade();
+}
+
+bool StuckFile::isWrittenTo() const
+{
+    return file->isWrittenTo();
+}
+
+void StuckFile::letGo()
+{
+    file->letGo();
+}

@@ -3,6 +3,11 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 
+bool toolsShareOurLibrary()
+{
+    return true;
+}
+
 ToolResult runTool(const QString& program, const QStringList& arguments)
 {
     constexpr int patienceMs = 120 * 1000;

@@ -1,0 +1,6 @@
+#include "base/ProcessEnd.h"
+
+int endOfMain(int exitCode)
+{
+    return exitCode;
+}

@@ -1,0 +1,5 @@
+#include "support/TrustedAuthority.h"
+
+TrustedAuthority::TrustedAuthority(const QString&) {}
+
+TrustedAuthority::~TrustedAuthority() = default;
