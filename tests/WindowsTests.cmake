@@ -1,0 +1,1 @@
+target_sources(tarvel_test_support PRIVATE support/WindowsFileWrites.cpp)

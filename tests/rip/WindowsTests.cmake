@@ -1,0 +1,3 @@
+# The system's own calls, played by a simulated drive.
+target_sources(tarvel_test_rip PRIVATE
+    ../support/WindowsPlatformDrive.cpp ../support/WindowsDriveCalls.cpp ../support/WindowsDriveStandIn.cpp)

@@ -1,0 +1,6 @@
+#include "support/DetourForm.h"
+
+bool detourIsAProxy()
+{
+    return true;
+}

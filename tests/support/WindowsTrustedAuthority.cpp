@@ -1,0 +1,60 @@
+#include "support/TrustedAuthority.h"
+
+#include <windows.h>
+
+#include <wincrypt.h>
+
+#include <QFile>
+
+#include <memory>
+
+namespace {
+
+struct StoreCloser {
+    void operator()(void* store) const { CertCloseStore(store, 0); }
+};
+using Store = std::unique_ptr<void, StoreCloser>;
+
+constexpr DWORD encoding = X509_ASN_ENCODING | PKCS_7_ASN_ENCODING;
+
+Store rootStoreOfUser()
+{
+    return Store(CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root"));
+}
+
+const BYTE* bytesOf(const QByteArray& der)
+{
+    return reinterpret_cast<const BYTE*>(der.constData());
+}
+
+QByteArray derOf(const QString& pemFile)
+{
+    QFile file(pemFile);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QByteArray body;
+    for (const QByteArray& line : file.readAll().split('\n')) {
+        if (!line.startsWith('-'))
+            body += line.trimmed();
+    }
+    return QByteArray::fromBase64(body);
+}
+
+} // namespace
+
+TrustedAuthority::TrustedAuthority(const QString& certificateFile) : certificate(derOf(certificateFile))
+{
+    CertAddEncodedCertificateToStore(rootStoreOfUser().get(), encoding, bytesOf(certificate),
+                                     static_cast<DWORD>(certificate.size()), CERT_STORE_ADD_ALWAYS, nullptr);
+}
+
+TrustedAuthority::~TrustedAuthority()
+{
+    const Store store = rootStoreOfUser();
+    const CERT_CONTEXT* wanted =
+        CertCreateCertificateContext(encoding, bytesOf(certificate), static_cast<DWORD>(certificate.size()));
+    if (const CERT_CONTEXT* found =
+            CertFindCertificateInStore(store.get(), encoding, 0, CERT_FIND_EXISTING, wanted, nullptr))
+        CertDeleteCertificateFromStore(found);
+    CertFreeCertificateContext(wanted);
+}
