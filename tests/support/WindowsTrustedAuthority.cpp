@@ -40,10 +40,19 @@ QByteArray derOf(const QString& pemFile)
     return QByteArray::fromBase64(body);
 }
 
+// The store is the user's: processes that change it at once undo each other's change.
+// The system gives the turn on when this process has ended.
+void awaitTurn()
+{
+    static HANDLE const turn = CreateMutexW(nullptr, FALSE, L"tarvel-trusted-authority");
+    WaitForSingleObject(turn, INFINITE);
+}
+
 } // namespace
 
 TrustedAuthority::TrustedAuthority(const QString& certificateFile) : certificate(derOf(certificateFile))
 {
+    awaitTurn();
     CertAddEncodedCertificateToStore(rootStoreOfUser().get(), encoding, bytesOf(certificate),
                                      static_cast<DWORD>(certificate.size()), CERT_STORE_ADD_ALWAYS, nullptr);
 }

@@ -7,7 +7,7 @@
 #include "support/LoadingDrive.h"
 
 #include <QComboBox>
-#include <QFontMetrics>
+#include <QFontInfo>
 #include <QGuiApplication>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -306,10 +306,8 @@ TEST_F(DriveNotice, ADriveThatARipStillHasAfterAResetIsSaidToBeInUse)
 // The line is one more widget on the page and moves none of the others.
 TEST_F(DriveNotice, EverythingElseStaysInItsPlace)
 {
-    QFont font(QStringLiteral("Noto Sans"));
-    font.setPointSize(8);
-    if (QFontMetrics(font).horizontalAdvance(QString(60, u'n')) > 600)
-        GTEST_SKIP() << "the fonts here are too wide for any line";
+    if (QFontInfo(QFont(QStringLiteral("Noto Sans"))).family() != QStringLiteral("Noto Sans"))
+        GTEST_SKIP() << "the lines have room in the font that the page was laid out for";
     for (const int language : {1, 2}) {
         for (const QSize size : {QSize(1100, 680), QSize(960, 620)}) {
             Stage stage(language);
