@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int waitingConnections = 16;
-
 int numberOf(loopbacksocket::Socket socket)
 {
     return static_cast<int>(socket);
@@ -36,9 +34,9 @@ Socket bindSomewhere(quint16& port)
     return bound;
 }
 
-void listen(Socket socket)
+void listen(Socket socket, int waiting)
 {
-    if (::listen(numberOf(socket), waitingConnections) != 0)
+    if (::listen(numberOf(socket), waiting) != 0)
         throw std::runtime_error("no listener on the loopback");
 }
 

@@ -12,7 +12,8 @@ using Socket = qintptr;
 /// A socket on 127.0.0.1 at a port that was free, where nobody listens yet; throws
 /// when there is none.
 Socket bindSomewhere(quint16& port);
-void listen(Socket socket);
+/// @param waiting  how many connections may wait to be accepted, besides one
+void listen(Socket socket, int waiting = 16);
 /// The next connection, when one comes within the time.
 std::optional<Socket> acceptWithin(Socket listener, int milliseconds);
 /// Whether there is something to read, the other side's end included.

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr int waitingConnections = 16;
-
 SOCKET handleOf(loopbacksocket::Socket socket)
 {
     return static_cast<SOCKET>(socket);
@@ -50,9 +48,9 @@ Socket bindSomewhere(quint16& port)
     return static_cast<Socket>(bound);
 }
 
-void listen(Socket socket)
+void listen(Socket socket, int waiting)
 {
-    if (::listen(handleOf(socket), waitingConnections) != 0)
+    if (::listen(handleOf(socket), waiting) != 0)
         throw std::runtime_error("no listener on the loopback");
 }
 

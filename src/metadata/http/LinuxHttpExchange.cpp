@@ -1,6 +1,6 @@
 #include "metadata/http/LinuxHttpExchange.h"
 
-#include "metadata/http/LinuxHttpAddress.h"
+#include "metadata/http/HttpAddress.h"
 
 #include <curl/curl.h>
 

@@ -1,8 +1,7 @@
+#include "metadata/http/HttpAddress.h"
 #include "metadata/http/HttpTransport.h"
 #include "metadata/http/WindowsHttpAddress.h"
 #include "metadata/http/WindowsHttpConversation.h"
-
-#include <QUrl>
 
 #include <algorithm>
 #include <array>
@@ -22,15 +21,6 @@ struct HandleCloser {
 using Handle = std::unique_ptr<std::remove_pointer_t<HINTERNET>, HandleCloser>;
 
 constexpr milliseconds pollStep{50};
-
-// A host that is none makes no address.
-QByteArray addressOf(const HttpRequest& request)
-{
-    const bool isNumericV6 = request.host.contains(u':');
-    const QByteArray host =
-        isNumericV6 ? '[' + request.host.toLatin1() + ']' : QByteArray(QUrl::toAce(request.host));
-    return (request.secure ? "https://" : "http://") + host + request.target;
-}
 
 bool isRedirect(DWORD status)
 {

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <thread>
 
 namespace {
 
@@ -199,43 +198,4 @@ TEST(HttpTrouble, AHeadPastTheLimitIsNoAnswer)
     expectBody(wordy, "ok", 200, limits);
     --limits.headBytes;
     expectBody(wordy, {}, 0, limits);
-}
-
-TEST(HttpTrouble, ATransportThatIsStoppedEndsWhatIsUnderWay)
-{
-    LoopbackServices services;
-    services.on("a.test", "/", silence());
-    std::thread stopper([&services] {
-        while (services.requests().isEmpty())
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        services.transport().stop();
-    });
-    QElapsedTimer timer;
-    timer.start();
-    int status = -1;
-    EXPECT_TRUE(httpGet(address, &status).isEmpty());
-    stopper.join();
-    EXPECT_LT(timer.elapsed(), 3'000);
-    EXPECT_EQ(status, 0);
-    EXPECT_TRUE(httpGet(address).isEmpty());
-    EXPECT_EQ(services.requests().size(), 1);
-}
-
-TEST(HttpTrouble, ABodyThatIsStoppedIsNoAnswer)
-{
-    ServedAnswer stalls = page("0123456789");
-    stalls.stallAfter = 4;
-    LoopbackServices services;
-    services.on("a.test", "/", stalls);
-    std::thread stopper([&services] {
-        while (services.requests().isEmpty())
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        // Long enough for the head to arrive; before it a stop is none either.
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        services.transport().stop();
-    });
-    int status = -1;
-    EXPECT_TRUE(httpGet(address, &status).isEmpty());
-    stopper.join();
-    EXPECT_EQ(status, 0);
 }

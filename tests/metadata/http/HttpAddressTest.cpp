@@ -1,4 +1,4 @@
-#include "metadata/http/LinuxHttpAddress.h"
+#include "metadata/http/HttpAddress.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 
 #include <QByteArray>
 
-/// Addresses in the form that libcurl takes. An empty one leads nowhere.
+/// Addresses in the form that goes on the wire. An empty one leads nowhere.
 
 /// Empty when the host is none that a request could go to.
 QByteArray addressOf(const HttpRequest& request);
