@@ -9,7 +9,6 @@
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
-#include <QThreadStorage>
 
 #include <taglib/flacfile.h>
 #include <taglib/id3v1tag.h>
@@ -26,10 +25,7 @@
 #include <memory>
 #include <type_traits>
 
-// The strings are Qt's to destroy: not every compiler's run-time still has a thread's
-// own variables when it comes to their destructors.
-static QThreadStorage<QString> wordsOfThreads;
-thread_local QString& lastTagError = wordsOfThreads.localData();
+thread_local QString lastTagError;
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <QString>
 
 /// Words of the last failure of writeTags on this thread; never cleared.
-extern thread_local QString& lastTagError;
+extern thread_local QString lastTagError;
 
 /// Writes the tags by the file's suffix: mp3, wav and m4a; anything else is
 /// taken for FLAC. False when the file could not be opened or saved; the words
