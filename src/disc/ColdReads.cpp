@@ -2,6 +2,7 @@
 
 #include "base/ByteOrder.h"
 #include "disc/DiscModel.h"
+#include "disc/ReadCdCommand.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,6 @@ namespace {
 
 constexpr int placesOfThreeSegments = 3;
 constexpr int triesForAPlace = 3;
-constexpr quint8 readCdCode = 0xBE;
 constexpr quint8 capabilitiesPage = 0x2A;
 constexpr quint32 beyondBuffer = 400; // sectors
 

@@ -20,7 +20,6 @@ namespace {
 
 constexpr int commandTimeOutMs = 5000;
 constexpr int interruptedTries = 16;
-constexpr quint8 readCdCode = 0xBE;
 
 int request(int file, sg_io_hdr& header)
 {
@@ -36,26 +35,6 @@ int request(int file, sg_io_hdr& header)
 DriveReply refused(const CommandRefusal& refusal)
 {
     return {false, refusal.errorNumber, 0, refusal.failure};
-}
-
-// The fields of READ CD that say which sectors.
-struct SectorRange {
-    quint32 lba = 0;
-    quint32 count = 0;
-};
-
-SectorRange rangeOf(std::span<const quint8, 12> command)
-{
-    return {byteorder::readBig<quint32>(command.data() + 2),
-            static_cast<quint32>(command[6] << 16 | command[7] << 8 | command[8])};
-}
-
-void setRange(std::span<quint8, 12> command, const SectorRange& range)
-{
-    byteorder::writeBig(command.data() + 2, range.lba);
-    command[6] = static_cast<quint8>(range.count >> 16);
-    command[7] = static_cast<quint8>(range.count >> 8);
-    command[8] = static_cast<quint8>(range.count);
 }
 
 QByteArray firstLine(const QString& path)
@@ -116,6 +95,13 @@ DriveReply LinuxDriveDevice::send(std::span<const quint8> command, std::span<qui
     return {true, header.resid == 0 ? 0 : EIO, transferred};
 }
 
+SendCommand LinuxDriveDevice::sender(int timeOutMs)
+{
+    return [this, timeOutMs](std::span<const quint8> command, std::span<quint8> data) {
+        return send(command, data, timeOutMs);
+    };
+}
+
 DriveReply LinuxDriveDevice::checkVerify()
 {
     constexpr std::array<quint8, 6> testUnitReady{};
@@ -140,32 +126,13 @@ DriveReply LinuxDriveDevice::readToc(std::span<quint8, 804> table)
     return {true, 0, reply.transferred};
 }
 
-DriveReply LinuxDriveDevice::sendReadCd(ReadCdBlock command, std::span<quint8> data, int timeOutMs)
-{
-    const SectorRange all = rangeOf(command);
-    if (largestTransfer == 0 || all.count == 0 || data.size() % all.count != 0)
-        return send(command, data, timeOutMs);
-    const size_t sectorBytes = data.size() / all.count;
-    const auto sectorsAtOnce = static_cast<quint32>(std::max<size_t>(1, largestTransfer / sectorBytes));
-    for (quint32 done = 0; done < all.count; done += sectorsAtOnce) {
-        const SectorRange piece{all.lba + done, std::min(sectorsAtOnce, all.count - done)};
-        setRange(command, piece);
-        const auto room = data.subspan(done * sectorBytes, piece.count * sectorBytes);
-        DriveReply reply = send(command, room, timeOutMs);
-        if (!reply.delivered(room.size())) {
-            reply.transferred += done * sectorBytes;
-            return reply;
-        }
-    }
-    return {true, 0, data.size()};
-}
-
 DriveReply LinuxDriveDevice::readRaw(quint32 lba, quint32 count, std::span<quint8> data, bool guarded)
 {
     ReadCdBlock command{readCdCode, 0x04}; // CD-DA alone
     command[9] = 0x10;                     // user data alone
-    setRange(command, {lba, count});
-    DriveReply reply = sendReadCd(command, data, guarded ? driveTimeOutMs : commandTimeOutMs);
+    setSectors(command, lba, count);
+    DriveReply reply =
+        sendInPieces(command, data, largestTransfer, sender(guarded ? driveTimeOutMs : commandTimeOutMs));
     // The kernel's own time-out cancels the command, as the watchdog would.
     if (guarded && reply.errorNumber == ETIMEDOUT) {
         logUnresponsiveSector(lba);
@@ -176,11 +143,11 @@ DriveReply LinuxDriveDevice::readRaw(quint32 lba, quint32 count, std::span<quint
 
 DriveReply LinuxDriveDevice::passThrough(std::span<const quint8> command, std::span<quint8> data)
 {
-    ReadCdBlock readCd{};
-    if (command.size() != readCd.size() || command[0] != readCdCode)
+    if (!isReadCd(command))
         return send(command, data, commandTimeOutMs);
+    ReadCdBlock readCd{};
     std::ranges::copy(command, readCd.begin());
-    return sendReadCd(readCd, data, commandTimeOutMs);
+    return sendInPieces(readCd, data, largestTransfer, sender(commandTimeOutMs));
 }
 
 std::optional<DriveDescriptor> LinuxDriveDevice::descriptor()

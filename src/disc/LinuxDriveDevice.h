@@ -1,10 +1,10 @@
 #pragma once
 
 #include "disc/DriveDevice.h"
+#include "disc/ReadCdCommand.h"
 
 #include <QString>
 
-#include <array>
 #include <utility>
 
 /// An open file of the operating system, closed at the end of its owner.
@@ -77,10 +77,8 @@ public:
     std::optional<DriveDescriptor> descriptor() override;
 
 private:
-    using ReadCdBlock = std::array<quint8, 12>;
-
     DriveReply send(std::span<const quint8> command, std::span<quint8> data, int timeOutMs);
-    DriveReply sendReadCd(ReadCdBlock command, std::span<quint8> data, int timeOutMs);
+    SendCommand sender(int timeOutMs);
 
     DriveNodes nodes;
     QString blockFolder;

@@ -1,10 +1,9 @@
 #include "disc/SectorBatch.h"
 
-#include "base/ByteOrder.h"
 #include "disc/DiscModel.h"
 #include "disc/PassThroughAlignment.h"
+#include "disc/ReadCdCommand.h"
 
-#include <array>
 #include <bit>
 #include <memory>
 #include <numeric>
@@ -44,11 +43,8 @@ bool readBatchPlain(DriveDevice& device, quint32 lba, quint32 count, SectorBatch
 
 bool readBatchWithC2(DriveDevice& device, quint32 lba, quint32 count, SectorBatch& batch, DriveReply& reply)
 {
-    std::array<quint8, 12> command{0xBE, 0x04};
-    byteorder::writeBig(command.data() + 2, lba);
-    command[6] = static_cast<quint8>(count >> 16);
-    command[7] = static_cast<quint8>(count >> 8);
-    command[8] = static_cast<quint8>(count);
+    ReadCdBlock command{readCdCode, 0x04};
+    setSectors(command, lba, count);
     command[9] = 0x12; // user data and the 294-byte C2 block
 
     const size_t length = size_t{count} * RAW_PLUS_C2_BYTES;

@@ -2,6 +2,8 @@
 
 #include "base/ByteOrder.h"
 #include "disc/DriveWatchdog.h"
+#include "disc/PassThroughAlignment.h"
+#include "disc/ReadCdCommand.h"
 #include "disc/SenseData.h"
 #include "disc/StorageDescriptor.h"
 
@@ -10,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <vector>
 
 namespace {
 
@@ -23,6 +26,11 @@ enum RequestCode : quint32 {
 
 constexpr quint32 diskBytesPerSector = 2048; // what places are counted in, whatever a sector holds
 constexpr quint32 trackModeAudio = 2;
+
+// What the system may be asked of a drive and of what the drive hangs on.
+using PropertyQuery = std::array<quint8, 12>;
+constexpr PropertyQuery deviceProperty{};
+constexpr PropertyQuery adapterProperty{1};
 
 // Younger than the headers.
 constexpr DWORD noSuchDeviceError = 433;
@@ -44,7 +52,7 @@ public:
         byteorder::writeLittle(at(0), quint16{56});
         bytes[6] = static_cast<quint8>(command.size());
         bytes[7] = senseBytes;
-        bytes[8] = 1; // the drive sends
+        bytes[8] = data.empty() ? noData : dataFromDrive;
         byteorder::writeLittle(at(lengthPlace), static_cast<quint32>(data.size()));
         byteorder::writeLittle(at(16), timeOutSeconds);
         byteorder::writeLittle(at(24), quint64{reinterpret_cast<quintptr>(data.data())});
@@ -58,6 +66,8 @@ public:
     std::span<const quint8> sense() const { return std::span(bytes).subspan(sensePlace, senseBytes); }
 
 private:
+    static constexpr quint8 dataFromDrive = 1;
+    static constexpr quint8 noData = 2;
     static constexpr quint32 sensePlace = 60;
     static constexpr quint8 senseBytes = 32;
     static constexpr size_t lengthPlace = 12;
@@ -168,7 +178,14 @@ DriveReply WindowsDriveDevice::request(quint32 code, std::span<const quint8> inp
 
 DriveReply WindowsDriveDevice::checkVerify()
 {
-    return request(checkVerifyCode, {}, {});
+    DriveReply reply = request(checkVerifyCode, {}, {});
+    // An empty drive and one that is still looking at its disc have the same number.
+    if (!reply.ok && reply.errorNumber == ERROR_NOT_READY) {
+        constexpr std::array<quint8, 6> testUnitReady{};
+        if (send(testUnitReady, {}).failure == DriveFailure::becomingReady)
+            reply.failure = DriveFailure::becomingReady;
+    }
+    return reply;
 }
 
 DriveReply WindowsDriveDevice::readToc(std::span<quint8, 804> table)
@@ -198,6 +215,49 @@ DriveReply WindowsDriveDevice::readRaw(quint32 lba, quint32 count, std::span<qui
 
 DriveReply WindowsDriveDevice::passThrough(std::span<const quint8> command, std::span<quint8> data)
 {
+    if (!isReadCd(command))
+        return send(command, data);
+    ReadCdBlock readCd{};
+    std::ranges::copy(command, readCd.begin());
+    return sendInPieces(
+        readCd, data, largestTransfer(),
+        [this](std::span<const quint8> block, std::span<quint8> room) { return sendAligned(block, room); });
+}
+
+// The pieces of a read begin where the one before ended.
+DriveReply WindowsDriveDevice::sendAligned(std::span<const quint8> command, std::span<quint8> data)
+{
+    if (reinterpret_cast<quintptr>(data.data()) % PASS_THROUGH_ALIGNMENT == 0)
+        return send(command, data);
+    struct alignas(PASS_THROUGH_ALIGNMENT) Line {
+        std::array<quint8, PASS_THROUGH_ALIGNMENT> bytes{};
+    };
+    std::vector<Line> lines(data.size() / sizeof(Line) + 1);
+    const std::span aligned(lines.front().bytes.data(), data.size());
+    const DriveReply reply = send(command, aligned);
+    std::ranges::copy(aligned.first(reply.transferred), data.begin());
+    return reply;
+}
+
+size_t WindowsDriveDevice::largestTransfer()
+{
+    if (!knownTransfer) {
+        constexpr size_t lengthPlace = 8;
+        constexpr size_t pagesPlace = 12;
+        constexpr size_t pageBytes = 4096;
+        std::array<quint8, 32> adapter{};
+        const DriveReply reply = request(queryPropertyCode, adapterProperty, adapter);
+        const bool told = reply.ok && reply.transferred >= pagesPlace + 4;
+        const size_t length = told ? byteorder::readLittle<quint32>(adapter.data() + lengthPlace) : 0;
+        const size_t pages = told ? byteorder::readLittle<quint32>(adapter.data() + pagesPlace) : 0;
+        // A block that begins within a page touches one more.
+        knownTransfer = pages > 1 ? std::min(length, (pages - 1) * pageBytes) : length;
+    }
+    return *knownTransfer;
+}
+
+DriveReply WindowsDriveDevice::send(std::span<const quint8> command, std::span<quint8> data)
+{
     if (command.size() > PassThroughBlock::commandRoom)
         return {false, ERROR_INVALID_PARAMETER};
     PassThroughBlock block(command, data);
@@ -214,9 +274,9 @@ DriveReply WindowsDriveDevice::passThrough(std::span<const quint8> command, std:
 
 std::optional<DriveDescriptor> WindowsDriveDevice::descriptor()
 {
-    constexpr std::array<quint8, 12> query{};
     std::array<quint8, 1024> block{};
-    const DriveReply reply = request(queryPropertyCode, query, std::span(block).first(block.size() - 1));
+    const DriveReply reply =
+        request(queryPropertyCode, deviceProperty, std::span(block).first(block.size() - 1));
     if (!reply.ok)
         return std::nullopt;
     return decodeStorageDescriptor(std::span(block).first(std::min(reply.transferred, block.size())));

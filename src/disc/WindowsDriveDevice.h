@@ -2,6 +2,7 @@
 
 #include "disc/DriveDevice.h"
 
+#include <optional>
 #include <utility>
 
 /// An open handle of the operating system, closed at the end of its owner.
@@ -26,7 +27,9 @@ private:
 /// An optical drive behind Windows' device requests.
 ///
 /// A guarded read is cancelled after 3 s; commands that pass through end after 5 s
-/// by themselves. Error numbers are those of Windows: 995 for a cancelled read.
+/// by themselves. A read of more than the drive's adapter takes in one command goes out
+/// as several. Whether a drive that is not ready is becoming so, it is asked itself. Error
+/// numbers are those of Windows: 995 for a cancelled read.
 class WindowsDriveDevice : public DriveDevice {
 public:
     explicit WindowsDriveDevice(WindowsHandle opened) : handle(std::move(opened)) {}
@@ -38,7 +41,11 @@ public:
     std::optional<DriveDescriptor> descriptor() override;
 
 private:
+    DriveReply send(std::span<const quint8> command, std::span<quint8> data);
+    DriveReply sendAligned(std::span<const quint8> command, std::span<quint8> data);
+    size_t largestTransfer();
     DriveReply request(quint32 code, std::span<const quint8> input, std::span<quint8> output);
 
     WindowsHandle handle;
+    std::optional<size_t> knownTransfer; ///< bytes of one command; 0: no limit is known
 };

@@ -18,7 +18,7 @@
 namespace {
 
 constexpr quint8 readTocCode = 0x43;
-constexpr quint8 readCdCode = 0xBE;
+constexpr quint8 readCd = 0xBE;
 
 class LinuxDriveDeviceTest : public SgIoDrive {
 protected:
@@ -379,7 +379,7 @@ TEST_F(LinuxDriveDeviceTest, OtherCommandsThatRunOutOfTimeAreNotLogged)
     EXPECT_EQ(device->checkVerify().errorNumber, ETIMEDOUT);
     std::array<quint8, 804> table;
     EXPECT_EQ(device->readToc(table).errorNumber, ETIMEDOUT);
-    constexpr std::array<quint8, 12> withC2{readCdCode, 0x04, 0, 0, 0, 9, 0, 0, 1, 0x12, 0, 0};
+    constexpr std::array<quint8, 12> withC2{readCd, 0x04, 0, 0, 0, 9, 0, 0, 1, 0x12, 0, 0};
     data.assign(RAW_PLUS_C2_BYTES, 0);
     EXPECT_EQ(device->passThrough(withC2, data).errorNumber, ETIMEDOUT);
     EXPECT_TRUE(log.warnings().isEmpty());

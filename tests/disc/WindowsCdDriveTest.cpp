@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -84,9 +85,44 @@ TEST_F(WindowsCdDrive, AnEmptyDriveHasNoTableAfterFiveAttempts)
 
 TEST_F(WindowsCdDrive, TheReadinessCheckIsAskedForAndNotListenedTo)
 {
-    system.faults = {WindowsFault::withError(21).only(Code::checkVerify).forever()};
+    system.faults = {WindowsFault::withError(1).only(Code::checkVerify).forever()};
     EXPECT_EQ(drive.readToc().totalSectors, 2000U);
     EXPECT_EQ(system.requests.size(), 2);
+}
+
+TEST_F(WindowsCdDrive, ADriveThatIsNotReadyIsAskedWhyAndReadAllTheSame)
+{
+    system.faults = {WindowsFault::withError(21).only(Code::checkVerify).forever()};
+    EXPECT_EQ(drive.readToc().totalSectors, 2000U);
+    ASSERT_EQ(system.requests.size(), 3);
+    EXPECT_EQ(system.requests[1].code, Code::passThrough);
+    EXPECT_EQ(system.requests[1].input.mid(36, 16), QByteArray(16, '\0')) << "TEST UNIT READY";
+    EXPECT_TRUE(platform.sleeps.isEmpty());
+}
+
+TEST_F(WindowsCdDrive, ADriveThatSpinsUpIsWaitedFor)
+{
+    WindowsFault looking = WindowsFault::withError(21).only(Code::checkVerify);
+    looking.times = 12;
+    WindowsFault says = WindowsFault::checkCondition(2, 4, 1).only(Code::passThrough);
+    says.times = 12;
+    system.faults = {looking, says};
+    EXPECT_EQ(drive.readToc().totalSectors, 2000U);
+    EXPECT_EQ(platform.sleeps, QList<int>(12, 250));
+    EXPECT_EQ(requestsOf(Code::checkVerify), 13);
+    EXPECT_EQ(requestsOf(Code::readToc), 1);
+}
+
+TEST_F(WindowsCdDrive, NoDiscAndADriveThatNeedsAHandAreNotWaitedFor)
+{
+    for (const auto& [code, qualifier] : {std::pair{0x3A, 0}, {0x3A, 1}, {0x04, 0}, {0x04, 2}, {0x04, 3}}) {
+        platform.sleeps.clear();
+        system.faults = {WindowsFault::checkCondition(2, code, qualifier).only(Code::passThrough).forever(),
+                         WindowsFault::withError(21).forever()};
+        const LogCapture log;
+        EXPECT_TRUE(drive.readToc().tracks.isEmpty());
+        EXPECT_EQ(platform.sleeps, QList<int>(4, 300));
+    }
 }
 
 TEST_F(WindowsCdDrive, AShortTableIsAskedForAgain)

@@ -70,12 +70,20 @@ quint32 sectorOf(const QByteArray& rawReadInput)
         / diskBytesPerSector);
 }
 
+// No data, or data from the drive to where a direct transfer may begin.
+bool isWellAimed(std::span<const quint8> block)
+{
+    if (byteorder::readLittle<quint32>(block.data() + lengthPlace) == 0)
+        return block[directionPlace] == 2;
+    return block[directionPlace] == 1 && dataOf(block);
+}
+
 bool isWellFormed(std::span<const quint8> block)
 {
     return block.size() == blockBytes && byteorder::readLittle<quint16>(block.data()) == headerBytes
-           && block[statusPlace] == 0 && block[senseLengthPlace] == senseBytes && block[directionPlace] == 1
+           && block[statusPlace] == 0 && block[senseLengthPlace] == senseBytes
            && byteorder::readLittle<quint32>(block.data() + senseOffsetPlace) == sensePlace
-           && block[commandLengthPlace] <= 16 && dataOf(block);
+           && block[commandLengthPlace] <= 16 && isWellAimed(block);
 }
 
 } // namespace
@@ -312,6 +320,10 @@ void WindowsDriveStandIn::answerPassThrough(Call& call)
     }
     const std::span command = block.subspan(commandPlace, block[commandLengthPlace]);
     const auto room = byteorder::readLittle<quint32>(block.data() + lengthPlace);
+    if (transferLimit > 0 && room > transferLimit) {
+        call.error = ERROR_INVALID_PARAMETER;
+        return;
+    }
     std::vector<quint8> data(room);
     DriveReply reply = device.passThrough(command, data);
     call.returned = blockBytes;
@@ -333,8 +345,9 @@ void WindowsDriveStandIn::answerPassThrough(Call& call)
 
 void WindowsDriveStandIn::answerDescriptor(Call& call)
 {
-    QByteArray block = descriptorBlock.value_or(QByteArray());
-    if (!descriptorBlock) {
+    const bool ofAdapter = call.input == QByteArray(1, 1) + QByteArray(11, '\0');
+    QByteArray block = ofAdapter ? adapterBlock() : descriptorBlock.value_or(QByteArray());
+    if (!ofAdapter && !descriptorBlock) {
         const auto found = device.descriptor();
         if (call.input != QByteArray(12, '\0') || !found) {
             call.error = found ? ERROR_INVALID_PARAMETER : ERROR_DEVICE_NOT_CONNECTED;
@@ -350,6 +363,17 @@ void WindowsDriveStandIn::answerDescriptor(Call& call)
     const size_t length = std::min(static_cast<size_t>(block.size()), call.output.size());
     std::copy_n(block.constData(), length, call.output.begin());
     call.returned = static_cast<DWORD>(length);
+}
+
+QByteArray WindowsDriveStandIn::adapterBlock() const
+{
+    QByteArray block(32, '\0');
+    auto* words = reinterpret_cast<quint8*>(block.data());
+    byteorder::writeLittle(words, quint32{32});
+    byteorder::writeLittle(words + 4, quint32{32});
+    byteorder::writeLittle(words + 8, transferLimit);
+    byteorder::writeLittle(words + 12, transferPages);
+    return block.left(adapterBytes);
 }
 
 void WindowsDriveStandIn::awaitCancel(Call& call)

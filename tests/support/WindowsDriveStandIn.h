@@ -70,6 +70,9 @@ public:
     DWORD openForWritingError = 0;
     DWORD openThreadError = 0;                 ///< of every open of a thread, which ends a hang by itself
     DWORD inquiryBytes = 36;                   ///< that the drive sends at most
+    quint32 transferLimit = 0;                 ///< of one pass-through, as the adapter says; 0: none
+    quint32 transferPages = 0;                 ///< the same in pages
+    int adapterBytes = 32;                     ///< that the adapter says of itself
     std::optional<QByteArray> descriptorBlock; ///< in place of what the drive says
     QList<WindowsFault> faults;
     std::function<void()> onCancel; ///< in the middle of the cancelling call
@@ -114,6 +117,7 @@ private:
     void answerRaw(Call& call);
     void answerPassThrough(Call& call);
     void answerDescriptor(Call& call);
+    QByteArray adapterBlock() const;
     void awaitCancel(Call& call);
     bool owns(HANDLE handle) const;
 
