@@ -99,6 +99,13 @@ TEST(WindowsFileNames, ANameHas255UnitsOfUtf16)
     EXPECT_EQ(fileName(QString(250, QChar(u'あ'))), QString(250, QChar(u'あ')) + flac) << "it fits";
 }
 
+TEST(WindowsFileNames, AFolderOnTheNetworkStaysAsItIs)
+{
+    EXPECT_EQ(fittingPath(QStringLiteral("//server/share/NUL"), flac),
+              QStringLiteral("//server/share/NUL_.flac"));
+    EXPECT_EQ(fromPath(toPath(QStringLiteral("//server/Aあ/x"))), QStringLiteral("//server/Aあ/x"));
+}
+
 TEST(WindowsFileNames, ACharacterOfSeveralUnitsIsNotCut)
 {
     const QString guitars = QStringLiteral("🎸").repeated(200);
