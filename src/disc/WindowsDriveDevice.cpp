@@ -164,6 +164,26 @@ bool WindowsHandle::isOpen() const
     return handle && handle != INVALID_HANDLE_VALUE;
 }
 
+WindowsDriveDevice::WindowsDriveDevice(WindowsHandle opened)
+    : handle(std::move(opened)), largestTransfer(transferLimit())
+{
+}
+
+size_t WindowsDriveDevice::transferLimit()
+{
+    constexpr size_t lengthPlace = 8;
+    constexpr size_t pagesPlace = 12;
+    constexpr size_t pageBytes = 4096;
+    std::array<quint8, 32> adapter{};
+    const DriveReply reply = request(queryPropertyCode, adapterProperty, adapter);
+    if (!reply.ok || reply.transferred < pagesPlace + sizeof(quint32))
+        return 0;
+    const size_t length = byteorder::readLittle<quint32>(adapter.data() + lengthPlace);
+    const size_t pages = byteorder::readLittle<quint32>(adapter.data() + pagesPlace);
+    // A block that begins within a page touches one more.
+    return pages > 1 ? std::min(length, (pages - 1) * pageBytes) : length;
+}
+
 DriveReply WindowsDriveDevice::request(quint32 code, std::span<const quint8> input, std::span<quint8> output)
 {
     DWORD returned = 0;
@@ -220,7 +240,7 @@ DriveReply WindowsDriveDevice::passThrough(std::span<const quint8> command, std:
     ReadCdBlock readCd{};
     std::ranges::copy(command, readCd.begin());
     return sendInPieces(
-        readCd, data, largestTransfer(),
+        readCd, data, largestTransfer,
         [this](std::span<const quint8> block, std::span<quint8> room) { return sendAligned(block, room); });
 }
 
@@ -237,23 +257,6 @@ DriveReply WindowsDriveDevice::sendAligned(std::span<const quint8> command, std:
     const DriveReply reply = send(command, aligned);
     std::ranges::copy(aligned.first(reply.transferred), data.begin());
     return reply;
-}
-
-size_t WindowsDriveDevice::largestTransfer()
-{
-    if (!knownTransfer) {
-        constexpr size_t lengthPlace = 8;
-        constexpr size_t pagesPlace = 12;
-        constexpr size_t pageBytes = 4096;
-        std::array<quint8, 32> adapter{};
-        const DriveReply reply = request(queryPropertyCode, adapterProperty, adapter);
-        const bool told = reply.ok && reply.transferred >= pagesPlace + 4;
-        const size_t length = told ? byteorder::readLittle<quint32>(adapter.data() + lengthPlace) : 0;
-        const size_t pages = told ? byteorder::readLittle<quint32>(adapter.data() + pagesPlace) : 0;
-        // A block that begins within a page touches one more.
-        knownTransfer = pages > 1 ? std::min(length, (pages - 1) * pageBytes) : length;
-    }
-    return *knownTransfer;
 }
 
 DriveReply WindowsDriveDevice::send(std::span<const quint8> command, std::span<quint8> data)

@@ -32,7 +32,7 @@ private:
 /// numbers are those of Windows: 995 for a cancelled read.
 class WindowsDriveDevice : public DriveDevice {
 public:
-    explicit WindowsDriveDevice(WindowsHandle opened) : handle(std::move(opened)) {}
+    explicit WindowsDriveDevice(WindowsHandle opened);
 
     DriveReply checkVerify() override;
     DriveReply readToc(std::span<quint8, 804> table) override;
@@ -43,9 +43,9 @@ public:
 private:
     DriveReply send(std::span<const quint8> command, std::span<quint8> data);
     DriveReply sendAligned(std::span<const quint8> command, std::span<quint8> data);
-    size_t largestTransfer();
+    size_t transferLimit();
     DriveReply request(quint32 code, std::span<const quint8> input, std::span<quint8> output);
 
     WindowsHandle handle;
-    std::optional<size_t> knownTransfer; ///< bytes of one command; 0: no limit is known
+    size_t largestTransfer; ///< bytes of one command; 0: no limit is known
 };

@@ -13,7 +13,11 @@ namespace {
 
 class WindowsCdDrive : public WindowsDrive {
 protected:
-    void SetUp() override { ASSERT_TRUE(drive.open(letter)); }
+    void SetUp() override
+    {
+        ASSERT_TRUE(drive.open(letter));
+        system.requests.clear();
+    }
 
     int requestsOf(DWORD code) const
     {

@@ -11,7 +11,11 @@ namespace {
 
 class WindowsDescriptor : public WindowsDrive {
 protected:
-    void SetUp() override { ASSERT_TRUE(drive.open(letter)); }
+    void SetUp() override
+    {
+        ASSERT_TRUE(drive.open(letter));
+        system.requests.clear();
+    }
 
     /// A block with texts at their places and the bus of a drive.
     static QByteArray block(quint32 vendorPlace, quint32 productPlace, quint32 bus, const QByteArray& texts)

@@ -18,6 +18,7 @@ protected:
     {
         device = platform.open(letter);
         ASSERT_NE(device, nullptr);
+        system.requests.clear();
     }
 
     QByteArray bytes() const

@@ -16,6 +16,7 @@ protected:
     {
         device = platform.open(letter);
         ASSERT_NE(device, nullptr);
+        system.requests.clear();
     }
 
     DriveReply readOne(bool guarded = true)

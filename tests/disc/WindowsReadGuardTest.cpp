@@ -17,6 +17,7 @@ protected:
     {
         device = platform.open(letter);
         ASSERT_NE(device, nullptr);
+        system.requests.clear();
     }
 
     DriveReply read(quint32 lba, bool guarded)

@@ -34,7 +34,7 @@ WindowsHttpPlace placeOf(const QByteArray& address)
     const qsizetype start = pathStart(address);
     const QUrl server = QUrl::fromEncoded(address.left(start));
     const bool secure = server.scheme() == QLatin1String("https");
-    if ((!secure && server.scheme() != QLatin1String("http")) || server.host().isEmpty())
+    if (!server.isValid() || (!secure && server.scheme() != QLatin1String("http")) || server.host().isEmpty())
         return {};
     QByteArray target = address.mid(start);
     target.truncate(target.contains('#') ? target.indexOf('#') : target.size());
