@@ -239,16 +239,15 @@ DriveReply WindowsDriveDevice::passThrough(std::span<const quint8> command, std:
         return send(command, data);
     ReadCdBlock readCd{};
     std::ranges::copy(command, readCd.begin());
-    return sendInPieces(
-        readCd, data, largestTransfer,
-        [this](std::span<const quint8> block, std::span<quint8> room) { return sendAligned(block, room); });
+    return sendInPieces(readCd, data, largestTransfer,
+                        [this, data](std::span<const quint8> block, std::span<quint8> room) {
+                            return room.data() == data.data() ? send(block, room) : sendAligned(block, room);
+                        });
 }
 
-// The pieces of a read begin where the one before ended.
+// A later piece of a read begins where the one before ended.
 DriveReply WindowsDriveDevice::sendAligned(std::span<const quint8> command, std::span<quint8> data)
 {
-    if (reinterpret_cast<quintptr>(data.data()) % PASS_THROUGH_ALIGNMENT == 0)
-        return send(command, data);
     struct alignas(PASS_THROUGH_ALIGNMENT) Line {
         std::array<quint8, PASS_THROUGH_ALIGNMENT> bytes{};
     };
