@@ -83,6 +83,7 @@ TEST_F(WindowsReadGuard, AReadThatHangsIsOneFailedAttemptOfADrive)
     const DrivePlatformOverride override{platform};
     CdDrive drive;
     ASSERT_TRUE(drive.open(letter));
+    system.requests.clear();
     system.faults = {WindowsFault::hang()};
     const LogCapture log;
     EXPECT_EQ(drive.readSector(300), truth(300));
