@@ -1,11 +1,17 @@
 #include "metadata/http/WindowsHttpAddress.h"
 #include "metadata/http/HttpAddress.h"
 
+#include <QList>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace {
 
-// The escapes that are there stay as they are, to the letter.
+constexpr char authorityMark[] = "://";
+
+// The escapes that are there stay as they are, to the letter, which QUrl would write
+// its own way: a server that signs its addresses would not know its own.
 QByteArray escaped(const QByteArray& text)
 {
     QByteArray safe;
@@ -18,30 +24,66 @@ QByteArray escaped(const QByteArray& text)
     return safe;
 }
 
+/// The scheme in small letters, where there is one.
+QByteArray schemeOf(const QByteArray& address)
+{
+    const qsizetype end = address.indexOf(':');
+    const QByteArray scheme = address.left(std::max<qsizetype>(end, 0)).toLower();
+    const bool isScheme = std::ranges::all_of(scheme, [](char letter) {
+        return (letter >= 'a' && letter <= 'z') || (letter >= '0' && letter <= '9') || letter == '+'
+               || letter == '-' || letter == '.';
+    });
+    return isScheme ? scheme : QByteArray();
+}
+
 /// Where the path begins, or what stands in its place.
 qsizetype pathStart(const QByteArray& address)
 {
-    qsizetype place = address.indexOf("://") + 3;
+    qsizetype place = address.indexOf(authorityMark) + 3;
     while (place < address.size() && !QByteArray("/?#").contains(address[place]))
         ++place;
     return place;
+}
+
+QByteArray withoutDots(const QByteArray& path)
+{
+    QList<QByteArray> kept;
+    const QList<QByteArray> parts = path.split('/');
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        const bool last = i + 1 == parts.size();
+        const bool up = parts[i] == "..";
+        if (up && kept.size() > 1)
+            kept.removeLast();
+        if (!up && parts[i] != ".")
+            kept.append(parts[i]);
+        else if (last)
+            kept.append(QByteArray());
+    }
+    return kept.join('/');
+}
+
+QByteArray mergedPath(const QByteArray& base, const QByteArray& location)
+{
+    const qsizetype queryStart = location.indexOf('?');
+    const QByteArray path = queryStart < 0 ? location : location.left(queryStart);
+    const QByteArray folder = path.startsWith('/') ? QByteArray() : base.left(base.lastIndexOf('/') + 1);
+    return withoutDots(folder + path) + location.mid(path.size());
 }
 
 } // namespace
 
 WindowsHttpPlace placeOf(const QByteArray& address)
 {
-    const qsizetype start = pathStart(address);
-    const QUrl server = QUrl::fromEncoded(address.left(start));
-    const bool secure = server.scheme() == QLatin1String("https");
-    if (!server.isValid() || (!secure && server.scheme() != QLatin1String("http")) || server.host().isEmpty())
+    const QByteArray scheme = schemeOf(address);
+    const QUrl url = QUrl::fromEncoded(address.left(pathStart(address)));
+    if ((scheme != "http" && scheme != "https") || !url.isValid() || url.host().isEmpty())
         return {};
-    QByteArray target = address.mid(start);
+    const bool secure = scheme == "https";
+    QByteArray target = address.mid(pathStart(address));
     target.truncate(target.contains('#') ? target.indexOf('#') : target.size());
     if (!target.startsWith('/'))
         target.prepend('/');
-    const int port = server.port(secure ? 443 : 80);
-    return {secure, server.host(QUrl::FullyEncoded), static_cast<quint16>(port), target};
+    return {secure, url.host(QUrl::FullyEncoded), static_cast<quint16>(url.port(secure ? 443 : 80)), target};
 }
 
 QByteArray addressOf(const HttpRequest& request)
@@ -54,7 +96,27 @@ QByteArray addressOf(const HttpRequest& request)
 
 QByteArray followedAddress(const QByteArray& from, const QByteArray& location)
 {
-    const QUrl next = QUrl::fromEncoded(from).resolved(QUrl::fromEncoded(escaped(location)));
-    const QByteArray address = next.toEncoded();
-    return placeOf(address).host.isEmpty() ? QByteArray() : address;
+    const QByteArray wanted = escaped(location);
+    const QByteArray scheme = schemeOf(from);
+    QByteArray next;
+    if (!schemeOf(wanted).isEmpty()) {
+        next = wanted;
+    } else if (wanted.startsWith("//")) {
+        next = scheme + ':' + wanted;
+    } else {
+        const qsizetype start = pathStart(from);
+        QByteArray path = from.mid(start);
+        path.truncate(std::min({path.contains('?') ? path.indexOf('?') : path.size(),
+                                path.contains('#') ? path.indexOf('#') : path.size()}));
+        next = from.left(start)
+               + (wanted.startsWith('?') || wanted.isEmpty() ? path + wanted : mergedPath(path, wanted));
+    }
+    const WindowsHttpPlace place = placeOf(next);
+    if (place.host.isEmpty())
+        return {};
+    const qsizetype start = pathStart(next);
+    const QByteArray authority = next.mid(next.indexOf(authorityMark), start - next.indexOf(authorityMark));
+    const bool escapedHost = authority.contains('%');
+    return schemeOf(next) + (escapedHost ? authorityMark + place.host.toLatin1() : authority)
+           + next.mid(start);
 }
