@@ -13,6 +13,8 @@ target_link_libraries(tarvel_platform_run_guard INTERFACE winmm)
 
 # Offsets of 64 bits, wide calls alone, and no macros named like functions.
 add_compile_definitions(_FILE_OFFSET_BITS=64 UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
+# Nobody calls it: see base/WindowsThreadEnd.cpp.
+add_link_options(LINKER:--undefined=destroyBeforeFreeing)
 # The codec and tag libraries are linked statically.
 add_compile_definitions(FLAC__NO_DLL TAGLIB_STATIC)
 

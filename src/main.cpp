@@ -1,5 +1,4 @@
 #include "base/Language.h"
-#include "base/ProcessEnd.h"
 #include "ui/Fonts.h"
 #include "ui/MainWindow.h"
 #include "ui/ProgramEnd.h"
@@ -13,7 +12,7 @@
 #include <memory>
 #include <utility>
 
-static int runProgram(int argc, char** argv)
+int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QLatin1String(programinfo::name));
@@ -31,9 +30,4 @@ static int runProgram(int argc, char** argv)
     const int exitCode = QApplication::exec();
     endProgram(std::move(window));
     return exitCode;
-}
-
-int main(int argc, char** argv)
-{
-    return endOfMain(runProgram(argc, argv));
 }

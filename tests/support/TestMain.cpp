@@ -1,4 +1,3 @@
-#include "base/ProcessEnd.h"
 #include "support/TestHome.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +13,7 @@ using TestApplication = QGuiApplication;
 #include "support/OfflineServices.h"
 #endif
 
-static int runTests(int argc, char** argv)
+int main(int argc, char** argv)
 {
     const TestHome home;
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
@@ -28,9 +27,4 @@ static int runTests(int argc, char** argv)
     TestApplication::setOrganizationName(QStringLiteral("TarvelTests"));
     TestApplication::setApplicationName(QStringLiteral("TarvelTests"));
     return RUN_ALL_TESTS();
-}
-
-int main(int argc, char** argv)
-{
-    return endOfMain(runTests(argc, argv));
 }

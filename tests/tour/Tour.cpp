@@ -3,7 +3,6 @@
 // page.
 
 #include "base/Language.h"
-#include "base/ProcessEnd.h"
 #include "support/OfflineServices.h"
 #include "tour/DialogWalk.h"
 #include "tour/TourGuide.h"
@@ -51,7 +50,7 @@ TourOptions readOptions(const QCoreApplication& application)
 
 } // namespace
 
-static int walkTour(int argc, char** argv)
+int main(int argc, char** argv)
 {
     // The walk answers Qt's own file dialog; that of a desktop lies beyond its reach.
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
@@ -84,9 +83,4 @@ static int walkTour(int argc, char** argv)
     window.close();
     endLookups();
     return 0;
-}
-
-int main(int argc, char** argv)
-{
-    return endOfMain(walkTour(argc, argv));
 }

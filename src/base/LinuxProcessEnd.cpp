@@ -1,6 +1,0 @@
-#include "base/ProcessEnd.h"
-
-int endOfMain(int exitCode)
-{
-    return exitCode;
-}
