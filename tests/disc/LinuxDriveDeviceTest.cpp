@@ -141,7 +141,7 @@ TEST_F(LinuxDriveDeviceTest, TheTableOfContentsIsAskedInMinutesSecondsFrames)
 
 TEST_F(LinuxDriveDeviceTest, ADriveMaySendAllOfTheTable)
 {
-    system.announceWholeToc = true;
+    system.answers.announceWholeToc = true;
     std::array<quint8, 804> table;
     EXPECT_TRUE(device->readToc(table).ok);
 }

@@ -1,3 +1,3 @@
 # The system's own calls, played by a simulated drive.
 target_sources(tarvel_test_rip PRIVATE
-    ../support/LinuxPlatformDrive.cpp ../support/SgIoCalls.cpp ../support/SgIoStandIn.cpp)
+    ../support/LinuxPlatformDrive.cpp ../support/SgIoAnswers.cpp ../support/SgIoCalls.cpp ../support/SgIoStandIn.cpp)

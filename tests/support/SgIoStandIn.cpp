@@ -1,13 +1,8 @@
 #include "support/SgIoStandIn.h"
 
-#include "base/ByteOrder.h"
-#include "disc/DiscModel.h"
-
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cerrno>
-#include <vector>
 
 #include <fcntl.h>
 #include <scsi/sg.h>
@@ -18,59 +13,7 @@ namespace {
 
 constinit std::atomic<SgIoStandIn*> active = nullptr;
 
-constexpr int checkConditionStatus = 0x02;
-constexpr int senseDriverStatus = 0x08;
-constexpr int timeOutHostStatus = 0x03;
-
-void putStatus(sg_io_hdr& header, int status, const QByteArray& sense)
-{
-    header.status = static_cast<unsigned char>(status);
-    header.masked_status = static_cast<unsigned char>(status >> 1);
-    const auto length = std::min<qsizetype>(sense.size(), header.mx_sb_len);
-    std::copy_n(sense.constData(), length, header.sbp);
-    header.sb_len_wr = static_cast<unsigned char>(length);
-}
-
-void refuse(sg_io_hdr& header, int key, int code, int qualifier)
-{
-    putStatus(header, checkConditionStatus, fixedSense(key, code, qualifier));
-    header.driver_status = senseDriverStatus;
-    header.resid = static_cast<int>(header.dxfer_len);
-}
-
-// What the drive behind says of a command that failed, in the kernel's words.
-void refuseAs(const DriveReply& reply, sg_io_hdr& header)
-{
-    if (reply.failure == DriveFailure::notReady) {
-        refuse(header, 2, 0x3A, 0x00); // no medium
-    } else if (reply.failure == DriveFailure::timedOut) {
-        header.host_status = timeOutHostStatus;
-        header.duration = header.timeout;
-        header.resid = static_cast<int>(header.dxfer_len);
-    } else {
-        refuse(header, 3, 0x11, 0x05); // medium error: unrecovered read error
-    }
-}
-
-void deliver(sg_io_hdr& header, std::span<const quint8> bytes)
-{
-    const size_t length = std::min<size_t>(bytes.size(), header.dxfer_len);
-    std::copy_n(bytes.data(), length, static_cast<quint8*>(header.dxferp));
-    header.resid = static_cast<int>(header.dxfer_len - length);
-}
-
 } // namespace
-
-QByteArray fixedSense(int key, int code, int qualifier)
-{
-    QByteArray sense(18, '\0');
-    sense[0] = 0x70;
-    sense[2] = static_cast<char>(key);
-    sense[7] = 10; // bytes that follow
-    sense[12] = static_cast<char>(code);
-    sense[13] = static_cast<char>(qualifier);
-    return sense;
-}
 
 SgIoFault SgIoFault::checkCondition(int key, int code, int qualifier)
 {
@@ -114,7 +57,7 @@ SgIoFault& SgIoFault::whileSo(std::function<bool()> condition)
 }
 
 SgIoStandIn::SgIoStandIn(QByteArray devicePath, DriveDevice& drive)
-    : path(std::move(devicePath)), device(drive)
+    : answers(drive), path(std::move(devicePath))
 {
     active = this;
 }
@@ -177,6 +120,22 @@ void SgIoStandIn::handleClose(int file)
     }
 }
 
+void SgIoStandIn::handleDuplicate(int file, int copy)
+{
+    SgIoStandIn* const self = active;
+    const auto node = self ? self->nodeOf(file) : std::nullopt;
+    if (!node || copy < 0)
+        return;
+    const std::lock_guard lock(self->mutex);
+    self->files.append({copy, *node});
+}
+
+bool SgIoStandIn::isOpen(int file)
+{
+    const SgIoStandIn* const self = active;
+    return self && self->nodeOf(file);
+}
+
 std::optional<int> SgIoStandIn::handleRequest(int file, unsigned long code, void* argument)
 {
     SgIoStandIn* const self = active;
@@ -190,7 +149,7 @@ int SgIoStandIn::request(Node node, unsigned long code, sg_io_hdr* header)
 {
     if (code != SG_IO || header->interface_id != 'S') {
         ++otherRequests;
-        errno = ENOTTY;
+        errno = code == SG_IO ? EINVAL : ENOTTY;
         return -1;
     }
     requests.append({node, QByteArray(reinterpret_cast<const char*>(header->cmdp), header->cmd_len),
@@ -204,9 +163,9 @@ int SgIoStandIn::request(Node node, unsigned long code, sg_io_hdr* header)
         errno = fault->requestError;
         return -1;
     }
-    answer(*header);
+    answers.answer(*header);
     if (fault) {
-        putStatus(*header, fault->status, fault->sense);
+        putScsiStatus(*header, fault->status, fault->sense);
         header->host_status = static_cast<unsigned short>(fault->host);
         header->driver_status = static_cast<unsigned short>(fault->driver);
         header->resid = fault->residue.value_or(header->resid);
@@ -231,110 +190,4 @@ std::optional<SgIoFault> SgIoStandIn::faultFor(quint8 opcode)
         return fault;
     }
     return std::nullopt;
-}
-
-void SgIoStandIn::answer(sg_io_hdr& header)
-{
-    header.status = header.masked_status = header.sb_len_wr = 0;
-    header.host_status = header.driver_status = 0;
-    header.resid = 0;
-    header.duration = 1;
-    bool known = false;
-    switch (header.cmdp[0]) {
-    case 0x00:
-        known = testUnitReady(header);
-        break;
-    case 0x12:
-        known = inquiry(header);
-        break;
-    case 0x43:
-        known = readToc(header);
-        break;
-    case 0x5A:
-        known = modeSense(header);
-        break;
-    case 0xBE:
-        known = readCd(header);
-        break;
-    default:
-        break;
-    }
-    if (!known)
-        refuse(header, 5, 0x20, 0x00); // illegal request: no such command
-}
-
-bool SgIoStandIn::testUnitReady(sg_io_hdr& header)
-{
-    if (header.cmd_len != 6)
-        return false;
-    if (!device.checkVerify().ok)
-        refuse(header, 2, 0x3A, 0x00);
-    return true;
-}
-
-bool SgIoStandIn::readToc(sg_io_hdr& header)
-{
-    const unsigned char* command = header.cmdp;
-    if (header.cmd_len != 10)
-        return false;
-    if (command[1] != 0x02 || command[2] != 0) {
-        refuse(header, 5, 0x24, 0x00);
-        return true;
-    }
-    std::array<quint8, 804> table{};
-    if (!device.readToc(table).ok) {
-        refuse(header, 2, 0x3A, 0x00);
-        return true;
-    }
-    const size_t entries = table[3] >= table[2] ? size_t{table[3]} - table[2] + 2 : 1;
-    const size_t used = announceWholeToc ? table.size() : std::min(table.size(), 4 + entries * 8);
-    byteorder::writeBig(table.data(), static_cast<quint16>(used - 2));
-    deliver(header, std::span(table).first(std::min<size_t>(used, byteorder::readBig<quint16>(command + 7))));
-    return true;
-}
-
-bool SgIoStandIn::readCd(sg_io_hdr& header)
-{
-    const unsigned char* command = header.cmdp;
-    if (header.cmd_len != 12)
-        return false;
-    const bool withC2 = command[9] == 0x12;
-    if (command[1] != 0x04 || (command[9] != 0x10 && !withC2) || command[10] != 0 || command[11] != 0) {
-        refuse(header, 5, 0x24, 0x00);
-        return true;
-    }
-    const auto lba = byteorder::readBig<quint32>(command + 2);
-    const auto count = static_cast<quint32>(command[6] << 16 | command[7] << 8 | command[8]);
-    std::vector<quint8> data(size_t{count} * (withC2 ? RAW_PLUS_C2_BYTES : RAW_SECTOR_BYTES));
-    const DriveReply reply = withC2 ? device.passThrough({command, 12}, data)
-                                    : device.readRaw(lba, count, data, header.timeout == 3000);
-    if (reply.ok)
-        deliver(header, data);
-    else
-        refuseAs(reply, header);
-    return true;
-}
-
-bool SgIoStandIn::inquiry(sg_io_hdr& header)
-{
-    if (header.cmd_len != 6)
-        return false;
-    std::array<quint8, 96> data{};
-    device.passThrough({header.cmdp, 6}, data);
-    const size_t allowed = std::min<size_t>({static_cast<size_t>(inquiryBytes), header.cmdp[4], data.size()});
-    deliver(header, std::span(data).first(allowed));
-    return true;
-}
-
-bool SgIoStandIn::modeSense(sg_io_hdr& header)
-{
-    if (header.cmd_len != 10)
-        return false;
-    std::vector<quint8> data(header.dxfer_len);
-    const DriveReply reply = device.passThrough({header.cmdp, 10}, data);
-    if (reply.ok)
-        deliver(header, std::span(data).first(reply.transferred));
-    else
-        refuse(header, 5, 0x24, 0x00); // illegal request: a field of the command
-    return true;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "disc/DriveDevice.h"
+#include "support/SgIoAnswers.h"
 
 #include <QByteArray>
 #include <QList>
@@ -38,9 +38,6 @@ struct SgIoFault {
     SgIoFault& whileSo(std::function<bool()> condition);
 };
 
-/// Sense data in the fixed format, 18 bytes, of a current error.
-QByteArray fixedSense(int key, int code, int qualifier);
-
 /// Stands in for the operating system's calls around the block node of one
 /// drive and, where it has one, its generic node: open, close and the SG_IO
 /// request of this process, answered byte by byte from a drive behind it. All
@@ -77,9 +74,8 @@ public:
     size_t transferLimit = 0; ///< bytes of a request that the kernel takes at most; 0: any number
     int openError = 0;        ///< errno of every open of the block node
     int openForWritingError = 0;
-    int openGenericError = 0;      ///< errno of every open of the generic node
-    int inquiryBytes = 36;         ///< that the drive sends at most
-    bool announceWholeToc = false; ///< sends 804 bytes rather than what is in use
+    int openGenericError = 0; ///< errno of every open of the generic node
+    SgIoAnswers answers;
     QList<SgIoFault> faults;
 
     QList<Opening> opens;    ///< in order
@@ -91,6 +87,10 @@ public:
     static std::optional<int> handleOpen(const char* path, int flags);
     static std::optional<int> handleRequest(int file, unsigned long code, void* argument);
     static void handleClose(int file);
+    /// Lets a second number stand for an open file, where that one is this drive's.
+    static void handleDuplicate(int file, int copy);
+    /// Whether a file is one of this drive's.
+    static bool isOpen(int file);
 
 private:
     struct OpenFile {
@@ -102,16 +102,9 @@ private:
     int openNode(Node node, int flags);
     int errorOfOpen(Node node, int flags) const;
     int request(Node node, unsigned long code, sg_io_hdr* header);
-    void answer(sg_io_hdr& header);
-    bool testUnitReady(sg_io_hdr& header);
-    bool readToc(sg_io_hdr& header);
-    bool readCd(sg_io_hdr& header);
-    bool inquiry(sg_io_hdr& header);
-    bool modeSense(sg_io_hdr& header);
     std::optional<SgIoFault> faultFor(quint8 opcode);
 
     QByteArray path;
-    DriveDevice& device;
     mutable std::mutex mutex; ///< of the list of files, which any thread's close looks at
     QList<OpenFile> files;
 };

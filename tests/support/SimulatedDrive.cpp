@@ -78,7 +78,9 @@ private:
         const DriveReply reply = begin({SimulatedDrive::Command::Inquiry});
         if (!reply.ok)
             return reply;
+        constexpr std::array<quint8, 5> opticalDrive{0x05, 0x80, 0x05, 0x02, 0x1F}; // removable, of 36 bytes
         std::ranges::fill(data, quint8{0});
+        std::ranges::copy(opticalDrive, data.begin());
         std::ranges::copy(drive.vendor.left(8), data.begin() + 8);
         std::ranges::copy(drive.product.left(16), data.begin() + 16);
         return {true, 0, data.size()};
@@ -96,6 +98,9 @@ private:
         answer[1] = answer.size() - 2;
         answer[8] = capabilitiesPage;
         answer[9] = answer.size() - 10;
+        constexpr quint8 exactAudio = 0x03; // it is read, and where it is asked for
+        constexpr quint8 pointsAtErrors = 0x10;
+        answer[13] = drive.c2Available ? exactAudio | pointsAtErrors : exactAudio;
         byteorder::writeBig(answer.data() + 20, *drive.announcedKiB);
         const size_t length = std::min(answer.size(), data.size());
         std::copy_n(answer.begin(), length, data.begin());
