@@ -1,10 +1,10 @@
 // Rips damaged discs through the real worker and counts what is wrong in the
 // files, by what the worker said of it.
 
-#include "DamagedDiscs.h"
 #include "DiscRip.h"
 #include "QuietSurroundings.h"
 #include "disc/DiscModel.h"
+#include "support/DamagedDiscs.h"
 #include "support/DiscMaker.h"
 
 #include <QCommandLineParser>

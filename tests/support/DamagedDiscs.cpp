@@ -1,4 +1,4 @@
-#include "DamagedDiscs.h"
+#include "support/DamagedDiscs.h"
 
 #include "disc/DiscModel.h"
 
