@@ -16,3 +16,8 @@ target_link_libraries(tarvel_platform_run_guard INTERFACE Qt6::DBus)
 # An executable needs nothing more to be the program.
 function(tarvel_finish_program target)
 endfunction()
+
+# The drive that is played to whole programs, for tests, benchmarks and the tour.
+function(tarvel_add_played_drive)
+    add_subdirectory(${PROJECT_SOURCE_DIR}/tests/playeddrive)
+endfunction()

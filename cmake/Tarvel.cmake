@@ -5,10 +5,13 @@ if(NOT platform_file)
     message(FATAL_ERROR "${CMAKE_SYSTEM_NAME} is not served yet: there is no ${CMAKE_SYSTEM_NAME}Platform.cmake.")
 endif()
 
-add_library(tarvel_options INTERFACE)
-target_compile_options(tarvel_options INTERFACE
+add_library(tarvel_warnings INTERFACE)
+target_compile_options(tarvel_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
-target_compile_definitions(tarvel_options INTERFACE QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS)
+target_compile_definitions(tarvel_warnings INTERFACE QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS)
+
+add_library(tarvel_options INTERFACE)
+target_link_libraries(tarvel_options INTERFACE tarvel_warnings)
 if(TARVEL_SANITIZE)
     target_compile_options(tarvel_options INTERFACE
         -fsanitize=${TARVEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -29,3 +29,7 @@ function(tarvel_finish_program target)
         OBJECT_DEPENDS "${PROJECT_SOURCE_DIR}/packaging/windows/program.manifest;${PROJECT_SOURCE_DIR}/packaging/icon.ico")
     set_target_properties(${target} PROPERTIES WIN32_EXECUTABLE ON)
 endfunction()
+
+# No drive can be played to a whole program here.
+function(tarvel_add_played_drive)
+endfunction()
