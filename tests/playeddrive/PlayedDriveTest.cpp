@@ -143,6 +143,18 @@ TEST_F(PlayedDriveTest, TheDrivesTimeIsOnTheReadersClock)
     EXPECT_GE(reported("nanoseconds"), 2'000'000'000);
 }
 
+TEST_F(PlayedDriveTest, APaceChangesNothingButTheWait)
+{
+    const auto without = probe(450);
+    const qint64 time = reported("nanoseconds");
+    description.pace = 0.01;
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_EQ(probe(450)["sector"], without["sector"]);
+    EXPECT_EQ(reported("nanoseconds"), time);
+    EXPECT_GE(clock.nsecsElapsed(), time / 100);
+}
+
 TEST_F(PlayedDriveTest, TheReportCountsWhatTheDriveDid)
 {
     ASSERT_TRUE(cdparanoia({QStringLiteral("-q"), QStringLiteral("-B")}).ok());
