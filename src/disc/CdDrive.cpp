@@ -92,21 +92,21 @@ DiscToc CdDrive::readToc()
 
 QByteArray CdDrive::readSector(quint32 lba)
 {
-    const QByteArray sector = source ? source->readSector(lba, ReadPurpose::judged) : QByteArray();
+    QByteArray sector = source ? source->readSector(lba, ReadPurpose::judged) : QByteArray();
     takeFigures();
     return sector;
 }
 
 QByteArray CdDrive::readSectorUnjudged(quint32 lba)
 {
-    const QByteArray sector = source ? source->readSector(lba, ReadPurpose::unjudged) : QByteArray();
+    QByteArray sector = source ? source->readSector(lba, ReadPurpose::unjudged) : QByteArray();
     takeFigures();
     return sector;
 }
 
 QByteArray CdDrive::readSectorFresh(quint32 lba)
 {
-    const QByteArray sector = source ? source->readSectorFresh(lba) : QByteArray();
+    QByteArray sector = source ? source->readSectorFresh(lba) : QByteArray();
     takeFigures();
     return sector;
 }

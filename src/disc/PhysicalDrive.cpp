@@ -61,7 +61,7 @@ QByteArray PhysicalDrive::readFromAfar(quint32 lba, ColdReads::Effort effort)
         device.makeCold(lba, boundedBatch(lba), effort);
         readBatch(farFrom(lba, freshDistance), ReadPurpose::unjudged);
     }
-    const QByteArray sector = readBatch(lba, ReadPurpose::judged);
+    QByteArray sector = readBatch(lba, ReadPurpose::judged);
     if (!sector.isEmpty())
         device.handedOut(lba);
     return sector;
