@@ -16,9 +16,9 @@ void preferLargePages(void* memory, std::size_t bytes)
 {
     if (bytes < largePage)
         return;
-    const auto start = reinterpret_cast<std::uintptr_t>(memory) & ~(page - 1);
-    const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes + page - 1) & ~(page - 1);
-    madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
+    const std::size_t inFront = reinterpret_cast<std::uintptr_t>(memory) % page;
+    const std::size_t pages = (inFront + bytes + page - 1) / page;
+    madvise(static_cast<char*>(memory) - inFront, pages * page, MADV_HUGEPAGE);
 }
 
 // The allocator maps such a block by itself, with its own header and the

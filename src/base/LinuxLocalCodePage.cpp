@@ -83,6 +83,8 @@ QString decodeCodePage(const QByteArray& bytes, const char* codePage)
 
     QByteArray decoded;
     std::array<char, 4096> buffer;
+    // The C library only reads through it.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
     char* source = const_cast<char*>(bytes.constData());
     auto left = static_cast<size_t>(bytes.size());
     while (left > 0) {
