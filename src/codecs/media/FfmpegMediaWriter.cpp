@@ -62,7 +62,7 @@ AVSampleFormat sampleFormat(const MediaFormat& format)
     return format.pcm.bitsPerSample == 16 ? AV_SAMPLE_FMT_S16P : AV_SAMPLE_FMT_S32P;
 }
 
-class FfmpegMediaWriter : public MediaWriter {
+class FfmpegMediaWriter final : public MediaWriter {
 public:
     ~FfmpegMediaWriter() override { static_cast<void>(finish()); }
 
