@@ -92,7 +92,7 @@ QFileInfoList audioFilesIn(const QString& folder)
     return files;
 }
 
-ConversionRun::ConversionRun(QString source, QString output, QString formatData, Progress onProgress)
+ConversionRun::ConversionRun(QString source, QString output, const QString& formatData, Progress onProgress)
     : sourceFolder(std::move(source)), outputFolder(std::move(output)), encoder(encoderIdOf(formatData)),
       extension(outputExtension(formatData)), progress(std::move(onProgress))
 {

@@ -38,7 +38,7 @@ public:
     using Progress = std::function<bool(const QString& text)>;
 
     /// @param sourceFolder  absolute; its name becomes that of the new folder
-    ConversionRun(QString sourceFolder, QString outputFolder, QString formatData, Progress progress);
+    ConversionRun(QString sourceFolder, QString outputFolder, const QString& formatData, Progress progress);
 
     /// The new folder is gone again when nothing was converted. Where it cannot
     /// be made, every file that is not skipped fails.

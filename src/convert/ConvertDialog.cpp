@@ -38,6 +38,11 @@ QString outputTitle()
     return pickLang("出力先フォルダを選択", "Select output folder");
 }
 
+bool isShown(const QWidget* widget)
+{
+    return widget && widget->isVisible();
+}
+
 /// Keeps the fields below each other, whatever the length of their labels.
 void alignFields(const QList<QLabel*>& labels)
 {
@@ -232,13 +237,12 @@ void ConvertDialog::run(const QString& sourceFolder)
     // this dialog nor the window that it belongs to.
     const QPointer<ConvertDialog> dialog(this);
     const QPointer<QWidget> owner(parentWidget() ? parentWidget()->window() : nullptr);
-    const bool ownerWasShown = owner && owner->isVisible();
+    const bool ownerWasShown = isShown(owner);
     ConversionRun conversion(sourceFolder, outputEdit->text(), formatCombo->currentData().toString(),
-                             [dialog, owner, ownerWasShown](const QString& text) {
-                                 dialog->showStatus(text);
+                             [this, dialog, owner, ownerWasShown](const QString& text) {
+                                 showStatus(text);
                                  QCoreApplication::processEvents();
-                                 const bool ownerClosed = ownerWasShown && !(owner && owner->isVisible());
-                                 return dialog && !ownerClosed;
+                                 return dialog && (!ownerWasShown || isShown(owner));
                              });
     const ConversionCounts counts = conversion.convert(files);
     if (!dialog)

@@ -12,6 +12,8 @@ struct Counters;
 class StatCards {
 public:
     StatCards();
+    StatCards(const StatCards&) = delete;
+    StatCards& operator=(const StatCards&) = delete;
 
     /// To be put into the page, whose widgets the cards become with it.
     QGridLayout* layout() const { return grid; }
