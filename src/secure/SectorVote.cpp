@@ -21,7 +21,7 @@ QByteArray voteOnSector(const std::function<QByteArray(quint32)>& read, quint32 
 {
     record = SectorResult();
     record.lba = lba;
-    const QByteArray first = read(lba);
+    QByteArray first = read(lba);
     if (first.isEmpty()) {
         record.bad = true;
         return silentSector();
