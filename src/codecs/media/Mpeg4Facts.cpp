@@ -3,6 +3,7 @@
 #include "codecs/media/Mpeg4Boxes.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -161,7 +162,7 @@ std::optional<Mpeg4Timing> timingOf(const Findings& found)
     const double edited = static_cast<double>(found.edits.length) * movieUnit;
     // A length of 0 stands for all that is there.
     if (found.edits.length > 0 && edited + movieUnit < static_cast<double>(timing.length))
-        timing.length = static_cast<std::uint64_t>(edited + 0.5);
+        timing.length = static_cast<std::uint64_t>(std::llround(edited));
     return timing;
 }
 
