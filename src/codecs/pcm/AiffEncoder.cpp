@@ -4,6 +4,7 @@
 #include "codecs/PcmBytes.h"
 
 #include <array>
+#include <bit>
 #include <cstring>
 
 namespace {
@@ -13,7 +14,6 @@ constexpr quint64 formSizePosition = 4;
 constexpr quint64 frameCountPosition = 22;
 constexpr quint64 soundSizePosition = 42;
 constexpr int exponentBias = 16383;
-constexpr double mantissaScale = 9223372036854775808.0; // 2 to the power 63
 
 // An 80-bit extended float: sign and exponent, then the mantissa with its
 // integer bit spelled out.
@@ -23,12 +23,9 @@ void writeExtended(quint8* bytes, quint32 value)
         std::memset(bytes, 0, 10);
         return;
     }
-    double mantissa = value;
-    int exponent = 0;
-    for (; mantissa >= 2; mantissa /= 2)
-        ++exponent;
+    const int exponent = std::bit_width(value) - 1;
     byteorder::writeBig(bytes, static_cast<quint16>(exponent + exponentBias));
-    byteorder::writeBig(bytes + 2, static_cast<quint64>(mantissa * mantissaScale));
+    byteorder::writeBig(bytes + 2, quint64{value} << (63 - exponent));
 }
 
 std::array<quint8, headerBytes> makeHeader(const AudioFormat& format, quint16 writtenBits)
