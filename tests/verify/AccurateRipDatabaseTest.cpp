@@ -149,6 +149,7 @@ TEST(AccurateRipMatch, EitherVersionMatchesAndTheLargestConfidenceCounts)
     EXPECT_EQ(verdict.crcV1, 0xAAu);
     EXPECT_EQ(verdict.crcV2, 0xBBu);
     EXPECT_EQ(accurateRipMatch(0xCC, 0, entries).confidence, 200);
+    EXPECT_EQ(accurateRipMatch(0xAA, 0xBB, {{12, 0xAA, 0}, {3, 0xBB, 0}}).confidence, 12);
 }
 
 TEST(AccurateRipMatch, AZeroChecksumNeverMatchesAnything)
