@@ -22,7 +22,7 @@ constexpr char mpeg4Extension[] = "m4a";
 /// The container that an ending stands for.
 QString containerOf(const QFileInfo& file)
 {
-    const QString suffix = file.suffix().toLower();
+    QString suffix = file.suffix().toLower();
     if (suffix == QLatin1String("aif"))
         return QStringLiteral("aiff");
     if (suffix == QLatin1String("aac"))

@@ -138,7 +138,7 @@ void SourcePage::pickAudio()
 
 QString SourcePage::driveLetter() const
 {
-    const QString letter = driveCombo->currentData().toString();
+    QString letter = driveCombo->currentData().toString();
     const QString text = driveCombo->currentText();
     if (!letter.isEmpty() || text.trimmed().isEmpty())
         return letter;

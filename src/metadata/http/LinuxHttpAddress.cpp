@@ -23,7 +23,7 @@ QByteArray part(const Url& url, CURLUPart wanted)
     char* text = nullptr;
     if (!url || curl_url_get(url.get(), wanted, &text, 0) != CURLUE_OK)
         return {};
-    const QByteArray copy(text);
+    QByteArray copy(text);
     curl_free(text);
     return copy;
 }

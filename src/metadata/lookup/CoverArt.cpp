@@ -70,7 +70,7 @@ QPixmap CoverArt::fetch(const QString& artist, const QString& album) const
     qDebug().noquote() << "CoverArt::fetch" << artist << album;
     const QString mbid = findMbid(artist, album);
     if (!mbid.isEmpty()) {
-        const QPixmap image = archiveImage(mbid);
+        QPixmap image = archiveImage(mbid);
         if (!image.isNull())
             return image;
     }
@@ -104,7 +104,7 @@ QString CoverArt::findMbid(const QString& artist, const QString& album)
                                        "CoverArt[MB]: no releases found");
     if (release.isUndefined())
         return {};
-    const QString mbid = release[QLatin1String("id")].toString();
+    QString mbid = release[QLatin1String("id")].toString();
     qDebug().noquote() << "CoverArt[MB]: MBID =" << mbid;
     return mbid;
 }
