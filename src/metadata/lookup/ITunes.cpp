@@ -52,7 +52,7 @@ ITunesAlbum chooseITunesAlbum(const QByteArray& body, const QString& album)
         return {};
 
     QJsonObject best = results.first().toObject();
-    for (const QJsonValue& value : results) {
+    for (const auto& value : results) {
         if (namesMatch(value[QLatin1String("collectionName")].toString(), album)) {
             best = value.toObject();
             break;
@@ -74,7 +74,7 @@ QString chooseITunesArtwork(const QByteArray& body, const QString& album)
 {
     const QJsonArray results = resultsOf(body);
     qDebug() << "CoverArt[iTunes]: results count" << results.size();
-    for (const QJsonValue& value : results) {
+    for (const auto& value : results) {
         const QString artwork = value[QLatin1String("artworkUrl100")].toString();
         if (!artwork.isEmpty() && namesMatch(value[QLatin1String("collectionName")].toString(), album))
             return largeArtwork(artwork);
@@ -87,7 +87,7 @@ QStringList parseITunesSongs(const QByteArray& body)
 {
     QMap<qint64, QString> titles;
     const QJsonArray results = resultsOf(body);
-    for (const QJsonValue& value : results) {
+    for (const auto& value : results) {
         if (value[QLatin1String("wrapperType")].toString() != QLatin1String("track"))
             continue;
         const qint64 number = wholeNumber(value[QLatin1String("trackNumber")]);

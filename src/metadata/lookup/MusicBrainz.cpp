@@ -25,7 +25,7 @@ MusicBrainzMedium mediumFromJson(const QJsonObject& object)
     MusicBrainzMedium medium;
     medium.position = object[QLatin1String("position")].toInt();
     const QJsonArray tracks = object[QLatin1String("tracks")].toArray();
-    for (const QJsonValue& value : tracks) {
+    for (const auto& value : tracks) {
         MusicBrainzTrack track;
         track.number = value[QLatin1String("number")].toString().toInt();
         track.title = value[QLatin1String("title")].toString();
@@ -108,7 +108,7 @@ MusicBrainzResult parseMusicBrainzDisc(const QByteArray& body)
 
     const QJsonArray media = release[QLatin1String("media")].toArray();
     result.discCount = static_cast<int>(media.size());
-    for (const QJsonValue& value : media) {
+    for (const auto& value : media) {
         const MusicBrainzMedium medium = mediumFromJson(value.toObject());
         if (medium.position == 1)
             result.tracks = medium.tracks;
