@@ -13,8 +13,9 @@ add_library(tarvel_platform_loopback INTERFACE)
 add_library(tarvel_platform_run_guard INTERFACE)
 target_link_libraries(tarvel_platform_run_guard INTERFACE Qt6::DBus)
 
-# An executable needs nothing more to be the program.
+# What makes an executable the program: it is installed, with what a desktop shows of it.
 function(tarvel_finish_program target)
+    include(${PROJECT_SOURCE_DIR}/packaging/linux/install.cmake)
 endfunction()
 
 # The drive that is played to whole programs, for tests, benchmarks and the tour.

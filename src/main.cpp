@@ -17,6 +17,7 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QApplication::setApplicationName(QLatin1String(programinfo::name));
     QApplication::setApplicationVersion(QLatin1String(programinfo::version));
+    QGuiApplication::setDesktopFileName(QLatin1String(programinfo::desktopEntry));
     initResources();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon.ico")));
     QApplication::setOrganizationName(QLatin1String(programinfo::organisation));
