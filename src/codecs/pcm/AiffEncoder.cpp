@@ -23,7 +23,7 @@ void writeExtended(quint8* bytes, quint32 value)
         std::memset(bytes, 0, 10);
         return;
     }
-    const int exponent = std::bit_width(value) - 1;
+    const int exponent = static_cast<int>(std::bit_width(value)) - 1;
     byteorder::writeBig(bytes, static_cast<quint16>(exponent + exponentBias));
     byteorder::writeBig(bytes + 2, quint64{value} << (63 - exponent));
 }
