@@ -96,6 +96,11 @@ void packFrame(const AVFrame& frame, int first, int frames, const AudioFormat& p
 {
     const auto start = static_cast<std::size_t>(first);
     const auto count = static_cast<std::size_t>(frames);
+    // The start of a stream may be skipped by whole frames.
+    if (count == 0) {
+        bytes.clear();
+        return;
+    }
     const auto channels = static_cast<quint16>(frame.ch_layout.nb_channels);
     const int bits = pcm.bitsPerSample;
     bytes.assign(count * channels * static_cast<std::size_t>(bits / 8), 0);
