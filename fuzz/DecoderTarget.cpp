@@ -4,12 +4,9 @@
 #include "codecs/IAudioDecoder.h"
 #include "codecs/Mutation.h"
 #include "fuzz/Promise.h"
+#include "fuzz/ScratchFile.h"
 
 #include <QByteArray>
-
-#include <fstream>
-#include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -17,30 +14,6 @@ namespace {
 constexpr quint64 mostSamples = 32 * 1024;
 constexpr int mostBlocks = 100;
 constexpr quint16 mostChannels = 32;
-
-/// A file of this process, in TMPDIR, which is best in memory.
-class ScratchFile {
-public:
-    explicit ScratchFile(const char* extension)
-        : path(std::filesystem::temp_directory_path()
-               / ("tarvel-fuzz-" + std::to_string(getpid()) + extension))
-    {
-    }
-    ~ScratchFile()
-    {
-        std::error_code ignored;
-        std::filesystem::remove(path, ignored);
-    }
-    void write(const QByteArray& bytes) const
-    {
-        std::ofstream file(path, std::ios::binary | std::ios::trunc);
-        file.write(bytes.constData(), bytes.size());
-        file.close();
-        fuzz::require(file.good(), "the scratch file takes the input");
-    }
-
-    const std::filesystem::path path;
-};
 
 /// Filters whole seconds of one-bit audio for one block, which teaches nothing.
 bool hasHugeBlocks(const QByteArray& bytes)
