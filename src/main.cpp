@@ -1,4 +1,5 @@
 #include "base/Language.h"
+#include "ui/EndSignals.h"
 #include "ui/Fonts.h"
 #include "ui/MainWindow.h"
 #include "ui/ProgramEnd.h"
@@ -26,6 +27,7 @@ int main(int argc, char** argv)
     installFontSubstitutes();
     QApplication::setFont(QFont(QStringLiteral("Segoe UI"), 9));
 
+    const EndSignals endSignals;
     auto window = std::make_unique<MainWindow>();
     window->show();
     const int exitCode = QApplication::exec();

@@ -23,7 +23,7 @@ bool passOn(const AudioBlock& block, Stages& stages, IAudioEncoder& encoder)
 bool passAllOn(IAudioDecoder& decoder, Stages& stages, IAudioEncoder& encoder)
 {
     while (const std::optional<AudioBlock> block = decoder.read()) {
-        if (!passOn(*block, stages, encoder))
+        if (conversionsAreStopped || !passOn(*block, stages, encoder))
             return false;
     }
     return true;

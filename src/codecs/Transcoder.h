@@ -4,6 +4,7 @@
 
 #include <QList>
 
+#include <atomic>
 #include <filesystem>
 
 /// Asks convertFile for a loudness measurement, and takes its results.
@@ -23,3 +24,7 @@ struct TrackGain {
 ///         part, and the caller removes it
 bool convertFile(const std::filesystem::path& source, const std::filesystem::path& target, EncoderId id,
                  quint32 oversampleFactor, TrackGain* gain);
+
+/// While it is set, from any thread or by the handler of a signal, convertFile gives up
+/// before its next block: for the end of the program, which cannot wait for a long file.
+inline constinit std::atomic<bool> conversionsAreStopped = false;
