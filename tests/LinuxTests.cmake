@@ -1,1 +1,2 @@
 target_sources(tarvel_test_support PRIVATE support/LinuxStuckFile.cpp)
+add_subdirectory(endurance)
