@@ -78,6 +78,15 @@ TEST_F(TranscoderFailureTest, ATargetThatCannotBeCreatedFails)
     EXPECT_FALSE(convert(source, folder.path(), WavEncoderId));
 }
 
+TEST_F(TranscoderFailureTest, NothingIsConvertedAtTheEndOfTheProgram)
+{
+    const QString source = makeWave("source.wav");
+    conversionsAreStopped = true;
+    EXPECT_FALSE(convert(source, file("target.flac"), FlacEncoderId));
+    conversionsAreStopped = false;
+    EXPECT_TRUE(convert(source, file("target.flac"), FlacEncoderId));
+}
+
 TEST_F(TranscoderFailureTest, AFullDiskFailsAndStillMeasures)
 {
     const QString source = makeWave("source.wav", {44100, 2, 16}, 200000);
