@@ -261,6 +261,10 @@ void RipPage::showResult(bool ofAudioFile)
         summary = riplog::discSummary(counters);
     }
     ripBtn->setEnabled(false);
+    // A box that came up now would take back the end of the program, which the
+    // closing has asked for, and nobody could end it any more.
+    if (!window()->isVisible())
+        return;
     QMessageBox::information(window(), pickLang("リッピング完了", "Rip Complete"),
                              pickLang("リッピングが完了しました。\n\n", "Ripping is complete.\n\n")
                                  + summary);

@@ -3,12 +3,14 @@
 #include "ui/LookupStage.h"
 
 #include "ui/LookupChains.h"
+#include "ui/RunningRips.h"
 
 #include <QApplication>
 #include <QRadioButton>
 #include <QTimer>
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -22,6 +24,20 @@ protected:
         app.onPage<QRadioButton>(1, "fmtRadio", 1)->click();
         app.advanceTo(3);
         ASSERT_EQ(app.step(), 3);
+    }
+
+    /// Runs the program's event loop, in which something happens.
+    static int exitCodeAfter(WindowDriver& app, const std::function<void()>& happens)
+    {
+        constexpr int neverEnded = 99;
+        QTimer tooLate;
+        QObject::connect(&tooLate, &QTimer::timeout, [] { QCoreApplication::exit(neverEnded); });
+        tooLate.start(20000);
+        QGuiApplication::setQuitOnLastWindowClosed(true); // as it is in the program
+        QTimer::singleShot(0, &app.window(), happens);
+        const int exitCode = QApplication::exec();
+        QGuiApplication::setQuitOnLastWindowClosed(false);
+        return exitCode;
     }
 };
 
@@ -54,13 +70,16 @@ TEST_F(WindowEnd, FinishClosesTheWindowAndSoEndsTheProcess)
     WindowDriver::click(app.next());
     ASSERT_EQ(app.next()->text(), QStringLiteral("Finish"));
 
-    constexpr int neverEnded = 99;
-    QTimer tooLate;
-    QObject::connect(&tooLate, &QTimer::timeout, [] { QCoreApplication::exit(neverEnded); });
-    tooLate.start(20000);
-    QGuiApplication::setQuitOnLastWindowClosed(true); // as it is in the program
-    QTimer::singleShot(0, &app.window(), [&app] { WindowDriver::click(app.next()); });
-    EXPECT_EQ(QApplication::exec(), 0);
-    QGuiApplication::setQuitOnLastWindowClosed(false);
+    EXPECT_EQ(exitCodeAfter(app, [&app] { WindowDriver::click(app.next()); }), 0);
     EXPECT_FALSE(app.window().isVisible());
+}
+
+TEST_F(WindowEnd, ARipThatEndsAtThatMomentDoesNotKeepTheProgram)
+{
+    WindowDriver app(2);
+    const auto closeAtTheEndOfARip = [&app] {
+        app.window().close();
+        Q_EMIT app.window().findChild<RunningRips*>()->finished();
+    };
+    EXPECT_EQ(exitCodeAfter(app, closeAtTheEndOfARip), 0);
 }
