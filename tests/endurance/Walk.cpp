@@ -88,10 +88,10 @@ int Walk::pauseMilliseconds()
 
 void Walk::step()
 {
-    if (!app->window().isVisible())
-        return; // the event loops are about to end
-    if (left == 0 || !wrong.isEmpty()) {
+    if (left == 0 || !wrong.isEmpty())
         app->window().close();
+    if (!app->window().isVisible()) {
+        expectTheEnd();
         return;
     }
     --left;
@@ -107,6 +107,18 @@ void Walk::look()
 {
     while (done.size() > 40)
         done.removeFirst();
-    if (app->window().isVisible() && wrong.isEmpty())
+    if (!app->window().isVisible())
+        expectTheEnd();
+    else if (wrong.isEmpty())
         wrong = watch->complaints();
+}
+
+// Without a window nobody can do anything about a program that goes on.
+void Walk::expectTheEnd()
+{
+    constexpr int patienceMilliseconds = 20'000;
+    QTimer::singleShot(patienceMilliseconds, &app->window(), [this] {
+        wrong << QStringLiteral("the program goes on without its window");
+        QCoreApplication::exit();
+    });
 }

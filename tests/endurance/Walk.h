@@ -33,6 +33,7 @@ private:
     void insertDisc();
     void step();
     void look();
+    void expectTheEnd();
     int pauseMilliseconds();
 
     void act();
