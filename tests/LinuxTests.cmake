@@ -1,2 +1,4 @@
 target_sources(tarvel_test_support PRIVATE support/LinuxStuckFile.cpp)
-add_subdirectory(endurance)
+if(TARVEL_BUILD_ENDURANCE)
+    add_subdirectory(endurance)
+endif()

@@ -263,7 +263,7 @@ void RipPage::showResult(bool ofAudioFile)
     ripBtn->setEnabled(false);
     // A box that came up now would take back the end of the program, which the
     // closing has asked for, and nobody could end it any more.
-    if (!window()->isVisible())
+    if (window()->isHidden() && window()->testAttribute(Qt::WA_WState_ExplicitShowHide))
         return;
     QMessageBox::information(window(), pickLang("リッピング完了", "Rip Complete"),
                              pickLang("リッピングが完了しました。\n\n", "Ripping is complete.\n\n")
