@@ -162,7 +162,10 @@ TEST(HttpRedirect, NoOtherSchemeIsEverFollowed)
                                  "data:text/plain,x", "javascript:1", "dict://a.test/x"}) {
         LoopbackServices services;
         services.on("a.test", "/", redirect(location));
+        const LogCapture log;
         EXPECT_TRUE(httpGet(QStringLiteral("http://a.test/")).isEmpty()) << location;
+        EXPECT_TRUE(log.warnings().value(0).startsWith(QLatin1String("[HTTP] request failed, err= ")))
+            << location;
         EXPECT_TRUE(gnudbGet(QStringLiteral("http://a.test/")).isEmpty()) << location;
         EXPECT_TRUE(CoverArt::get(QStringLiteral("http://a.test/")).isEmpty()) << location;
         EXPECT_EQ(services.requests().size(), 3) << location;
@@ -201,4 +204,12 @@ TEST(HttpRedirect, AnUnencodedLocationIsEncoded)
     services.on("a.test", "/start", redirect("/a b/\xE6\x97\xA5"));
     httpGet(QStringLiteral("http://a.test/start"));
     EXPECT_EQ(services.targets("a.test").last().toUpper(), "/A%20B/%E6%97%A5");
+}
+
+TEST(HttpRedirect, MarksThatMayStandInARequestLineStayAsTheyAre)
+{
+    LoopbackServices services;
+    services.on("a.test", "/start", redirect("/{a}|\"b\"/<c>?[d]^`"));
+    httpGet(QStringLiteral("http://a.test/start"));
+    EXPECT_EQ(services.targets("a.test").last(), "/{a}|\"b\"/<c>?[d]^`");
 }
