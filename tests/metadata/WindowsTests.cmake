@@ -1,1 +1,1 @@
-target_sources(tarvel_test_metadata PRIVATE http/WindowsHttpAddressTest.cpp)
+target_sources(tarvel_test_metadata PRIVATE http/WindowsHttpAddressTest.cpp http/WindowsHttpConversationTest.cpp)
