@@ -55,7 +55,11 @@ QStringList expectNoAnswer(quint16 proxyPort, const QString& url)
 
 } // namespace
 
-extern "C" decltype(&WinHttpOpen) __imp_WinHttpOpen = openSession;
+extern "C" {
+
+decltype(&WinHttpOpen) __imp_WinHttpOpen = openSession;
+
+} // extern "C"
 
 TEST(WindowsHttpProxy, OfTheSystemIsTakenWithoutADetour)
 {
