@@ -27,19 +27,6 @@ struct RefusedSession {
     DWORD flags = 0;
 };
 
-HINTERNET WINAPI openSession(LPCWSTR agent, DWORD access, LPCWSTR proxy, LPCWSTR bypass, DWORD flags)
-{
-    if (RefusedSession* const refused = RefusedSession::active) {
-        refused->access = access;
-        refused->proxy = proxy ? proxy : L"";
-        refused->flags = flags;
-        return nullptr;
-    }
-    static const auto real = reinterpret_cast<decltype(&WinHttpOpen)>(
-        reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"winhttp.dll"), "WinHttpOpen")));
-    return real(agent, access, proxy, bypass, flags);
-}
-
 /// The warnings of a request that gets none.
 QStringList expectNoAnswer(quint16 proxyPort, const QString& url)
 {
@@ -55,11 +42,20 @@ QStringList expectNoAnswer(quint16 proxyPort, const QString& url)
 
 } // namespace
 
-extern "C" {
-
-decltype(&WinHttpOpen) __imp_WinHttpOpen = openSession;
-
-} // extern "C"
+// In the place of the system's, which is called for all who refuse nothing.
+extern "C" HINTERNET WINAPI WinHttpOpen(LPCWSTR agent, DWORD access, LPCWSTR proxy, LPCWSTR bypass,
+                                        DWORD flags)
+{
+    if (RefusedSession* const refused = RefusedSession::active) {
+        refused->access = access;
+        refused->proxy = proxy ? proxy : L"";
+        refused->flags = flags;
+        return nullptr;
+    }
+    static const auto real = reinterpret_cast<decltype(&WinHttpOpen)>(
+        reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"winhttp.dll"), "WinHttpOpen")));
+    return real(agent, access, proxy, bypass, flags);
+}
 
 TEST(WindowsHttpProxy, OfTheSystemIsTakenWithoutADetour)
 {
