@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+#include <openssl/bn.h>
+#include <openssl/ecdsa.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
@@ -59,6 +61,28 @@ std::shared_ptr<X509> makeCertificate(const Description& description, EVP_PKEY* 
     return certificate;
 }
 
+/// Whether both numbers of a signature fill their 32 bytes.
+bool hasFullNumbers(const X509* certificate)
+{
+    const ASN1_BIT_STRING* bits = nullptr;
+    X509_get0_signature(&bits, nullptr, certificate);
+    const unsigned char* bytes = ASN1_STRING_get0_data(bits);
+    const std::unique_ptr<ECDSA_SIG, decltype(&ECDSA_SIG_free)> signature(
+        d2i_ECDSA_SIG(nullptr, &bytes, ASN1_STRING_length(bits)), ECDSA_SIG_free);
+    constexpr int numberBytes = 32;
+    return signature && BN_num_bytes(ECDSA_SIG_get0_r(signature.get())) == numberBytes
+           && BN_num_bytes(ECDSA_SIG_get0_s(signature.get())) == numberBytes;
+}
+
+// Wine takes a signature for forged of which a number has a zero in front, one in 128;
+// each signature of the same certificate has other numbers.
+void sign(X509* certificate, EVP_PKEY* key)
+{
+    do {
+        require(X509_sign(certificate, key, EVP_sha256()) > 0, "a certificate could not be signed");
+    } while (!hasFullNumbers(certificate));
+}
+
 } // namespace
 
 TestAuthority::TestAuthority()
@@ -68,7 +92,7 @@ TestAuthority::TestAuthority()
     addExtension(certificate.get(), certificate.get(), NID_basic_constraints, "critical,CA:TRUE");
     addExtension(certificate.get(), certificate.get(), NID_key_usage, "critical,keyCertSign");
     addExtension(certificate.get(), certificate.get(), NID_subject_key_identifier, "hash");
-    require(X509_sign(certificate.get(), key.get(), EVP_sha256()) > 0, "the authority could not sign itself");
+    sign(certificate.get(), key.get());
 
     const std::unique_ptr<BIO, decltype(&BIO_free)> file(
         BIO_new_file(certificateFile().toLocal8Bit().constData(), "w"), BIO_free);
@@ -95,7 +119,7 @@ std::shared_ptr<SSL_CTX> TestAuthority::makeServerContext(const QList<QByteArray
     addExtension(server.get(), certificate.get(), NID_basic_constraints, "critical,CA:FALSE");
     addExtension(server.get(), certificate.get(), NID_subject_alt_name, names);
     addExtension(server.get(), certificate.get(), NID_ext_key_usage, "serverAuth");
-    require(X509_sign(server.get(), key.get(), EVP_sha256()) > 0, "a certificate could not be signed");
+    sign(server.get(), key.get());
 
     std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
     require(context && SSL_CTX_use_certificate(context.get(), server.get()) == 1

@@ -17,9 +17,12 @@ using Store = std::unique_ptr<void, StoreCloser>;
 
 constexpr DWORD encoding = X509_ASN_ENCODING | PKCS_7_ASN_ENCODING;
 
+// That of the registry alone: from the one that shows the machine's as well, Wine takes
+// nothing away for good.
 Store rootStoreOfUser()
 {
-    return Store(CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root"));
+    return Store(
+        CertOpenStore(CERT_STORE_PROV_SYSTEM_REGISTRY_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root"));
 }
 
 const BYTE* bytesOf(const QByteArray& der)
