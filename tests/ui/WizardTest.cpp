@@ -115,6 +115,20 @@ TEST_F(Wizard, NothingChosenEndsAtTheRipStepWithAnError)
     EXPECT_EQ(app.step(), 2);
 }
 
+TEST_F(Wizard, AnAudioFileThatIsNoLongerChosenIsNoSource)
+{
+    WindowDriver app;
+    app.audioPath()->setText(QStringLiteral("/music/a.wav"));
+    app.advanceTo(2);
+    WindowDriver::click(app.back());
+    WindowDriver::click(app.back());
+    app.audioPath()->clear();
+    app.advanceTo(3);
+    WindowDriver::click(app.rip());
+    EXPECT_EQ(app.logLines().last(), QStringLiteral("Please select a source before ripping."));
+    EXPECT_TRUE(app.rip()->isEnabled());
+}
+
 TEST_F(Wizard, AReturnToMetadataWithAnAudioFileLeavesNextDisabled)
 {
     WindowDriver app;
