@@ -35,6 +35,8 @@ TEST(FollowedAddress, IsResolvedAgainstTheOneBeforeIt)
     EXPECT_EQ(followedAddress(from, "three"), "http://a.test/one/three");
     EXPECT_EQ(followedAddress(from, "/three?x=1"), "http://a.test/three?x=1");
     EXPECT_EQ(followedAddress(from, "../three"), "http://a.test/three");
+    EXPECT_EQ(followedAddress(from, "../../../three"), "http://a.test/three")
+        << "the root has nothing above it";
     EXPECT_EQ(followedAddress(from, "?x=2"), "http://a.test/one/two?x=2");
     EXPECT_EQ(followedAddress(from, "//b.test/three"), "http://b.test/three");
     EXPECT_EQ(followedAddress("https://a.test/one", "//b.test/three"), "https://b.test/three");
