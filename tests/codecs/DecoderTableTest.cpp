@@ -8,6 +8,7 @@
 #include "codecs/pcm/AiffDecoder.h"
 #include "codecs/pcm/WavDecoder.h"
 #include "codecs/wavpack/WavPackDecoder.h"
+#include "support/NameOfBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -63,8 +64,8 @@ TEST(DecoderTable, ADotInTheFolderOfANamelessKindMatchesNothing)
 
 TEST(DecoderTable, ANameThatIsNoTextStillHasItsEnding)
 {
-    EXPECT_TRUE(makes<WavDecoder>("\xE9t\xE9.wav"));
-    EXPECT_EQ(makeDecoder("song.\xE9\xFF"), nullptr);
+    EXPECT_TRUE(makes<WavDecoder>(nameOfBytes("\xE9t\xE9.wav")));
+    EXPECT_EQ(makeDecoder(nameOfBytes("song.\xE9\xFF")), nullptr);
 }
 
 TEST(DecoderTable, AnUnopenedDecoderReportsCompactDisc)

@@ -1,6 +1,7 @@
 #include "codecs/EncoderRun.h"
 #include "support/AudioMaker.h"
 #include "support/FileSizeLimit.h"
+#include "support/NameOfBytes.h"
 #include "support/OpenFiles.h"
 
 #include <QFile>
@@ -137,7 +138,7 @@ TEST_P(EncoderConformanceTest, AnEarlierFileIsReplacedAsAWhole)
 
 TEST_P(EncoderConformanceTest, FileNamesAreTakenAsTheyAre)
 {
-    const std::filesystem::path name = toPath(folder.path()) / "\xE6\x9B\xB2 \xFF\xFE ' 1";
+    const std::filesystem::path name = toPath(folder.path()) / nameOfBytes("\xE6\x9B\xB2 \xFF\xFE ' 1");
     ASSERT_TRUE(encoder->open(name, stereo));
     ASSERT_TRUE(encoder->close());
     // Not a name that Qt could clear away.

@@ -1,5 +1,6 @@
 #include "convert/FolderOfAudio.h"
 
+#include "base/FilePath.h"
 #include "support/DiscMaker.h"
 #include "support/Tool.h"
 
@@ -18,7 +19,7 @@ FolderOfAudio::~FolderOfAudio()
 {
     // QTemporaryDir leaves names behind that are no text.
     std::error_code ignored;
-    std::filesystem::remove_all(place.path().toStdString(), ignored);
+    std::filesystem::remove_all(toPath(place.path()), ignored);
 }
 
 QString FolderOfAudio::add(const QString& name, const QByteArray& bytes) const
