@@ -2,6 +2,7 @@
 
 #include "support/LoopbackConnection.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -42,6 +43,7 @@ int LoopbackServer::openConnections() const
 void LoopbackServer::acceptAll()
 {
     while (!stopping) {
+        joinEnded();
         const auto socket = loopbacksocket::acceptWithin(listener, stepMilliseconds);
         if (!socket)
             continue;
@@ -49,6 +51,22 @@ void LoopbackServer::acceptAll()
         const std::lock_guard lock(guard);
         sockets.insert(*socket);
         connectionThreads.emplace_back(&LoopbackServer::serve, this, *socket);
+    }
+}
+
+// An ended thread keeps its stack until then: those of a long run would not fit.
+void LoopbackServer::joinEnded()
+{
+    std::vector<std::thread::id> leaving;
+    {
+        const std::lock_guard lock(guard);
+        leaving.swap(ended);
+    }
+    for (const std::thread::id id : leaving) {
+        const auto thread = std::find_if(connectionThreads.begin(), connectionThreads.end(),
+                                         [id](const std::thread& one) { return one.get_id() == id; });
+        thread->join();
+        connectionThreads.erase(thread);
     }
 }
 
@@ -63,6 +81,7 @@ void LoopbackServer::serve(Socket socket)
     }
     const std::lock_guard lock(guard);
     sockets.erase(socket);
+    ended.push_back(std::this_thread::get_id());
     loopbacksocket::shutDown(socket);
     loopbacksocket::close(socket);
 }

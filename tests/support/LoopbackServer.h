@@ -38,6 +38,7 @@ private:
 
     void acceptAll();
     void serve(Socket socket);
+    void joinEnded();
 
     Handler handler;
     std::shared_ptr<ssl_ctx_st> context;
@@ -48,6 +49,7 @@ private:
     std::atomic<int> accepted = 0;
     mutable std::mutex guard;
     std::set<Socket> sockets;                   ///< guarded
+    std::vector<std::thread::id> ended;         ///< guarded; threads that have closed their connection
     std::vector<std::thread> connectionThreads; ///< of the accepting thread alone
     std::thread acceptor;
 };

@@ -71,6 +71,12 @@ QList<ServedRequest> LoopbackServices::requests() const
     return ownCopy(arrived);
 }
 
+void LoopbackServices::forgetRequests()
+{
+    const std::lock_guard lock(guard);
+    arrived = {};
+}
+
 QList<QByteArray> LoopbackServices::targets(const QByteArray& host) const
 {
     QList<QByteArray> found;

@@ -33,6 +33,7 @@ public:
 
     /// All requests so far, in the order of their arrival.
     QList<ServedRequest> requests() const;
+    void forgetRequests();
     /// The targets of the requests to one host.
     QList<QByteArray> targets(const QByteArray& host) const;
     int connections() const { return plain->connections() + secure->connections(); }
