@@ -33,7 +33,7 @@ protected:
         app.advanceTo(3);
     }
 
-    static DiscToc discOfTracks(const QList<SimulatedTrack>& tracks)
+    static DiscToc discOfTracks(const QList<SimulatedTrack>& tracks, quint32 totalSectors = 600)
     {
         DiscToc disc;
         for (const SimulatedTrack& track : tracks) {
@@ -42,7 +42,7 @@ protected:
             info.isData = track.isData;
             disc.tracks.append(info);
         }
-        disc.totalSectors = 600;
+        disc.totalSectors = totalSectors;
         return disc;
     }
 

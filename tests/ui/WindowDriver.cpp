@@ -19,7 +19,6 @@
 namespace {
 
 constexpr int metadataStep = 2;
-constexpr int ripPatienceMilliseconds = 60000;
 
 } // namespace
 
@@ -84,7 +83,7 @@ void WindowDriver::pickFile(QPushButton* opener, const QString& path)
     pickPath(opener, path);
 }
 
-QStringList WindowDriver::runRip()
+QStringList WindowDriver::runRip(int patienceMilliseconds)
 {
     QStringList box;
     const DialogWatcher watcher([&box](QDialog* dialog) {
@@ -93,7 +92,7 @@ QStringList WindowDriver::runRip()
         dialog->accept();
     });
     click(rip());
-    static_cast<void>(QTest::qWaitFor([&box] { return !box.isEmpty(); }, ripPatienceMilliseconds));
+    static_cast<void>(QTest::qWaitFor([&box] { return !box.isEmpty(); }, patienceMilliseconds));
     return box;
 }
 

@@ -81,7 +81,7 @@ public:
 
     /// Clicks RIP START and waits for the result box, which it dismisses.
     /// @return the title and the text of the box, or nothing when none came
-    QStringList runRip();
+    QStringList runRip(int patienceMilliseconds = 60'000);
 
     QStringList logLines();
     /// The value label of a card: 0 quality, 1 suspects, 2 errors, 3 speed.
