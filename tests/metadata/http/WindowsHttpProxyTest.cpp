@@ -42,9 +42,17 @@ QStringList expectNoAnswer(quint16 proxyPort, const QString& url)
 
 } // namespace
 
-// In the place of the system's, which is called for all who refuse nothing.
-extern "C" HINTERNET WINAPI WinHttpOpen(LPCWSTR agent, DWORD access, LPCWSTR proxy, LPCWSTR bypass,
-                                        DWORD flags)
+// In the place of the system's, under both names: whether a header asks for the import
+// pointer or for the function behind it depends on MinGW's version.
+extern "C" {
+
+HINTERNET WINAPI openSession(LPCWSTR agent, DWORD access, LPCWSTR proxy, LPCWSTR bypass,
+                             DWORD flags) asm("WinHttpOpen");
+decltype(&WinHttpOpen) __imp_WinHttpOpen = openSession;
+
+} // extern "C"
+
+HINTERNET WINAPI openSession(LPCWSTR agent, DWORD access, LPCWSTR proxy, LPCWSTR bypass, DWORD flags)
 {
     if (RefusedSession* const refused = RefusedSession::active) {
         refused->access = access;
