@@ -36,14 +36,13 @@ DriveReply ColdReads::readRaw(quint32 lba, quint32 count, std::span<quint8> data
 
 DriveReply ColdReads::passThrough(std::span<const quint8> command, std::span<quint8> data)
 {
-    if (command.size() < 12 || command[0] != readCdCode)
+    if (!isReadCd(command))
         return device->passThrough(command, data);
-    const auto lba = byteorder::readBig<quint32>(command.data() + 2);
-    const auto count = static_cast<quint32>(command[6] << 16 | command[7] << 8 | command[8]);
-    if (knownHoles.anyHole(lba, count))
+    const SectorRange sectors = sectorsOf(command);
+    if (knownHoles.anyHole(sectors.first, sectors.count()))
         return lastWord;
     const DriveReply reply = device->passThrough(command, data);
-    learn(lba, count, reply, data.size());
+    learn(sectors.first, sectors.count(), reply, data.size());
     return reply;
 }
 

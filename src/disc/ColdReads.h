@@ -3,6 +3,7 @@
 #include "disc/DriveDevice.h"
 #include "disc/FarPlace.h"
 #include "disc/KnownHoles.h"
+#include "disc/SectorRange.h"
 
 #include <QList>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "disc/DiscModel.h"
-#include "disc/FarPlace.h"
+#include "disc/SectorRange.h"
 
 /// Where a disc may be read, as its table of contents tells; without one there is no
 /// bound.

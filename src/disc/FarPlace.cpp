@@ -7,7 +7,7 @@
 
 quint32 farPlace(const SectorRange& area, const QList<quint32>& from, quint32 enough)
 {
-    const quint32 sectors = area.end - area.first;
+    const quint32 sectors = area.count();
     const quint64 span = sectors - std::min<quint32>(sectors, READ_BATCH_SECTORS);
     quint32 chosen = area.first;
     quint32 chosenDistance = 0;

@@ -1,15 +1,9 @@
 #pragma once
 
+#include "disc/SectorRange.h"
+
 #include <QList>
 #include <QtGlobal>
-
-/// Sectors of a disc, the end not included.
-struct SectorRange {
-    quint32 first = 0;
-    quint32 end = 0;
-
-    bool isEmpty() const { return end <= first; }
-};
 
 /// Buffers of CD drives do not reach this far: 8 MiB are 3567 sectors.
 inline constexpr quint32 FAR_DISTANCE = 4000;

@@ -4,21 +4,6 @@
 
 #include <algorithm>
 
-namespace {
-
-struct SectorRange {
-    quint32 lba = 0;
-    quint32 count = 0;
-};
-
-SectorRange rangeOf(const ReadCdBlock& command)
-{
-    return {byteorder::readBig<quint32>(command.data() + 2),
-            static_cast<quint32>(command[6] << 16 | command[7] << 8 | command[8])};
-}
-
-} // namespace
-
 void setSectors(ReadCdBlock& command, quint32 lba, quint32 count)
 {
     byteorder::writeBig(command.data() + 2, lba);
@@ -32,17 +17,23 @@ bool isReadCd(std::span<const quint8> command)
     return command.size() == std::tuple_size_v<ReadCdBlock> && command[0] == readCdCode;
 }
 
+SectorRange sectorsOf(std::span<const quint8> command)
+{
+    const auto first = byteorder::readBig<quint32>(command.data() + 2);
+    return {first, first + static_cast<quint32>(command[6] << 16 | command[7] << 8 | command[8])};
+}
+
 DriveReply sendInPieces(ReadCdBlock command, std::span<quint8> data, size_t largestTransfer,
                         const SendCommand& send)
 {
-    const SectorRange all = rangeOf(command);
-    if (largestTransfer == 0 || all.count == 0 || data.size() % all.count != 0)
+    const SectorRange all = sectorsOf(command);
+    if (largestTransfer == 0 || all.count() == 0 || data.size() % all.count() != 0)
         return send(command, data);
-    const size_t sectorBytes = data.size() / all.count;
+    const size_t sectorBytes = data.size() / all.count();
     const auto sectorsAtOnce = static_cast<quint32>(std::max<size_t>(1, largestTransfer / sectorBytes));
-    for (quint32 done = 0; done < all.count; done += sectorsAtOnce) {
-        const quint32 count = std::min(sectorsAtOnce, all.count - done);
-        setSectors(command, all.lba + done, count);
+    for (quint32 done = 0; done < all.count(); done += sectorsAtOnce) {
+        const quint32 count = std::min(sectorsAtOnce, all.count() - done);
+        setSectors(command, all.first + done, count);
         const auto room = data.subspan(done * sectorBytes, count * sectorBytes);
         DriveReply reply = send(command, room);
         if (!reply.delivered(room.size())) {

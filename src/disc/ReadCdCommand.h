@@ -1,6 +1,7 @@
 #pragma once
 
 #include "disc/DriveDevice.h"
+#include "disc/SectorRange.h"
 
 #include <array>
 #include <functional>
@@ -15,6 +16,9 @@ inline constexpr quint8 readCdCode = 0xBE;
 void setSectors(ReadCdBlock& command, quint32 lba, quint32 count);
 
 bool isReadCd(std::span<const quint8> command);
+
+/// What a READ CD command asks for.
+SectorRange sectorsOf(std::span<const quint8> command);
 
 using SendCommand = std::function<DriveReply(std::span<const quint8> command, std::span<quint8> data)>;
 
