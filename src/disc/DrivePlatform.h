@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ServiceOverride.h"
 #include "disc/DriveDevice.h"
 
 #include <QString>
@@ -23,16 +24,7 @@ public:
 DrivePlatform& drivePlatform();
 
 /// Puts another platform in place for its lifetime; before any drive is opened.
-class DrivePlatformOverride {
-public:
-    explicit DrivePlatformOverride(DrivePlatform& replacement);
-    ~DrivePlatformOverride();
-    DrivePlatformOverride(const DrivePlatformOverride&) = delete;
-    DrivePlatformOverride& operator=(const DrivePlatformOverride&) = delete;
-
-private:
-    DrivePlatform* previous;
-};
+using DrivePlatformOverride = ServiceOverride<DrivePlatform>;
 
 /// The platform of the machine this was built for.
 std::unique_ptr<DrivePlatform> makeDrivePlatform();
