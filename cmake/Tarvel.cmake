@@ -60,9 +60,10 @@ set(TARVEL_SIMULATED_DRIVE
     ${PROJECT_SOURCE_DIR}/tests/support/SimulatedDrive.cpp
     ${PROJECT_SOURCE_DIR}/tests/support/SimulatedMechanism.cpp)
 
-# tarvel_test(name SOURCES ... LINK ... LABELS ...)
+# tarvel_test(name [WIDGETS] [OFFLINE] SOURCES ... LINK ... LABELS ... [TIMEOUT seconds])
 #
-# One test executable for one folder of tests/; its cases are single CTest tests.
+# One test executable for one folder of tests/; its cases are single CTest tests. With
+# WIDGETS for one that shows windows.
 function(tarvel_test name)
     cmake_parse_arguments(ARG "WIDGETS;OFFLINE" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
     set(target tarvel_test_${name})

@@ -21,11 +21,11 @@ struct CueSheet {
     QList<CueEntry> entries;
 };
 
-/// Text of a sheet: UTF-8 or UTF-16 by its mark, else UTF-8, else the system's
-/// local code page.
+/// Text of a sheet: UTF-8 or little-endian UTF-16 by its mark, else UTF-8, else the
+/// system's local code page. UTF-16 ends at a NUL.
 QString decodeCueText(const QByteArray& bytes);
 
-/// Scans a sheet line by line for seven keywords and skips whatever else it holds.
+/// Scans a sheet line by line for six keywords and skips whatever else it holds.
 ///
 /// @param directory  of the sheet; FILE names are joined to it
 CueSheet scanCueSheet(const QString& text, const QString& directory);

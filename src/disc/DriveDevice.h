@@ -35,8 +35,8 @@ struct DriveDescriptor {
     bool usb = false;
 };
 
-/// An open optical drive. Implementations carry commands and nothing else:
-/// retries, limits and judgement stand in PhysicalDrive. One thread at a time.
+/// An open optical drive. A platform's implementation carries commands and nothing
+/// else: retries, limits and judgement stand above it. One thread at a time.
 class DriveDevice {
 public:
     virtual ~DriveDevice() = default;
@@ -44,9 +44,9 @@ public:
     /// Asks whether a medium is there; the answer is not needed for a read.
     virtual DriveReply checkVerify() = 0;
 
-    /// Fills the table of contents, the unused rest with zeros: 804 bytes, length, first and last track,
-    /// then 100 entries of 8 bytes with control in byte 1 and the address as
-    /// minute, second, frame in bytes 5 to 7.
+    /// Fills the table of contents, the unused rest with zeros: length, first and
+    /// last track, then 100 entries of 8 bytes with control in byte 1 and the
+    /// address as minute, second, frame in bytes 5 to 7.
     virtual DriveReply readToc(std::span<quint8, 804> table) = 0;
 
     /// Reads whole audio sectors. A read that hangs is cancelled after 3 s when

@@ -11,7 +11,7 @@ class RunGuard {
 public:
     virtual ~RunGuard() = default;
     virtual void begin() = 0;
-    virtual void end() = 0; ///< puts everything back as it was
+    virtual void end() = 0; ///< takes all of it back
 };
 
 /// The guard in use; the machine's own unless a test has put another there.

@@ -53,7 +53,7 @@ QByteArray littleChunk(const char* id, const QByteArray& body);
 QByteArray bigChunk(const char* id, const QByteArray& body);
 
 /// An extensible RIFF WAVE file of left-justified samples, of which the top
-/// `validBits` are kept in as many whole bytes as they need. 8-bit samples are
+/// `bitsPerSample` are kept in as many whole bytes as they need. 8-bit samples are
 /// stored unsigned, as the format asks for.
 QByteArray waveFile(const AudioFormat& format, const QList<qint32>& samples);
 

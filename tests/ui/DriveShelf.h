@@ -6,7 +6,7 @@
 
 #include <functional>
 
-/// A simulated drive that can be unplugged.
+/// A simulated drive under the letters that a test lists.
 class DriveShelf : public SimulatedDrive {
 public:
     QStringList enumerateDrives() override { return letters; }

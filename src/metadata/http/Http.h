@@ -5,8 +5,7 @@
 
 /// Blocking GET requests for small bodies: one ends at 64 MiB, as one that breaks
 /// off (HttpLimits::bodyBytes). An empty body is the one sign of a failure. A
-/// port in the address is ignored: https means 443, all else 80. The third
-/// routine, which reads the body of any status, is CoverArt::get.
+/// port in the address is ignored: https means 443, all else 80.
 
 /// Follows every redirect, and logs.
 /// @param status  if not null, set to the server's status; 0 without an answer

@@ -3,7 +3,6 @@
 #include "base/ServiceOverride.h"
 
 #include <QByteArray>
-#include <QList>
 #include <QString>
 
 #include <memory>
@@ -37,7 +36,7 @@ struct HttpAnswer {
     QByteArray body;
 };
 
-/// The bounds of a request. The platform's own by default; tests shorten them.
+/// The bounds of a request. The program's own by default; tests shorten them.
 struct HttpLimits {
     int connectMilliseconds = 20'000; ///< name, connection and TLS together
     int silenceMilliseconds = 30'000; ///< without a byte, before or within the answer
@@ -47,7 +46,8 @@ struct HttpLimits {
 };
 
 /// Leads every connection of a transport to this machine: a test's seam. The
-/// addresses, the TLS checks and all else stay as they are.
+/// addresses, the TLS checks and all else stay as they are. On Windows all of it goes
+/// to the plain port as to a proxy, and the system's authorities stay in force.
 struct HttpDetour {
     quint16 plainPort = 0;        ///< on 127.0.0.1, for what would go to port 80
     quint16 securePort = 0;       ///< on 127.0.0.1, for what would go to port 443

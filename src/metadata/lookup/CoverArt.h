@@ -30,6 +30,6 @@ public:
     /// Asks the Japanese store for the album and for its songs.
     static ITunesResult lookupITunes(const QString& artist, const QString& album);
 
-    /// A GET request that returns the body of any status; see metadata/Http.h.
+    /// A GET request that returns the body of any status: verbatimGet.
     static QByteArray get(const QString& url);
 };
