@@ -1,5 +1,7 @@
 #include "base/FittingName.h"
 
+#include "base/FileNames.h"
+
 #include <QTextBoundaryFinder>
 
 namespace {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "base/FileNames.h"
-
 #include <QString>
 
 /// As much of a name, in whole characters, as the file system takes, and nothing

@@ -10,12 +10,12 @@
 
 namespace {
 
-constexpr std::size_t tapCount = 384;
 // A block beyond two gigabytes is refused rather than asked of the system.
 constexpr std::size_t mostSamples = std::size_t{1} << 29;
 // Values whose sums run side by side.
 constexpr std::size_t lanes = 16;
 
+template<std::size_t tapCount>
 std::array<double, tapCount> designFilter(quint32 factor)
 {
     constexpr double twoPi = 2 * std::numbers::pi;
@@ -92,7 +92,7 @@ private:
 };
 
 Oversampler::Oversampler(int channelCount, quint32 raise)
-    : channels(std::max(channelCount, 1)), factor(std::max(raise, 1u)), taps(designFilter(factor))
+    : channels(std::max(channelCount, 1)), factor(std::max(raise, 1u)), taps(designFilter<tapCount>(factor))
 {
     for (int channel = 0; channel < channels; ++channel)
         filters.push_back(std::make_unique<OversamplerChannel>(factor, taps));

@@ -56,7 +56,6 @@ bool convertOpened(IAudioDecoder& decoder, IAudioEncoder& encoder, const std::fi
         return passAllOn(decoder, stages, encoder);
     });
     const bool completed = encoder.close();
-    decoder.close();
     if (stages.meter)
         takeResults(*stages.meter, *gain);
     return written && completed;

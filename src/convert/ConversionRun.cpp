@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <string>
 #include <system_error>
 
 namespace {

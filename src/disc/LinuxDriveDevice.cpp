@@ -4,7 +4,6 @@
 #include "disc/DriveWatchdog.h"
 #include "disc/LinuxCommandAnswer.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 

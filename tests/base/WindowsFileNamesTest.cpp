@@ -2,6 +2,7 @@
 
 #include "base/FittingName.h"
 
+#include "base/FileNames.h"
 #include "base/FilePath.h"
 
 #include <QDir>

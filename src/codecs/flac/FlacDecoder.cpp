@@ -9,7 +9,6 @@
 #include <FLAC/stream_decoder.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <vector>
 
 namespace {

@@ -14,7 +14,7 @@ constexpr char agentName[] = "TarvelCDRipper/1.0";
 
 QByteArray contactHeader(const char* contact)
 {
-    return QByteArrayLiteral("User-Agent: TarvelCDRipper/1.0 ( ") + contact + " )";
+    return QByteArrayLiteral("User-Agent: ") + agentName + " ( " + contact + " )";
 }
 
 bool mayStandInTarget(char byte)

@@ -9,7 +9,6 @@
 #include <new>
 #include <optional>
 #include <type_traits>
-#include <utility>
 
 namespace {
 

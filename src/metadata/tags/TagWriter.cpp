@@ -7,7 +7,6 @@
 #include "metadata/tags/TagValues.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QFileInfo>
 
 #include <taglib/flacfile.h>
