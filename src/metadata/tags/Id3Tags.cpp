@@ -11,6 +11,17 @@
 
 namespace {
 
+/// Replaces all text frames of one id by a single one; an empty text only removes them.
+void setTextFrame(TagLib::ID3v2::Tag* tag, const char* frameId, const QString& text)
+{
+    tag->removeFrames(frameId);
+    if (text.isEmpty())
+        return;
+    auto frame = std::make_unique<TagLib::ID3v2::TextIdentificationFrame>(frameId, TagLib::String::UTF8);
+    frame->setText(tagText(text));
+    tag->addFrame(frame.release());
+}
+
 void setCountedFrame(TagLib::ID3v2::Tag* tag, const char* frameId, int number, int total)
 {
     if (number <= 0)
@@ -18,7 +29,7 @@ void setCountedFrame(TagLib::ID3v2::Tag* tag, const char* frameId, int number, i
     QString text = QString::number(number);
     if (total > 0)
         text += QLatin1Char('/') + QString::number(total);
-    setId3TextFrame(tag, frameId, text);
+    setTextFrame(tag, frameId, text);
 }
 
 bool setCoverFrame(TagLib::ID3v2::Tag* tag, const QPixmap& cover)
@@ -39,23 +50,13 @@ bool setCoverFrame(TagLib::ID3v2::Tag* tag, const QPixmap& cover)
 
 } // namespace
 
-void setId3TextFrame(TagLib::ID3v2::Tag* tag, const char* frameId, const QString& text)
-{
-    tag->removeFrames(frameId);
-    if (text.isEmpty())
-        return;
-    auto frame = std::make_unique<TagLib::ID3v2::TextIdentificationFrame>(frameId, TagLib::String::UTF8);
-    frame->setText(tagText(text));
-    tag->addFrame(frame.release());
-}
-
 bool fillId3v2Tag(TagLib::ID3v2::Tag* tag, const TagData& tags)
 {
-    setId3TextFrame(tag, "TIT2", tags.title);
-    setId3TextFrame(tag, "TPE1", tags.artist);
-    setId3TextFrame(tag, "TALB", tags.album);
-    setId3TextFrame(tag, "TDRC", yearText(tags));
-    setId3TextFrame(tag, "TPUB", tags.label);
+    setTextFrame(tag, "TIT2", tags.title);
+    setTextFrame(tag, "TPE1", tags.artist);
+    setTextFrame(tag, "TALB", tags.album);
+    setTextFrame(tag, "TDRC", yearText(tags));
+    setTextFrame(tag, "TPUB", tags.label);
     setCountedFrame(tag, "TRCK", tags.trackNumber, tags.trackTotal);
     setCountedFrame(tag, "TPOS", tags.discNumber, tags.discTotal);
     return tags.cover.isNull() || setCoverFrame(tag, tags.cover);

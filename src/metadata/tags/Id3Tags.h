@@ -1,16 +1,10 @@
 #pragma once
 
-#include <QString>
-
 namespace TagLib::ID3v2 {
 class Tag;
 }
 
 struct TagData;
-
-/// Replaces all text frames of one id by a single one; an empty text only
-/// removes them.
-void setId3TextFrame(TagLib::ID3v2::Tag* tag, const char* frameId, const QString& text);
 
 /// Writes all values into an ID3v2 tag, for MP3 and WAV. Numbers that aren't
 /// above 0 and a null cover leave earlier frames in place. False when there is a

@@ -3,8 +3,7 @@
 #include "base/FilePath.h"
 #include "metadata/LoudnessMeter.h"
 #include "metadata/tags/TagStream.h"
-
-#include <QFile>
+#include "metadata/tags/TagValues.h"
 
 #include <taglib/fileref.h>
 #include <taglib/id3v2tag.h>
@@ -14,18 +13,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace {
 
 void setGainAndPeak(TagLib::PropertyMap& properties, const char* gainKey, double gain, const char* peakKey,
                     double peak)
 {
-    const auto value = [](const QString& text) {
-        return TagLib::StringList(TagLib::String(text.toStdString(), TagLib::String::UTF8));
-    };
-    properties.replace(gainKey, value(QString::asprintf("%+.2f dB", gain)));
-    properties.replace(peakKey, value(QString::asprintf("%.6f", peak)));
+    properties.replace(gainKey, tagText(QString::asprintf("%+.2f dB", gain)));
+    properties.replace(peakKey, tagText(QString::asprintf("%.6f", peak)));
 }
 
 // Two kinds of file hold a short old tag beside the ID3v2 tag. TagLib gives it

@@ -27,17 +27,12 @@ QString yearText(const TagData& tags)
     return yearOfDate(tags.year);
 }
 
-unsigned int yearNumber(const TagData& tags)
-{
-    return yearText(tags).toUInt();
-}
-
 void setCommonValues(TagLib::Tag& target, const TagData& tags)
 {
     target.setTitle(tagText(tags.title));
     target.setArtist(tagText(tags.artist));
     target.setAlbum(tagText(tags.album));
-    target.setYear(yearNumber(tags));
+    target.setYear(yearText(tags).toUInt());
 }
 
 TagLib::ByteVector coverToJpeg(const QPixmap& cover)

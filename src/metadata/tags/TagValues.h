@@ -19,10 +19,8 @@ TagLib::String tagText(const QString& text);
 /// The first four characters of the release date.
 QString yearText(const TagData& tags);
 
-/// The same as a number; 0 when it is none.
-unsigned int yearNumber(const TagData& tags);
-
-/// Title, artist, album and year: what every kind of tag has a setter for.
+/// Title, artist, album and year: what every kind of tag has a setter for. The year
+/// as a number, 0 where it is none.
 void setCommonValues(TagLib::Tag& target, const TagData& tags);
 
 /// The cover as a JPEG of quality 90, in its own size. Empty when it has more
