@@ -72,8 +72,8 @@ void DiscRun::run()
     for (qsizetype place = 0; place < tracks.size() && !report.stopRequested(); ++place) {
         const TrackInfo& track = tracks[place];
         if (track.isData) {
-            report.log(QStringLiteral("  Track %1: data track (not audio) - skipped")
-                           .arg(track.number, 2, 10, QLatin1Char('0')));
+            report.log(
+                QStringLiteral("  Track %1: data track (not audio) - skipped").arg(twoDigits(track.number)));
         } else if (!writer.withinMemory([&] { ripTrack(place); })) {
             report.trackEnds(failedTrack(track.number, trackName(track)));
         }

@@ -6,12 +6,21 @@
 
 namespace {
 
+/// The text without forbidden characters, and without blanks and full stops at its end.
+QString cleanNamePart(const QString& text)
+{
+    QString name = withoutForbiddenCharacters(text);
+    while (name.endsWith(u' ') || name.endsWith(u'.'))
+        name.chop(1);
+    return name.trimmed();
+}
+
+} // namespace
+
 QString twoDigits(int number)
 {
     return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
 }
-
-} // namespace
 
 QString trackName(const TrackInfo& track)
 {
@@ -22,14 +31,6 @@ QString withoutForbiddenCharacters(QString text)
 {
     static const QRegularExpression forbidden(QStringLiteral(R"([\\/:*?"<>|])"));
     return text.remove(forbidden);
-}
-
-QString cleanNamePart(const QString& text)
-{
-    QString name = withoutForbiddenCharacters(text);
-    while (name.endsWith(u' ') || name.endsWith(u'.'))
-        name.chop(1);
-    return name.trimmed();
 }
 
 QString outputBasePath(const RipOrder& order, int trackNumber, const QString& title)

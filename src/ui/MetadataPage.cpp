@@ -1,6 +1,7 @@
 #include "ui/MetadataPage.h"
 
 #include "base/Language.h"
+#include "rip/OutputNaming.h"
 #include "ui/Background.h"
 #include "ui/DiscInHand.h"
 #include "ui/DriveNotice.h"
@@ -198,8 +199,7 @@ void MetadataPage::enterAudioFile(const QString& path)
 {
     disc.takeAudioFile(path);
     trackTable->setRowCount(0);
-    tracktable::addRow(trackTable, {pageparts::twoDigits(1), disc.toc.tracks.first().title},
-                       QStringLiteral("—"));
+    tracktable::addRow(trackTable, {twoDigits(1), disc.toc.tracks.first().title}, QStringLiteral("—"));
     albumEdit->setPlaceholderText(pickLang("アルバム名を入力", "Enter album name"));
     artistEdit->setPlaceholderText(enterArtist());
 }

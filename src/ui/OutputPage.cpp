@@ -1,6 +1,7 @@
 #include "ui/OutputPage.h"
 
 #include "base/Language.h"
+#include "rip/OutputNaming.h"
 #include "ui/ElidedLabel.h"
 #include "ui/PageParts.h"
 #include "ui/RipSettings.h"
@@ -37,7 +38,7 @@ constexpr std::array<FormatChoice, 3> formatChoices{{
 QString sampleFileName(QString rule, int number, const QString& artist, const QString& album,
                        const QString& extension)
 {
-    rule.replace(QStringLiteral("{track}"), pageparts::twoDigits(number));
+    rule.replace(QStringLiteral("{track}"), twoDigits(number));
     rule.replace(QStringLiteral("{title}"), pickLang("曲名", "Title"));
     rule.replace(QStringLiteral("{artist}"), artist);
     rule.replace(QStringLiteral("{album}"), album);

@@ -71,11 +71,6 @@ QVBoxLayout* pageLayout(QWidget* page, int spacing)
     return layout;
 }
 
-QString twoDigits(int number)
-{
-    return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
-}
-
 void showCover(QLabel* box, const QPixmap& cover)
 {
     const qreal ratio = box->devicePixelRatioF();

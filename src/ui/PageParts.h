@@ -33,7 +33,6 @@ QGroupBox* group(const QString& title, QBoxLayout* content);
 /// The common frame of a text page: its margins, and the spacing given.
 QVBoxLayout* pageLayout(QWidget* page, int spacing);
 
-QString twoDigits(int number);
 /// Puts the cover into its box, scaled to the box.
 void showCover(QLabel* box, const QPixmap& cover);
 

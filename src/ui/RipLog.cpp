@@ -2,8 +2,8 @@
 
 #include "base/Language.h"
 #include "disc/DiscModel.h"
+#include "rip/OutputNaming.h"
 #include "rip/RipTypes.h"
-#include "ui/PageParts.h"
 #include "ui/ProgramInfo.h"
 
 namespace riplog {
@@ -55,12 +55,12 @@ QString cover(bool found)
 
 QString trackStarted(int number, const QString& title)
 {
-    return QStringLiteral("  Track %1: %2").arg(pageparts::twoDigits(number), title);
+    return QStringLiteral("  Track %1: %2").arg(twoDigits(number), title);
 }
 
 QString trackDone(const RipResult& result)
 {
-    const QString number = pageparts::twoDigits(result.trackNumber);
+    const QString number = twoDigits(result.trackNumber);
     return result.ok ? QStringLiteral("  Track %1: ✦ saved  (errors:%2)")
                            .arg(number, QString::number(result.errorSectors))
                      : QStringLiteral("  Track %1: ◈ FAILED").arg(number);

@@ -3,8 +3,8 @@
 #include "base/Language.h"
 #include "disc/DiscModel.h"
 #include "metadata/lookup/AnswerText.h"
+#include "rip/OutputNaming.h"
 #include "ui/AlbumFolder.h"
-#include "ui/PageParts.h"
 
 #include <QHeaderView>
 #include <QTableWidget>
@@ -16,12 +16,7 @@ namespace {
 /// Minutes and two digits of seconds.
 QString playingTime(int seconds)
 {
-    return QStringLiteral("%1:%2").arg(QString::number(seconds / 60), pageparts::twoDigits(seconds % 60));
-}
-
-QString titleOrNumber(const TrackInfo& track)
-{
-    return track.title.isEmpty() ? QStringLiteral("Track %1").arg(track.number) : track.title;
+    return QStringLiteral("%1:%2").arg(QString::number(seconds / 60), twoDigits(seconds % 60));
 }
 
 QString cellText(const QTableWidget* table, int row, int column)
@@ -70,7 +65,7 @@ QList<TrackRow> rowsOf(const DiscToc& disc)
 {
     QList<TrackRow> made;
     for (const TrackInfo& track : disc.tracks)
-        made.append({pageparts::twoDigits(track.number), titleOrNumber(track)});
+        made.append({twoDigits(track.number), trackName(track)});
     return made;
 }
 
@@ -80,8 +75,8 @@ void showDisc(QTableWidget* table, const DiscToc& disc)
     for (const TrackInfo& track : disc.tracks) {
         const QString title = track.isData ? pickLang("（データトラック・音声ではないため取り込みません）",
                                                       "(data track - not audio, will not be ripped)")
-                                           : titleOrNumber(track);
-        addRow(table, {pageparts::twoDigits(track.number), title}, playingTime(track.seconds));
+                                           : trackName(track);
+        addRow(table, {twoDigits(track.number), title}, playingTime(track.seconds));
     }
 }
 
@@ -89,7 +84,7 @@ void showSheet(QTableWidget* table, const DiscToc& sheet)
 {
     table->setRowCount(0);
     for (const TrackInfo& track : sheet.tracks)
-        addRow(table, {pageparts::twoDigits(track.number), track.title}, playingTime(track.seconds));
+        addRow(table, {twoDigits(track.number), track.title}, playingTime(track.seconds));
 }
 
 void fillTitles(QTableWidget* table, const QStringList& titles, bool emptyToo)

@@ -2,6 +2,7 @@
 
 #include "base/Language.h"
 #include "disc/DiscModel.h"
+#include "rip/OutputNaming.h"
 #include "ui/Background.h"
 #include "ui/ColouredCells.h"
 #include "ui/PageParts.h"
@@ -190,7 +191,7 @@ void VerifyPage::showVerdict(const Verification& started, const VerifyResult& re
         cell->setText(text.column);
         cell->setForeground(QColor(text.colour));
         lines << QStringLiteral("  Track %1  [%2]  %3")
-                     .arg(pageparts::twoDigits(tracks[row].number),
+                     .arg(twoDigits(tracks[row].number),
                           QStringLiteral("%1").arg(crcV2, 8, 16, QChar(u'0')).toUpper(), text.log);
         if (verdict.inDatabase && verdict.matched) {
             ++matched;
