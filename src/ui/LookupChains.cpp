@@ -1,7 +1,6 @@
 #include "ui/LookupChains.h"
 
 #include "metadata/http/HttpTransport.h"
-#include "ui/Background.h"
 
 #include <QDebug>
 
@@ -114,10 +113,4 @@ QPixmap coverOfSheet(const DiscToc& sheet)
 void stopLookups()
 {
     httpTransport().stop();
-}
-
-void endLookups()
-{
-    stopLookups();
-    waitForBackground();
 }

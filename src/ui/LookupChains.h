@@ -29,8 +29,7 @@ MetaResult lookUpSheet(const DiscToc& disc);
 QPixmap coverOfSheet(const DiscToc& sheet);
 
 /// Ends every lookup and verification under way, and all later ones at once, and
-/// waits for their threads. For the end of the program, while the application
-/// still stands: a thread that makes a picture without it ends the process.
-void endLookups();
-/// The first half of it, which waits for nothing.
+/// waits for nothing. For the end of the program, which then waits for their threads
+/// while the application still stands (waitForBackground): a thread that makes a
+/// picture without it ends the process.
 void stopLookups();

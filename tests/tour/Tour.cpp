@@ -7,6 +7,7 @@
 #include "tour/DialogWalk.h"
 #include "tour/TourGuide.h"
 #include "tour/WizardWalk.h"
+#include "ui/Background.h"
 #include "ui/Fonts.h"
 #include "ui/LookupChains.h"
 #include "ui/MainWindow.h"
@@ -81,6 +82,7 @@ int main(int argc, char** argv)
     DialogWalk(guide, options.sources, options.output + QStringLiteral("-converted")).walk();
     WizardWalk(guide, {options.format, options.cue, options.cover, options.output}).walk();
     window.close();
-    endLookups();
+    stopLookups();
+    waitForBackground();
     return 0;
 }

@@ -3,6 +3,7 @@
 
 #include "ui/LookupStage.h"
 
+#include "ui/Background.h"
 #include "ui/LookupChains.h"
 
 #include <QElapsedTimer>
@@ -239,7 +240,8 @@ TEST_F(LookupRoad, TheEndOfTheProgramLeavesNoLookupBehind)
     ASSERT_TRUE(QTest::qWaitFor([&] { return !services.targets(hosts::musicBrainz).isEmpty(); }, 60000));
     QElapsedTimer time;
     time.start();
-    endLookups();
+    stopLookups();
+    waitForBackground();
     EXPECT_EQ(QThreadPool::globalInstance()->activeThreadCount(), 0);
     EXPECT_LT(time.elapsed(), 5000);
 }

@@ -2,6 +2,7 @@
 
 #include "ui/LookupStage.h"
 
+#include "ui/Background.h"
 #include "ui/LookupChains.h"
 #include "ui/RunningRips.h"
 
@@ -57,7 +58,8 @@ TEST_F(WindowEnd, NoTimeIsLostOnTheRipsOwnLookup)
     ASSERT_EQ(asked(), 1) << "by the Metadata step";
     WindowDriver::click(app.rip());
     ASSERT_TRUE(QTest::qWaitFor([&] { return asked() == 2; }, 60000));
-    endLookups();
+    stopLookups();
+    waitForBackground();
     EXPECT_LT(app.destroyWindow(), 2000);
 }
 
