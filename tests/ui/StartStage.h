@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/ProcessLocale.h"
+
 #include <QDir>
 #include <QFile>
 #include <QMap>
@@ -16,10 +18,7 @@ protected:
     QMap<QByteArray, QByteArray> start(const char* locale = "de_DE.UTF-8")
     {
         QProcess program;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const char* name : {"LANG", "LANGUAGE", "LC_MESSAGES", "LC_NUMERIC", "LC_CTYPE"})
-            environment.remove(QLatin1String(name));
-        environment.insert(QStringLiteral("LC_ALL"), QLatin1String(locale));
+        QProcessEnvironment environment = environmentOfLocale(locale);
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
         program.setProcessEnvironment(environment);
         program.start(QStringLiteral(TARVEL_START_PROBE), QStringList());
