@@ -31,6 +31,7 @@ public:
     bool openCue(const QString& path);
     /// On a borrowed drive this takes effect when the drive is given back.
     void close();
+    bool isOpen() const { return source && source->isOpen(); }
 
     /// Between these two, open and openCue of any thread fail, and so does a
     /// second borrowing: who gets false has no drive, and has none to give back.

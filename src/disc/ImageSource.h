@@ -10,8 +10,7 @@ public:
     /// Parses the sheet and opens the file; what failed is in the debug log.
     explicit ImageSource(const QString& sheetPath);
 
-    bool isOpen() const { return file.isOpen(); }
-
+    bool isOpen() const override { return file.isOpen(); }
     DiscToc readToc(DriveFailure&) override { return disc; }
     QByteArray readSector(quint32 lba, ReadPurpose purpose) override;
     QByteArray readSectorFresh(quint32 lba) override { return readSector(lba, ReadPurpose::judged); }

@@ -17,6 +17,7 @@ public:
     PhysicalDrive(const PhysicalDrive&) = delete;
     PhysicalDrive& operator=(const PhysicalDrive&) = delete;
 
+    bool isOpen() const override { return true; }
     DiscToc readToc(DriveFailure& failure) override;
     QByteArray readSector(quint32 lba, ReadPurpose purpose) override;
     QByteArray readSectorFresh(quint32 lba) override;

@@ -22,6 +22,8 @@ class SectorSource {
 public:
     virtual ~SectorSource() = default;
 
+    /// False for an image whose sheet or file did not open.
+    virtual bool isOpen() const = 0;
     /// @param failure  why there is none; left alone by a source that cannot say
     virtual DiscToc readToc(DriveFailure& failure) = 0;
     virtual QByteArray readSector(quint32 lba, ReadPurpose purpose) = 0;

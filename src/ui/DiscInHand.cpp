@@ -80,6 +80,16 @@ void DiscInHand::clear()
     drive.close();
 }
 
+bool DiscInHand::claim()
+{
+    if (toc.tracks.isEmpty() || isAudioFile() || !drive.borrow())
+        return false;
+    if (drive.isOpen())
+        return true;
+    drive.giveBack();
+    return false;
+}
+
 bool DiscInHand::isAudioFile() const
 {
     return toc.tracks.size() == 1 && toc.tracks.first().sourceIsAudioFile;

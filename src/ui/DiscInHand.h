@@ -14,16 +14,21 @@ public:
     /// @param inForce  the offset there gives way to that of a drive with one of its own
     explicit DiscInHand(RipSettings& inForce) : settings(inForce) {}
 
-    /// Opens a sheet's image and takes its disc. False leaves the disc that was
-    /// there.
+    /// Opens a sheet's image and takes its disc. False leaves the table of the disc
+    /// that was there, whose drive or image is shut by then.
     bool openSheet(const QString& path);
-    /// Opens a drive, and takes over its model and its own read offset.
+    /// Opens a drive, and takes over its model and its own read offset. False as above.
     bool openDrive(const QString& letter);
     /// Takes the disc in the open drive. False leaves the one that was there.
     bool readDisc();
     /// An audio file is a disc of one track, named after the file.
     void takeAudioFile(const QString& path);
     void clear();
+
+    /// Borrows the drive for a rip of the disc. False for no disc, for the track that an
+    /// audio file leaves behind when it is no longer chosen, for a disc whose drive or
+    /// image is shut by now, and while another rip has the drive.
+    [[nodiscard]] bool claim();
 
     bool isAudioFile() const;
     /// Whether a rip is reading this very disc.

@@ -125,10 +125,8 @@ bool RipPage::claimSource(const ChosenSource& source)
 {
     // Borrowed from here on, not from the thread's first turn: what the user
     // clicks in between must not close the source under the rip. An audio file may
-    // be converted while an earlier rip still has the drive; the track that it leaves
-    // behind when it is no longer chosen is no disc.
-    const bool holdsDisc = !disc.toc.tracks.isEmpty() && !disc.isAudioFile();
-    if (source.isAudioFile() || (holdsDisc && disc.drive.borrow()))
+    // be converted while an earlier rip still has the drive.
+    if (source.isAudioFile() || disc.claim())
         return true;
     logViewer->clear();
     appendAll(riplog::missingSource());

@@ -89,6 +89,20 @@ TEST_F(DriveState, CloseTurnsC2OffAndForgetsThatItWasSupported)
     EXPECT_FALSE(c2CanBeSwitchedOn());
 }
 
+TEST_F(DriveState, ItIsOpenUntilItIsClosedOrSomethingElseCannotBeOpened)
+{
+    EXPECT_TRUE(drive.isOpen());
+    EXPECT_FALSE(drive.open(QStringLiteral("/dev/sr7")));
+    EXPECT_FALSE(drive.isOpen());
+    ASSERT_TRUE(drive.openCue(imageOfTenSectors()));
+    EXPECT_TRUE(drive.isOpen());
+    EXPECT_FALSE(drive.openCue(folder.filePath(QStringLiteral("missing.cue"))));
+    EXPECT_FALSE(drive.isOpen());
+    ASSERT_TRUE(drive.open(simulated.letter));
+    drive.close();
+    EXPECT_FALSE(drive.isOpen());
+}
+
 TEST_F(DriveState, AClosedDriveIsNotProbed)
 {
     drive.close();

@@ -9,6 +9,7 @@
 #include "ui/LogViewer.h"
 #include "ui/PageStage.h"
 #include "ui/PageValues.h"
+#include "ui/RipLog.h"
 #include "ui/RunningRips.h"
 #include "verify/AccurateRipDatabase.h"
 
@@ -159,6 +160,33 @@ TEST_F(RipPageTest, ADiscIsClaimedByBorrowingItsDriveAndAnAudioFileNeedsNone)
     EXPECT_FALSE(stage.page.claimSource(aSheet())) << "a rip has it";
     EXPECT_TRUE(stage.page.claimSource({{}, {}, QStringLiteral("/music/a.wav")}));
     stage.disc.drive.giveBack();
+}
+
+TEST_F(RipPageTest, ADiscInADriveThatIsShutByNowIsNoSource)
+{
+    Stage stage;
+    stage.shelf.audio = makeAudio(60, 1);
+    ASSERT_TRUE(stage.disc.openDrive(stage.shelf.letter));
+    ASSERT_TRUE(stage.disc.readDisc());
+    ASSERT_FALSE(stage.disc.openDrive(QStringLiteral("/dev/sr7")));
+    EXPECT_FALSE(stage.page.claimSource({QStringLiteral("/dev/sr7"), {}, {}})) << "it would be silence";
+    EXPECT_EQ(stage.log(), riplog::missingSource());
+    EXPECT_FALSE(stage.disc.drive.isBorrowed());
+}
+
+TEST_F(RipPageTest, NeitherIsTheSheetBeforeOneThatCouldNotBeOpened)
+{
+    const QString noImage = writeFile(folder.path(), QStringLiteral("lost.cue"),
+                                      "FILE \"lost.bin\" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n");
+    const QString noSheet = writeFile(folder.path(), QStringLiteral("broken.cue"), "nothing here");
+    for (const QString& sheet : {noImage, noSheet}) {
+        Stage stage;
+        ASSERT_TRUE(stage.openSheet(folder.path()));
+        ASSERT_FALSE(stage.disc.openSheet(sheet));
+        EXPECT_FALSE(stage.page.claimSource({{}, sheet, {}}));
+        EXPECT_EQ(stage.log(), riplog::missingSource());
+        EXPECT_FALSE(stage.disc.drive.isBorrowed());
+    }
 }
 
 TEST_F(RipPageTest, ARipOfASheetIsToldAllThatWasChosen)
