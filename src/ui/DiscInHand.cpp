@@ -92,7 +92,9 @@ bool DiscInHand::claim()
 
 bool DiscInHand::isAudioFile() const
 {
-    return toc.tracks.size() == 1 && toc.tracks.first().sourceIsAudioFile;
+    // The track of a sheet names the file that its sheet names.
+    return toc.tracks.size() == 1 && toc.tracks.first().sourceIsAudioFile
+           && toc.tracks.first().sourceFile.isEmpty();
 }
 
 bool DiscInHand::isBeingRipped() const

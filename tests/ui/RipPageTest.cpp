@@ -189,6 +189,21 @@ TEST_F(RipPageTest, NeitherIsTheSheetBeforeOneThatCouldNotBeOpened)
     }
 }
 
+TEST_F(RipPageTest, ASheetOfOneTrackInAWaveFileIsADisc)
+{
+    Stage stage;
+    writeFile(folder.path(), QStringLiteral("whole.wav"), wrapInWave(makeAudio(60, 1)));
+    const QString sheet = writeFile(folder.path(), QStringLiteral("whole.cue"),
+                                    "FILE \"whole.wav\" WAVE\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n");
+    ASSERT_TRUE(stage.disc.openSheet(sheet));
+    ASSERT_EQ(stage.disc.toc.tracks.size(), 1);
+    EXPECT_FALSE(stage.disc.isAudioFile());
+    ASSERT_TRUE(stage.page.claimSource({{}, sheet, {}}));
+    stage.disc.drive.giveBack();
+    stage.disc.takeAudioFile(QStringLiteral("/music/a.wav"));
+    EXPECT_FALSE(stage.page.claimSource({{}, {}, {}})) << "a file's track, and the file no longer chosen";
+}
+
 TEST_F(RipPageTest, ARipOfASheetIsToldAllThatWasChosen)
 {
     Stage stage;
