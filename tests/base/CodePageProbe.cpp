@@ -1,5 +1,5 @@
-// Decodes the byte 0xC4 as a start of the program does in whatever locale the
-// environment names, and says it in UTF-8.
+// Decodes the bytes that its argument writes in hexadecimal, as a start of the program
+// does in whatever locale the environment names, and says it in UTF-8.
 
 #include "base/LocalCodePage.h"
 
@@ -10,6 +10,7 @@
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    std::printf("%s\n", decodeLocal8Bit("\xC4").toUtf8().constData());
+    const QByteArray bytes = QByteArray::fromHex(argc > 1 ? argv[1] : "");
+    std::printf("%s\n", decodeLocal8Bit(bytes).toUtf8().constData());
     return 0;
 }

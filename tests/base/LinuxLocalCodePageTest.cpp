@@ -12,9 +12,11 @@
 
 namespace {
 
-/// The byte 0xC4 as a start of its own decodes it where the environment names a
-/// locale and the installed ones are those of a folder.
-QString decodedWith(const QString& locale, const QTemporaryDir& locales)
+constexpr char oneByte[] = "C4"; ///< a letter of its own in every page of single bytes
+
+/// The bytes, in hexadecimal, as a start of its own decodes them where the environment
+/// names a locale and the installed ones are those of a folder.
+QString decodedWith(const QString& locale, const QTemporaryDir& locales, const char* bytes)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* name : {"LANG", "LANGUAGE", "LC_MESSAGES", "LC_NUMERIC", "LC_CTYPE"})
@@ -23,7 +25,7 @@ QString decodedWith(const QString& locale, const QTemporaryDir& locales)
     environment.insert(QStringLiteral("LC_ALL"), locale);
     QProcess probe;
     probe.setProcessEnvironment(environment);
-    probe.start(QStringLiteral(TARVEL_CODE_PAGE_PROBE), QStringList());
+    probe.start(QStringLiteral(TARVEL_CODE_PAGE_PROBE), {QLatin1String(bytes)});
     if (!probe.waitForFinished(60000) || probe.exitCode() != 0)
         return QStringLiteral("no answer: ") + QString::fromUtf8(probe.readAllStandardError());
     return QString::fromUtf8(probe.readAllStandardOutput()).trimmed();
@@ -31,19 +33,19 @@ QString decodedWith(const QString& locale, const QTemporaryDir& locales)
 
 /// In a locale that is made of the one that every system has: only its name
 /// counts here.
-QString decodedIn(const QString& locale)
+QString decodedIn(const QString& locale, const char* bytes = oneByte)
 {
     const QTemporaryDir locales;
     const QString known = QStringLiteral("/usr/lib/locale/C.utf8");
     EXPECT_TRUE(QDir(known).exists());
     EXPECT_TRUE(QFile::link(known, locales.filePath(locale)));
-    return decodedWith(locale, locales);
+    return decodedWith(locale, locales, bytes);
 }
 
 /// In a locale that is not installed.
 QString decodedWithout(const QString& locale)
 {
-    return decodedWith(locale, QTemporaryDir());
+    return decodedWith(locale, QTemporaryDir(), oneByte);
 }
 
 } // namespace
@@ -79,6 +81,16 @@ TEST(LinuxLocalCodePage, OtherLanguagesHaveThePagesOfTheirOwn)
     EXPECT_EQ(decodedIn(QStringLiteral("de_DE.UTF-8")), QStringLiteral("Ä"));
     EXPECT_EQ(decodedIn(QStringLiteral("el_GR.UTF-8")), QStringLiteral("Ä"));
     EXPECT_EQ(decodedIn(QStringLiteral("ja_JP.UTF-8")), QStringLiteral("ﾄ")); // half-width katakana in CP932
+}
+
+// The first character of "한글" and of "中文", as the pages have them.
+TEST(LinuxLocalCodePage, KoreaAndBothScriptsOfChinaHaveThePagesOfTheirOwn)
+{
+    EXPECT_EQ(decodedIn(QStringLiteral("ko_KR.UTF-8"), "C7D1"), QStringLiteral("한"));
+    for (const char* simplified : {"zh_CN.UTF-8", "zh_SG.UTF-8"})
+        EXPECT_EQ(decodedIn(QLatin1String(simplified), "D6D0"), QStringLiteral("中")) << simplified;
+    for (const char* traditional : {"zh_TW.UTF-8", "zh_HK.UTF-8", "zh_MO.UTF-8"})
+        EXPECT_EQ(decodedIn(QLatin1String(traditional), "A4A4"), QStringLiteral("中")) << traditional;
 }
 
 TEST(LinuxLocalCodePage, ByteThatMeansNothingBecomesTheReplacementCharacter)
