@@ -5,9 +5,15 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <barrier>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -35,6 +41,31 @@ TEST_F(UniqueFolder, EachCallHasAFolderOfItsOwn)
         EXPECT_EQ(made.path, place.path() + QLatin1Char('/') + QLatin1String(expected));
         EXPECT_TRUE(made.created);
     }
+}
+
+TEST_F(UniqueFolder, CallsAtOnceHaveFoldersOfTheirOwn)
+{
+    constexpr int rounds = 200;
+    constexpr int callers = 4;
+    std::barrier together(callers);
+    std::mutex lock;
+    QSet<QString> made;
+    std::vector<std::thread> threads;
+    threads.reserve(callers);
+    for (int caller = 0; caller < callers; ++caller) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < rounds; ++round) {
+                together.arrive_and_wait();
+                const MadeFolder folder = makeUniqueFolder(place.path(), QString::number(round));
+                const std::lock_guard held(lock);
+                if (folder.created)
+                    made.insert(folder.path);
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(made.size(), rounds * callers);
 }
 
 // A name has 255 at most; " - Copy" has seven and " - Copy (2)" eleven.
