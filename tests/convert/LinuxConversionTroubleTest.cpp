@@ -66,11 +66,17 @@ TEST_F(LinuxConversionTrouble, RemovingTheRunFolderFollowsNoLink)
     EXPECT_TRUE(linked);
     EXPECT_FALSE(QFileInfo::exists(place.runFolder()));
     EXPECT_EQ(FolderOfAudio::below(folder), QStringList{"letter.txt"});
+}
 
+TEST_F(LinuxConversionTrouble, ALinkThatTakesThePlaceOfTheRunFolderStays)
+{
+    place.add(QStringLiteral("1.wav"), "broken");
+    const QString folder = precious();
     EXPECT_EQ(run([&](int) {
                   QDir().rmdir(place.runFolder());
                   QFile::link(folder, place.runFolder());
               }),
               (Counts{0, 1, 0}));
+    EXPECT_EQ(QFileInfo(place.runFolder()).symLinkTarget(), folder);
     EXPECT_EQ(FolderOfAudio::below(folder), QStringList{"letter.txt"});
 }
