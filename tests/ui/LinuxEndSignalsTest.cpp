@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <csignal>
+#include <cstdlib>
 
 #include <gtest/gtest.h>
 
@@ -68,6 +69,20 @@ TEST_F(LinuxEndSignals, AConversionIsStoppedAtOnce)
         EXPECT_TRUE(conversionsAreStopped);
     }
     EXPECT_FALSE(conversionsAreStopped);
+}
+
+// The first may have come upon a program that hangs.
+TEST_F(LinuxEndSignals, TheSameOneAgainEndsTheProcessAtOnce)
+{
+    const EndSignals endSignals;
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        const auto raiseTwice = [number] {
+            std::raise(number);
+            std::raise(number);
+            std::_Exit(0);
+        };
+        EXPECT_EXIT(raiseTwice(), ::testing::KilledBySignal(number), "") << number;
+    }
 }
 
 TEST_F(LinuxEndSignals, WhatIsIgnoredStaysSo)
