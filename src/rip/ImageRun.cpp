@@ -1,6 +1,5 @@
 #include "rip/ImageRun.h"
 
-#include "base/LargeMemory.h"
 #include "disc/CdDrive.h"
 #include "rip/OutputNaming.h"
 #include "rip/RipOrder.h"
@@ -18,22 +17,6 @@
 #include <utility>
 
 namespace {
-
-constexpr qsizetype widenedAtOnce = 4096; // values; stays in the processor's cache
-
-// Fresh memory is filled piece by piece, so that it is touched once; values
-// of a track before are overwritten where they stand.
-void leftJustify(const QList<qint16>& samples, QList<int>& pcm)
-{
-    reserveLarge(pcm, samples.size());
-    for (qsizetype place = 0; place < samples.size(); place += widenedAtOnce) {
-        const qsizetype count = std::min(widenedAtOnce, samples.size() - place);
-        pcm.resize(std::max(pcm.size(), place + count));
-        std::transform(samples.cbegin() + place, samples.cbegin() + place + count, pcm.begin() + place,
-                       [](qint16 value) { return int{value} * 65536; });
-    }
-    pcm.resize(samples.size());
-}
 
 void copyCover(const QString& from, const QString& to)
 {
@@ -90,7 +73,8 @@ RipResult ImageRun::ripTrack(ParanoiaReader& reader, const TrackInfo& track, con
     RipResult result = failedTrack(track.number, name);
     if (!memoryHoldsSectors(track.endLba - track.startLba + 1))
         return result;
-    QList<qint16> samples = reader.readTrack(*order.drive, track);
+    QList<int> samples = writer.takeSpareSamples();
+    reader.readTrack(*order.drive, track, samples);
     if (samples.isEmpty())
         return result;
     result.errorSectors = static_cast<quint32>(std::count_if(reader.results.cbegin(), reader.results.cend(),
@@ -99,12 +83,9 @@ RipResult ImageRun::ripTrack(ParanoiaReader& reader, const TrackInfo& track, con
         reader.results.cbegin(), reader.results.cend(), quint32{0},
         [](quint32 sum, const SectorResult& r) { return sum + static_cast<quint32>(r.retries); });
 
-    QList<int> pcm = writer.takeSpareSamples();
-    leftJustify(samples, pcm);
-    samples = QList<qint16>();
     const auto trackCount = static_cast<int>(order.disc.tracks.size());
     result.ok =
-        writer.write(std::move(pcm), AudioFormat(),
+        writer.write(std::move(samples), AudioFormat(),
                      {outputBasePath(order, track.number, name), name, track.number, trackCount, cover});
     accurateRipCrc(writer.writtenSamples(), track.number, trackCount, result.crcV1, result.crcV2);
     return result;

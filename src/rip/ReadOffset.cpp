@@ -1,7 +1,7 @@
 #include "rip/ReadOffset.h"
 
 #include "disc/CdDrive.h"
-#include "rip/SampleValues.h"
+#include "disc/SampleValues.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,9 +1,8 @@
 #include "secure/ParanoiaReader.h"
 
 #include "base/LargeMemory.h"
+#include "disc/SampleValues.h"
 #include "secure/SectorVote.h"
-
-#include <QtEndian>
 
 #include <algorithm>
 #include <cstdlib>
@@ -14,27 +13,33 @@ namespace {
 // asks for more.
 constexpr quint32 maxTrackSectors = 0xFFFFFFFF / RAW_SECTOR_BYTES;
 
-void appendSector(QList<qint16>& samples, const QByteArray& sector)
-{
-    const qsizetype place = samples.size();
-    samples.resize(place + SECTOR_VALUES);
-    qFromLittleEndian<qint16>(sector.constData(), SECTOR_VALUES, samples.data() + place);
-}
-
 } // namespace
 
 ParanoiaReader::ParanoiaReader(QObject* parent) : QObject(parent) {}
 
 QList<qint16> ParanoiaReader::readTrack(CdDrive& drive, const TrackInfo& track)
 {
+    QList<qint16> samples;
+    readInto(samples, drive, track);
+    return samples;
+}
+
+void ParanoiaReader::readTrack(CdDrive& drive, const TrackInfo& track, QList<int>& samples)
+{
+    readInto(samples, drive, track);
+}
+
+template<typename Value>
+void ParanoiaReader::readInto(QList<Value>& samples, CdDrive& drive, const TrackInfo& track)
+{
     abortFlag = false;
     results.clear();
+    samples.resize(0);
     // A track that ends before it starts has a count above any track's.
     const quint32 count = track.endLba - track.startLba + 1;
     if (count == 0 || count > maxTrackSectors)
-        return {};
+        return;
 
-    QList<qint16> samples;
     reserveLarge(samples, static_cast<qsizetype>(count) * SECTOR_VALUES);
     results.reserve(static_cast<qsizetype>(count));
     const bool direct = !forceVerify && (track.sourceIsAudioFile || !track.sourceFile.isEmpty());
@@ -44,16 +49,15 @@ QList<qint16> ParanoiaReader::readTrack(CdDrive& drive, const TrackInfo& track)
         const QByteArray sector =
             direct ? readSectorDirect(drive, lba, record) : readSectorVerified(drive, lba, record);
         results.append(record);
-        appendSector(samples, sector);
+        appendSampleValues(samples, sector);
         if (onSector)
             onSector(record);
         if (onProgress)
             onProgress(track.number, static_cast<int>(place + 1), static_cast<int>(count));
     }
     if (abortFlag)
-        return {};
+        return samples.clear();
     shiftWithSilence(samples, drive.readOffset());
-    return samples;
 }
 
 QByteArray ParanoiaReader::readSectorDirect(CdDrive& drive, quint32 lba, SectorResult& record)
@@ -72,16 +76,20 @@ QByteArray ParanoiaReader::readSectorVerified(CdDrive& drive, quint32 lba, Secto
                         abortFlag, record);
 }
 
-void shiftWithSilence(QList<qint16>& samples, int offset)
+template<typename Value>
+void shiftWithSilence(QList<Value>& samples, int offset)
 {
     const qsizetype shift = std::abs(qsizetype{offset});
     if (shift == 0 || shift >= samples.size())
         return;
     if (offset > 0) {
         std::move(samples.begin() + shift, samples.end(), samples.begin());
-        std::fill(samples.end() - shift, samples.end(), qint16{0});
+        std::fill(samples.end() - shift, samples.end(), Value{0});
     } else {
         std::move_backward(samples.begin(), samples.end() - shift, samples.end());
-        std::fill(samples.begin(), samples.begin() + shift, qint16{0});
+        std::fill(samples.begin(), samples.begin() + shift, Value{0});
     }
 }
+
+template void shiftWithSilence(QList<qint16>& samples, int offset);
+template void shiftWithSilence(QList<int>& samples, int offset);

@@ -17,6 +17,9 @@ public:
     /// All sectors of the track as interleaved 16-bit values, with the drive's
     /// read offset applied. Empty when aborted. An unreadable sector is silence.
     QList<qint16> readTrack(CdDrive& drive, const TrackInfo& track);
+    /// As above, each value shifted left by 16 with its sign kept, in place of what
+    /// the list holds and in its memory where that is enough.
+    void readTrack(CdDrive& drive, const TrackInfo& track, QList<int>& samples);
 
     /// One sector by double read and vote; fills the record.
     QByteArray readSectorVerified(CdDrive& drive, quint32 lba, SectorResult& record);
@@ -29,6 +32,8 @@ public:
     QList<SectorResult> results; ///< one record a sector of the last readTrack
 
 private:
+    template<typename Value>
+    void readInto(QList<Value>& samples, CdDrive& drive, const TrackInfo& track);
     QByteArray readSectorDirect(CdDrive& drive, quint32 lba, SectorResult& record);
 };
 
@@ -39,4 +44,5 @@ private:
 /// @param samples  interleaved left/right; its length never changes
 /// @param offset   positive drops values in front; ignored when its magnitude
 ///                 is not below the length
-void shiftWithSilence(QList<qint16>& samples, int offset);
+template<typename Value>
+void shiftWithSilence(QList<Value>& samples, int offset);

@@ -2,7 +2,7 @@
 
 #include "ScriptedDrive.h"
 #include "disc/CdDrive.h"
-#include "rip/SampleValues.h"
+#include "disc/SampleValues.h"
 
 #include <gtest/gtest.h>
 

@@ -82,6 +82,39 @@ TEST_F(ImageTrackReading, OffsetCountsValuesAndFillsWithSilence)
     EXPECT_EQ(behind.sliced(6), plain.first(plain.size() - 6));
 }
 
+// What an encoder takes, so that the track need not be held twice.
+TEST_F(ImageTrackReading, ATrackIsAlsoReadIntoTheUpperHalvesOf32Bits)
+{
+    for (const int offset : {0, 7, -7}) {
+        drive.setReadOffset(offset);
+        QList<int> expected;
+        for (const qint16 value : reader.readTrack(drive, disc.tracks[1]))
+            expected.append(value * 65536);
+        QList<int> samples;
+        reader.readTrack(drive, disc.tracks[1], samples);
+        EXPECT_EQ(samples, expected) << offset;
+        EXPECT_EQ(reader.results.size(), 30);
+    }
+}
+
+TEST_F(ImageTrackReading, TheListOfATrackBeforeGivesItsMemoryAndNothingElse)
+{
+    QList<int> samples(31 * SECTOR_VALUES, 1);
+    const int* memory = samples.constData();
+    reader.readTrack(drive, disc.tracks[1], samples);
+    EXPECT_EQ(samples.size(), 30 * SECTOR_VALUES);
+    EXPECT_EQ(samples.constData(), memory);
+
+    reader.onSector = [this](const SectorResult&) { reader.abortFlag = true; };
+    reader.readTrack(drive, disc.tracks[0], samples);
+    EXPECT_TRUE(samples.isEmpty());
+    samples = {1, 2};
+    TrackInfo nothing = disc.tracks[0];
+    nothing.endLba = nothing.startLba - 1;
+    reader.readTrack(drive, nothing, samples);
+    EXPECT_TRUE(samples.isEmpty());
+}
+
 TEST_F(ImageTrackReading, UnreadableSectorIsBadAndSilent)
 {
     TrackInfo track = disc.tracks[1];

@@ -38,3 +38,10 @@ TEST(ShiftWithSilence, OffsetAsLongAsTheTrackOrLongerIsIgnored)
         EXPECT_EQ(shifted(offset), unchanged) << offset;
     EXPECT_EQ(shifted(9), (QList<qint16>{10, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
+
+TEST(ShiftWithSilence, WideValuesMoveAlike)
+{
+    QList<int> samples{1 << 16, -2 << 16, 3 << 16};
+    shiftWithSilence(samples, 1);
+    EXPECT_EQ(samples, (QList<int>{-2 << 16, 3 << 16, 0}));
+}
