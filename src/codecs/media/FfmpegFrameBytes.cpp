@@ -1,8 +1,6 @@
 #include "codecs/media/FfmpegFrameBytes.h"
 
-#include "base/ByteOrder.h"
 #include "codecs/FloatSample.h"
-#include "codecs/PcmBytes.h"
 #include "codecs/PcmUnpack.h"
 #include "codecs/StreamChange.h"
 
@@ -34,32 +32,27 @@ qint32 scaled(float sample)
 }
 
 template<int bits, typename Sample>
-void packAll(const AVFrame& frame, std::size_t first, std::size_t frames, quint8* bytes)
+void interleaveAs(const AVFrame& frame, std::size_t first, std::size_t frames, qint32* samples)
 {
-    constexpr std::size_t sampleBytes = bits / 8;
     const auto channels = static_cast<std::size_t>(frame.ch_layout.nb_channels);
     for (std::size_t channel = 0; channel < channels; ++channel) {
         const auto* source = reinterpret_cast<const Sample*>(frame.extended_data[channel]) + first;
-        quint8* target = bytes + channel * sampleBytes;
-        for (std::size_t i = 0; i < frames; ++i, target += channels * sampleBytes) {
-            const auto value = static_cast<quint32>(scaled<bits>(source[i]));
-            byteorder::writeLittle<quint16>(target, static_cast<quint16>(value));
-            if constexpr (bits == 24)
-                target[2] = static_cast<quint8>(value >> 16);
-        }
+        qint32* target = samples + channel;
+        for (std::size_t i = 0; i < frames; ++i, target += channels)
+            *target = scaled<bits>(source[i]) * (1 << (32 - bits));
     }
 }
 
 template<int bits>
-void packFormat(const AVFrame& frame, std::size_t first, std::size_t frames, quint8* target)
+void interleave(const AVFrame& frame, std::size_t first, std::size_t frames, qint32* samples)
 {
     switch (frame.format) {
     case AV_SAMPLE_FMT_S16P:
-        return packAll<bits, qint16>(frame, first, frames, target);
+        return interleaveAs<bits, qint16>(frame, first, frames, samples);
     case AV_SAMPLE_FMT_S32P:
-        return packAll<bits, qint32>(frame, first, frames, target);
+        return interleaveAs<bits, qint32>(frame, first, frames, samples);
     case AV_SAMPLE_FMT_FLTP:
-        return packAll<bits, float>(frame, first, frames, target);
+        return interleaveAs<bits, float>(frame, first, frames, samples);
     }
 }
 
@@ -91,32 +84,17 @@ int packedBits(const AVFrame& frame)
     }
 }
 
-void packFrame(const AVFrame& frame, int first, int frames, const AudioFormat& pcm,
-               std::vector<quint8>& bytes)
+AudioBlock blockOfFrame(const AVFrame& frame, int first, int frames, const AudioFormat& pcm)
 {
     const auto start = static_cast<std::size_t>(first);
     const auto count = static_cast<std::size_t>(frames);
-    // The start of a stream may be skipped by whole frames.
-    if (count == 0) {
-        bytes.clear();
-        return;
-    }
     const auto channels = static_cast<quint16>(frame.ch_layout.nb_channels);
-    const int bits = pcm.bitsPerSample;
-    bytes.assign(count * channels * static_cast<std::size_t>(bits / 8), 0);
-    if (bits == 24)
-        packFormat<24>(frame, start, count, bytes.data());
-    else
-        packFormat<16>(frame, start, count, bytes.data());
-    if (channels == pcm.channels)
-        return;
-
     AudioBlock block{QList<qint32>(static_cast<qsizetype>(count * channels)), count};
-    unpackPcm(bytes.data(), count * channels, bits, ByteOrder::Little, block.samples.data());
-    const AudioBlock mapped = mapChannels(block, channels, pcm.channels, bits);
-    bytes.resize(count * pcm.channels * static_cast<std::size_t>(bits / 8));
-    packPcm(mapped.samples.constData(), count * pcm.channels,
-            bits == 24 ? PcmLayout::Little24 : PcmLayout::Little16, bytes.data());
+    if (pcm.bitsPerSample == 24)
+        interleave<24>(frame, start, count, block.samples.data());
+    else
+        interleave<16>(frame, start, count, block.samples.data());
+    return channels == pcm.channels ? block : mapChannels(block, channels, pcm.channels, pcm.bitsPerSample);
 }
 
 void fillFrame(AVFrame& frame, int first, const quint8* pcm, int frames, int bits,

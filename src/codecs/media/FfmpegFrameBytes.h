@@ -11,11 +11,10 @@ struct AVFrame;
 /// theirs have a plane for each channel.
 int packedBits(const AVFrame& frame);
 
-/// Packs some sample frames of a decoded frame as PCM of 16 or 24 bits, interleaved,
-/// the low byte first, in the channels that were announced. Floats are rounded to the
-/// nearest value; wider integers lose their low bits.
-void packFrame(const AVFrame& frame, int first, int frames, const AudioFormat& pcm,
-               std::vector<quint8>& bytes);
+/// Some sample frames of a decoded frame, cut to the width and in the channels that
+/// were announced. Floats are rounded to the nearest value of that width; wider
+/// integers lose their low bits.
+AudioBlock blockOfFrame(const AVFrame& frame, int first, int frames, const AudioFormat& pcm);
 
 /// The way back, for an encoder: spreads packed PCM of 16 or 24 bits over the planes
 /// of a frame that has room for it, from one of its places on.

@@ -23,7 +23,7 @@ public:
     bool choosePcm(int bits) override;
     AudioFormat format() const override { return pcm; }
     std::optional<quint64> duration() const override { return ticks; }
-    Outcome read(std::vector<quint8>& pcmBytes) override;
+    Outcome read(AudioBlock& block) override;
 
 private:
     bool chooseStream();
@@ -187,7 +187,7 @@ bool FfmpegMediaReader::choosePcm(int bits)
     return true;
 }
 
-MediaReader::Outcome FfmpegMediaReader::read(std::vector<quint8>& pcmBytes)
+MediaReader::Outcome FfmpegMediaReader::read(AudioBlock& block)
 {
     if (ended)
         return Outcome::End;
@@ -206,7 +206,7 @@ MediaReader::Outcome FfmpegMediaReader::read(std::vector<quint8>& pcmBytes)
     quint64 wanted = held - skipped;
     if (statedFrames)
         wanted = std::min(wanted, *statedFrames - deliveredFrames);
-    packFrame(*current, static_cast<int>(skipped), static_cast<int>(wanted), pcm, pcmBytes);
+    block = blockOfFrame(*current, static_cast<int>(skipped), static_cast<int>(wanted), pcm);
     deliveredFrames += wanted;
     ended = ended || deliveredFrames == statedFrames;
     std::swap(current, next);

@@ -5,10 +5,9 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <vector>
 
 /// The platform's decoder for MP3 and for AAC in ADTS and MPEG-4 files. It opens
-/// the first audio stream of a file and delivers packed PCM. What the container
+/// the first audio stream of a file and delivers PCM. What the container
 /// states as the encoder's delay and padding is not part of what it delivers.
 class MediaReader {
 public:
@@ -34,9 +33,8 @@ public:
     /// In units of 100 ns, rounded up.
     virtual std::optional<quint64> duration() const = 0;
 
-    /// The next samples, interleaved, the low byte first. The bytes are valid
-    /// after Outcome::Samples only.
-    virtual Outcome read(std::vector<quint8>& pcm) = 0;
+    /// The next samples, left-justified. The block is valid after Outcome::Samples only.
+    virtual Outcome read(AudioBlock& block) = 0;
 };
 
 /// The reader of this platform.

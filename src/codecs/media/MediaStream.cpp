@@ -1,7 +1,5 @@
 #include "codecs/media/MediaStream.h"
 
-#include "codecs/PcmUnpack.h"
-
 bool MediaStream::open(const std::filesystem::path& path)
 {
     constexpr double ticksASecond = 1e7;
@@ -18,19 +16,15 @@ bool MediaStream::open(const std::filesystem::path& path)
 
 std::optional<AudioBlock> MediaStream::read()
 {
-    switch (reader->read(bytes)) {
+    AudioBlock block;
+    switch (reader->read(block)) {
     case MediaReader::Outcome::Samples:
-        break;
+        return block;
     case MediaReader::Outcome::Gap:
         return AudioBlock();
     case MediaReader::Outcome::End:
     case MediaReader::Outcome::Failure:
-        return std::nullopt;
+        break;
     }
-    const int width = pcm.bitsPerSample == 24 ? 24 : 16;
-    const std::size_t frames = bytes.size() / static_cast<std::size_t>(width / 8) / pcm.channels;
-    const std::size_t count = frames * pcm.channels;
-    AudioBlock block{QList<qint32>(static_cast<qsizetype>(count)), frames};
-    unpackPcm(bytes.data(), count, width, ByteOrder::Little, block.samples.data());
-    return block;
+    return std::nullopt;
 }

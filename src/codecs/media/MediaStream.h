@@ -16,5 +16,4 @@ public:
 
 private:
     std::unique_ptr<MediaReader> reader;
-    std::vector<quint8> bytes;
 };
