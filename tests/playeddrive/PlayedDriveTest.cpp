@@ -115,6 +115,17 @@ TEST_F(PlayedDriveTest, TheDiscMayHoldAGivenRecording)
     EXPECT_EQ(contentsOf(files, "out"), recording);
 }
 
+// A name that begins as the drive's does is somebody else's all the same.
+TEST_F(PlayedDriveTest, TheRecordingMayLieInMemory)
+{
+    const QTemporaryDir memory(QStringLiteral("/dev/shm/TarvelTests-XXXXXX"));
+    ASSERT_TRUE(memory.isValid());
+    const QByteArray recording = makeAudio(90, 55);
+    description.audioFile = writeFile(memory.path(), QStringLiteral("recording"), recording);
+    description.trackStarts = {0};
+    EXPECT_EQ(probe(80)["sector"], digest(recording.mid(80 * 2352, 2352)));
+}
+
 TEST_F(PlayedDriveTest, OurOwnPlatformFindsTheDriveByTheKernelsFiles)
 {
     description.usb = true;

@@ -23,9 +23,10 @@ Function* behind(const char* name)
 /// other files, and before the first of these nothing is set up.
 inline PlayedDrive* driveOf(const char* path)
 {
-    const bool ours = path
-                      && (std::strncmp(path, "/dev/s", 6) == 0 || std::strncmp(path, "/sys/", 5) == 0
-                          || std::strncmp(path, "/proc/sys/", 10) == 0);
+    const bool ours =
+        path
+        && (std::strncmp(path, "/dev/sr", 7) == 0 || std::strncmp(path, "/dev/sg", 7) == 0
+            || std::strncmp(path, "/sys/", 5) == 0 || std::strncmp(path, "/proc/sys/", 10) == 0);
     return ours ? PlayedDrive::inUse() : nullptr;
 }
 
