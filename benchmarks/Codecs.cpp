@@ -18,16 +18,10 @@
 namespace {
 
 constexpr char convertCommand[] = "run-convert";
-constexpr double toolAim = 1.05;
 
 QStringList words(const char* text)
 {
     return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-}
-
-double processorOf(const RunCost& cost)
-{
-    return cost.processor;
 }
 
 // The result line that a run of this program prints.
@@ -67,17 +61,18 @@ const QList<Decoding>& decodings()
 
 struct Encoding {
     EncoderId id;
+    const char* name;
     const char* ending;
     const char* tool;
 };
 
 constexpr Encoding encodings[] = {
-    {WavEncoderId, "wav", "sox -D IN OUT"},
-    {AiffEncoderId, "aiff", "sox -D IN OUT"},
-    {FlacEncoderId, "flac", "flac -s -f -5 -o OUT IN"},
-    {Mp3EncoderId, "mp3", "lame --quiet --cbr -b 320 -q 2 IN OUT"},
-    {AacEncoderId, "m4a", "ffmpeg -v error -y -i IN -c:a aac -b:a 192k OUT"},
-    {AlacEncoderId, "m4a", "ffmpeg -v error -y -i IN -c:a alac OUT"},
+    {WavEncoderId, "WAV", "wav", "sox -D IN OUT"},
+    {AiffEncoderId, "AIFF", "aiff", "sox -D IN OUT"},
+    {FlacEncoderId, "FLAC", "flac", "flac -s -f -5 -o OUT IN"},
+    {Mp3EncoderId, "MP3", "mp3", "lame --quiet --cbr -b 320 -q 2 IN OUT"},
+    {AacEncoderId, "AAC", "m4a", "ffmpeg -v error -y -i IN -c:a aac -b:a 192k OUT"},
+    {AlacEncoderId, "ALAC", "m4a", "ffmpeg -v error -y -i IN -c:a alac OUT"},
 };
 
 struct Plan {
@@ -134,20 +129,19 @@ private:
         return command;
     }
 
-    void row(const QString& name, const QStringList& ours, const QList<QStringList>& other)
+    void row(const QString& what, const QString& tool, const QStringList& ours,
+             const QList<QStringList>& other, const Bound& bound)
     {
-        const PairedCosts costs = runPairs(
-            plan.pairs, [&] { return runChild(ours); },
-            [&] {
-                RunCost sum;
-                for (const QStringList& command : other)
-                    sum += runChild(command);
-                return sum;
-            });
-        printRow(name, QStringLiteral("s"), medianOf(costs.ours, processorOf),
-                 medianOf(costs.other, processorOf), costs.ratio(processorOf), toolAim);
-        std::printf("%-40s %-5s %10.3f\n", "  of that the work, without the start", "s",
-                    medianOf(costs.ours, workOf));
+        const auto costs = runInTurn(plan.pairs, {[&] { return runChild(ours); },
+                                                  [&] {
+                                                      RunCost sum;
+                                                      for (const QStringList& command : other)
+                                                          sum += runChild(command);
+                                                      return sum;
+                                                  }});
+        printRow({what, tool, QStringLiteral("s")}, processorOf(costs[0]), processorOf(costs[1]), bound);
+        printNote(QStringLiteral("of that the work, without the start"), QStringLiteral("s"),
+                  median(figures(costs[0], workOf)));
     }
 
     void decodeRows()
@@ -157,13 +151,13 @@ private:
             runChild(filled(kind.maker, wave, source));
             const QString target = output(QStringLiteral("wav"));
             for (const char* tool : kind.tools) {
-                const QString sides =
-                    QStringLiteral(" %1 / %2").arg(QLatin1String(kind.ending), words(tool).first());
+                const QString what = QStringLiteral("decode ") + QLatin1String(kind.ending);
+                const QString name = words(tool).first();
                 const QList<QStringList> other{filled(tool, source, target)};
-                row(QStringLiteral("decode") + sides, convert(WavEncoderId, source, target), other);
+                row(what, name, convert(WavEncoderId, source, target), other, bounds::sameDecoder);
                 if (kind.alone)
-                    row(QStringLiteral("alone, decode") + sides, besideThis(kind.alone, source, target),
-                        other);
+                    row(what + QStringLiteral(", alone"), name, besideThis(kind.alone, source, target), other,
+                        bounds::sameDecoder);
             }
             QFile::remove(source);
         }
@@ -173,11 +167,8 @@ private:
     {
         for (const Encoding& kind : encodings) {
             const QString target = output(QLatin1String(kind.ending));
-            row(QStringLiteral("encode %1, number %2 / %3")
-                    .arg(QLatin1String(kind.ending))
-                    .arg(int{kind.id})
-                    .arg(words(kind.tool).first()),
-                convert(kind.id, wave, target), {filled(kind.tool, wave, target)});
+            row(QStringLiteral("encode %1").arg(QLatin1String(kind.name)), words(kind.tool).first(),
+                convert(kind.id, wave, target), {filled(kind.tool, wave, target)}, bounds::sameEncoder);
             QFile::remove(target);
         }
     }
@@ -191,7 +182,8 @@ private:
             ours += {track, track + QStringLiteral(".flac")};
             other.append(filled("flac -s -f -5 -o OUT IN", track, track + QStringLiteral(".flac")));
         }
-        row(QStringLiteral("convert %1 tracks to FLAC / flac -5").arg(tracks.size()), ours, other);
+        row(QStringLiteral("convert %1 tracks to FLAC").arg(tracks.size()), QStringLiteral("flac -5"), ours,
+            other, bounds::sameEncoder);
         for (const QString& track : tracks) {
             QFile::remove(track);
             QFile::remove(track + QStringLiteral(".flac"));

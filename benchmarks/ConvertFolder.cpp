@@ -20,8 +20,7 @@
 namespace {
 
 constexpr char convertCommand[] = "run-dialog";
-constexpr double shellAim = 1.10;
-constexpr double memoryAimMegabytes = 150;
+constexpr double memoryMegabytes = 150;
 constexpr int longSeconds = 2 * 60 * 60;
 
 double wallOf(const RunCost& cost)
@@ -86,21 +85,22 @@ void folderRow(const QString& folder, int minutes, int pairs)
     const QString loop = QStringLiteral("mkdir -p '%2' && for f in '%1'/*.wav; do flac -s -f -5 -o "
                                         "\"%2/$(basename \"$f\" .wav).flac\" \"$f\" || exit 1; done")
                              .arg(sources, folder + QStringLiteral("/shell"));
-    const PairedCosts costs = runPairs(
-        pairs,
-        [&] {
-            QDir(target).removeRecursively();
-            const RunCost cost = runChild(dialogRun(sources, target));
-            const auto made = QDir(target + QStringLiteral("/album")).entryList({QStringLiteral("*.flac")});
-            if (made.size() != waves.size())
-                throw std::runtime_error("the dialog did not convert every file");
-            return cost;
-        },
-        [&] {
-            return runChild({QStringLiteral("sh"), QStringLiteral("-c"), loop});
-        });
-    printRow(QStringLiteral("folder of 12 WAV to FLAC / shell loop"), QStringLiteral("s"),
-             medianOf(costs.ours, wallOf), medianOf(costs.other, wallOf), costs.ratio(wallOf), shellAim);
+    const auto costs = runInTurn(
+        pairs, {[&] {
+                    QDir(target).removeRecursively();
+                    const RunCost cost = runChild(dialogRun(sources, target));
+                    const auto made =
+                        QDir(target + QStringLiteral("/album")).entryList({QStringLiteral("*.flac")});
+                    if (made.size() != waves.size())
+                        throw std::runtime_error("the dialog did not convert every file");
+                    return cost;
+                },
+                [&] {
+                    return runChild({QStringLiteral("sh"), QStringLiteral("-c"), loop});
+                }});
+    printRow({QStringLiteral("folder of 12 WAV to FLAC, on the wall"),
+              QStringLiteral("shell loop of flac -5"), QStringLiteral("s")},
+             figures(costs[0], wallOf), figures(costs[1], wallOf), bounds::folder);
     QDir(sources).removeRecursively();
 }
 
@@ -111,8 +111,9 @@ void memoryRows(const QString& folder)
         QDir().mkpath(sources);
         writeLongWave(sources + QStringLiteral("/long.wav"), seconds);
         const RunCost cost = runChild(dialogRun(sources, folder + QStringLiteral("/out")));
-        printRow(QStringLiteral("peak memory for %1 minutes").arg(seconds / 60), QStringLiteral("MB"),
-                 megabytesOf(cost), memoryAimMegabytes, megabytesOf(cost) / memoryAimMegabytes, 1.0);
+        printRow({QStringLiteral("peak memory, %1 minutes converted").arg(seconds / 60),
+                  QStringLiteral("150 MB"), QStringLiteral("MB")},
+                 {megabytesOf(cost)}, {memoryMegabytes}, bounds::conversionMemory);
         QDir(sources).removeRecursively();
     }
 }

@@ -3,10 +3,11 @@
 
 #include "ChildRun.h"
 #include "Measure.h"
+#include "Options.h"
 #include "codecs/dsd/DsdFirFilter.h"
 #include "codecs/dsd/PlainDsdFilter.h"
 
-#include <QByteArray>
+#include <QCoreApplication>
 
 #include <algorithm>
 #include <cstdio>
@@ -18,8 +19,6 @@ namespace {
 
 constexpr std::size_t bytesOfASecond = 2822400 / 8;
 constexpr std::size_t blockBytes = 4096;
-constexpr int pairs = 15;
-constexpr double shareAim = 1.0 / 3;
 
 /// Channels side by side, or one behind the other in blocks.
 struct Layout {
@@ -63,26 +62,31 @@ void filterPlain(const Layout& layout, const std::vector<quint8>& bytes, Floats&
 }
 
 /// Whether both gave the same bits.
-bool measure(const Layout& layout)
+bool measure(const Layout& layout, int pairs)
 {
     std::mt19937 random(1);
     std::vector<quint8> bytes(bytesOfASecond / blockBytes * blockBytes * layout.channels);
     std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<quint8>(random()); });
     Floats ours(bytes.size());
     Floats plain(bytes.size());
-    const PairedCosts costs = runPairs(
-        pairs, [&] { return processorCost([&] { filterOurs(layout, bytes, ours); }); },
-        [&] { return processorCost([&] { filterPlain(layout, bytes, plain); }); });
-    const auto processor = [](const RunCost& run) { return run.processor; };
-    printRow(QString::fromLatin1(layout.name), QStringLiteral("s"), medianOf(costs.ours, processor),
-             medianOf(costs.other, processor), costs.ratio(processor), shareAim);
+    const auto costs =
+        runInTurn(pairs, {[&] { return processorCost([&] { filterOurs(layout, bytes, ours); }); },
+                          [&] { return processorCost([&] { filterPlain(layout, bytes, plain); }); }});
+    printRow({QStringLiteral("DSD, %1").arg(QLatin1String(layout.name)), QStringLiteral("plain loop"),
+              QStringLiteral("s")},
+             processorOf(costs[0]), processorOf(costs[1]), bounds::oneBitFilter);
     return std::memcmp(ours.data(), plain.data(), ours.size() * sizeof(float)) == 0;
 }
 
 } // namespace
 
-int main()
+int main(int argc, char** argv)
 {
+    const QCoreApplication application(argc, argv);
+    int pairs = 15;
+    Options options;
+    options.number("pairs", "Pairs of runs of each row.", pairs);
+    options.read(application);
     constexpr Layout layouts[] = {
         {"1 channel, lowest bit first", 1, true, true},
         {"2 channels in blocks, lowest bit first", 2, true, true},
@@ -91,7 +95,7 @@ int main()
     };
     printHead();
     for (const Layout& layout : layouts) {
-        if (!measure(layout)) {
+        if (!measure(layout, pairs)) {
             std::fprintf(stderr, "the bits differ: %s\n", layout.name);
             return 1;
         }

@@ -98,32 +98,30 @@ Measured measureOther(const QList<qint32>& samples, int channels)
     return measured;
 }
 
-double processor(const RunCost& cost)
+/// @param seconds  of audio
+void report(const RowName& name, const QList<QList<RunCost>>& costs, double seconds, const Bound& bound)
 {
-    return cost.processor;
+    const QList<double> ours = processorOf(costs[0]);
+    printRow(name, ours, processorOf(costs[1]), bound);
+    printNote(QStringLiteral("times as fast as the audio plays"), QStringLiteral("x"),
+              seconds / median(ours));
 }
 
-/// Prints one row; the figures are how often faster than the audio plays.
-void report(const char* what, const PairedCosts& costs, double seconds, double aim)
-{
-    printRow(QString::fromUtf8(what), QStringLiteral("x"), seconds / medianOf(costs.ours, processor),
-             seconds / medianOf(costs.other, processor), costs.ratio(processor), aim);
-}
-
-bool compareMeters(const char* what, const QList<qint32>& samples, int channels, int pairs)
+bool compareMeters(const QString& what, const QList<qint32>& samples, int channels, int pairs)
 {
     Measured ours;
     Measured other;
-    const PairedCosts costs = runPairs(
-        pairs, [&] { return processorCost([&] { ours = measureOurs(samples, channels); }); },
-        [&] { return processorCost([&] { other = measureOther(samples, channels); }); });
-    report(what, costs, static_cast<double>(samples.size() / channels) / rate, 1.0);
+    const auto costs =
+        runInTurn(pairs, {[&] { return processorCost([&] { ours = measureOurs(samples, channels); }); },
+                          [&] { return processorCost([&] { other = measureOther(samples, channels); }); }});
+    report({QStringLiteral("loudness, ") + what, QStringLiteral("libebur128"), QStringLiteral("s")}, costs,
+           static_cast<double>(samples.size() / channels) / rate, bounds::meter);
     // The other side calls silence minus infinity, and takes full scale for 2^31 - 1.
     const bool agree = std::abs(ours.loudness - std::max(other.loudness, -70.0)) <= loudnessTolerance
                        && std::abs(ours.peak - other.peak) < 1e-6;
     if (!agree)
-        std::printf("  the results differ: %.3f and %.3f LUFS, peaks %.7f and %.7f\n", ours.loudness,
-                    other.loudness, ours.peak, other.peak);
+        std::fprintf(stderr, "  the results differ: %.3f and %.3f LUFS, peaks %.7f and %.7f\n", ours.loudness,
+                     other.loudness, ours.peak, other.peak);
     return agree;
 }
 
@@ -174,7 +172,7 @@ private:
     std::vector<float> workArea;
 };
 
-bool compareOversamplers(const char* what, const QList<qint32>& samples, quint32 factor, int pairs)
+bool compareOversamplers(const QList<qint32>& samples, quint32 factor, int pairs)
 {
     constexpr int channels = 2;
     QList<qint32> ours;
@@ -196,11 +194,13 @@ bool compareOversamplers(const char* what, const QList<qint32>& samples, quint32
             other += raised;
         });
     };
-    const PairedCosts costs = runPairs(
-        pairs, [&] { return processorCost(runOurs); }, [&] { return processorCost(runOther); });
-    report(what, costs, static_cast<double>(samples.size() / channels) / rate, 1.0);
+    const auto costs =
+        runInTurn(pairs, {[&] { return processorCost(runOurs); }, [&] { return processorCost(runOther); }});
+    report(
+        {QStringLiteral("oversampling by %1").arg(factor), QStringLiteral("plain loop"), QStringLiteral("s")},
+        costs, static_cast<double>(samples.size() / channels) / rate, bounds::oversampler);
     if (ours != other)
-        std::printf("  the results differ\n");
+        std::fprintf(stderr, "  the results differ\n");
     return ours == other;
 }
 
@@ -223,22 +223,16 @@ int main(int argc, char** argv)
     const Plan plan = readPlan(application);
     const auto frames = static_cast<quint64>(plan.seconds) * rate;
 
-    std::printf("\"ours\" and \"other\" are multiples of real time in processor time, medians of %d;\n"
-                "\"result\" is the median of our time by theirs, pair by pair\n",
-                plan.pairs);
     printHead();
     bool agree = true;
-    for (const int channels : {1, 2, 6}) {
-        const QByteArray what = "meter / libebur128, channels: " + QByteArray::number(channels);
-        agree &= compareMeters(what, music(frames, channels), channels, plan.pairs);
-    }
+    for (const int channels : {1, 2, 6})
+        agree &= compareMeters(QStringLiteral("channels: %1").arg(channels), music(frames, channels),
+                               channels, plan.pairs);
     agree &=
-        compareMeters("meter / libebur128, stereo silence",
+        compareMeters(QStringLiteral("stereo silence"),
                       music(rate, 2) + QList<qint32>(static_cast<qsizetype>(frames) * 2, 0), 2, plan.pairs);
     const QList<qint32> shorter = music(static_cast<quint64>(plan.oversampledSeconds) * rate, 2);
-    for (const quint32 factor : {2u, 4u}) {
-        const QByteArray what = "oversampler / plain loop, factor " + QByteArray::number(factor);
-        agree &= compareOversamplers(what, shorter, factor, plan.pairs);
-    }
+    for (const quint32 factor : {2u, 4u})
+        agree &= compareOversamplers(shorter, factor, plan.pairs);
     return agree ? EXIT_SUCCESS : EXIT_FAILURE;
 }

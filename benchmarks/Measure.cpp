@@ -3,6 +3,34 @@
 #include <algorithm>
 #include <cstdio>
 
+namespace {
+
+RowForm rowForm = RowForm::Table;
+
+} // namespace
+
+QList<QList<RunCost>> runInTurn(int rounds, const QList<std::function<RunCost()>>& sides)
+{
+    QList<QList<RunCost>> costs(sides.size());
+    for (int round = 0; round < rounds; ++round) {
+        for (qsizetype side = 0; side < sides.size(); ++side)
+            costs[side].append(sides[side]());
+    }
+    return costs;
+}
+
+QList<double> figures(const QList<RunCost>& costs, const std::function<double(const RunCost&)>& figure)
+{
+    QList<double> values;
+    std::transform(costs.cbegin(), costs.cend(), std::back_inserter(values), figure);
+    return values;
+}
+
+QList<double> processorOf(const QList<RunCost>& costs)
+{
+    return figures(costs, [](const RunCost& cost) { return cost.processor; });
+}
+
 double median(QList<double> values)
 {
     std::sort(values.begin(), values.end());
@@ -10,40 +38,37 @@ double median(QList<double> values)
     return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
-double medianOf(const QList<RunCost>& costs, const std::function<double(const RunCost&)>& figure)
+void chooseRowForm(RowForm form)
 {
-    QList<double> values;
-    for (const RunCost& cost : costs)
-        values.append(figure(cost));
-    return median(values);
-}
-
-double PairedCosts::ratio(const std::function<double(const RunCost&)>& figure) const
-{
-    QList<double> ratios;
-    for (qsizetype i = 0; i < ours.size(); ++i)
-        ratios.append(figure(ours[i]) / figure(other[i]));
-    return median(ratios);
-}
-
-PairedCosts runPairs(int pairs, const std::function<RunCost()>& ours, const std::function<RunCost()>& other)
-{
-    PairedCosts costs;
-    for (int i = 0; i < pairs; ++i) {
-        costs.ours.append(ours());
-        costs.other.append(other());
-    }
-    return costs;
+    rowForm = form;
 }
 
 void printHead()
 {
-    std::printf("%-40s %-5s %10s %10s %8s %8s\n", "row", "unit", "ours", "other", "result", "aim");
+    if (rowForm == RowForm::Table)
+        std::printf("%-42s %-28s %-4s %9s %9s %7s  %-15s %6s\n", "row", "other", "unit", "ours", "other",
+                    "ratio", "from, to", "bound");
 }
 
-void printRow(const QString& what, const QString& unit, double ours, double other, double result, double aim)
+bool printRow(const RowName& name, const QList<double>& ours, const QList<double>& other, const Bound& bound)
 {
-    std::printf("%-40s %-5s %10.3f %10.3f %8.3f %8.3f  %s\n", qPrintable(what), qPrintable(unit), ours, other,
-                result, aim, result <= aim ? "met" : "MISSED");
+    QList<double> ratios;
+    std::transform(ours.cbegin(), ours.cend(), other.cbegin(), std::back_inserter(ratios), std::divides<>());
+    const double middle = median(ratios);
+    const auto [least, most] = std::minmax_element(ratios.cbegin(), ratios.cend());
+    const bool holds = middle <= bound.most;
+    const char* form = rowForm == RowForm::Table
+                           ? "%-42s %-28s %-4s %9.3f %9.3f %7.3f  %7.3f %7.3f %6.2f  %s\n"
+                           : "row\t%s\t%s\t%s\t%.6f\t%.6f\t%.6f\t%.6f\t%.6f\t%.6f\t%s\t%s\n";
+    std::printf(form, qUtf8Printable(name.what), qUtf8Printable(name.other), qUtf8Printable(name.unit),
+                median(ours), median(other), middle, *least, *most, bound.most, holds ? "met" : "MISSED",
+                bound.reason);
     std::fflush(stdout);
+    return holds;
+}
+
+void printNote(const QString& what, const QString& unit, double value)
+{
+    if (rowForm == RowForm::Table)
+        std::printf("  %-69s %-4s %9.3f\n", qUtf8Printable(what), qUtf8Printable(unit), value);
 }

@@ -1,12 +1,21 @@
 #include "Options.h"
 
+#include "Measure.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <exception>
 
+namespace {
+
+constexpr char fieldsOption[] = "fields";
+
+} // namespace
+
 Options::Options()
 {
     parser.addHelpOption();
+    parser.addOption({QLatin1String(fieldsOption), QStringLiteral("Rows as fields between tabs.")});
 }
 
 void Options::number(const char* name, const char* text, int& value)
@@ -25,6 +34,7 @@ void Options::rows(const char* names, QStringList& chosen)
 void Options::read(const QCoreApplication& application)
 {
     parser.process(application);
+    chooseRowForm(parser.isSet(QLatin1String(fieldsOption)) ? RowForm::Fields : RowForm::Table);
     for (const auto& [name, value] : std::as_const(numbers))
         *value = std::max(1, parser.value(name).toInt());
     if (chosenRows)

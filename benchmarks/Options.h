@@ -7,7 +7,7 @@
 #include <functional>
 #include <utility>
 
-/// The command line of a benchmark: numbers by name, and the rows to measure.
+/// The command line of a benchmark: numbers by name, the rows to measure, and their form.
 class Options {
 public:
     Options();

@@ -9,7 +9,7 @@
 #include <QApplication>
 #include <QDirIterator>
 #include <QElapsedTimer>
-#include <QMessageBox>
+#include <QRadioButton>
 #include <QTest>
 #include <QTimer>
 
@@ -72,7 +72,7 @@ qsizetype filesBelow(const QString& folder, const QString& pattern)
 
 } // namespace
 
-int ripWithWorker(int argc, char** argv, const QString& cue, int format, const QString& folder)
+int ripWithWorker(int argc, char** argv, const QString& cue, OutputFormat format, const QString& folder)
 {
     const QGuiApplication application(argc, argv);
     const Stopwatch watch;
@@ -87,14 +87,14 @@ int ripWithWorker(int argc, char** argv, const QString& cue, int format, const Q
     });
     const DiscToc disc = drive.readToc();
     worker.configure(&drive, disc, folder, QStringLiteral("Artist"), QStringLiteral("Album"),
-                     QStringLiteral("1998"), QPixmap(), QString(), 1, 1, 300, OutputFormat(format), QString(),
-                     20);
+                     QStringLiteral("1998"), QPixmap(), QString(), 1, 1, 300, format, QString(), 20);
     worker.run();
     watch.report(0);
     return whole == disc.tracks.size() ? 0 : exitFailed;
 }
 
-int ripThroughWindow(int argc, char** argv, const QString& cue, const QString& folder, bool watchStalls)
+int ripThroughWindow(int argc, char** argv, const QString& cue, OutputFormat format, const QString& folder,
+                     bool watchStalls)
 {
     const QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("TarvelBenchmarks"));
@@ -106,6 +106,7 @@ int ripThroughWindow(int argc, char** argv, const QString& cue, const QString& f
         if (!QTest::qWaitFor([&driver] { return driver.next()->isEnabled(); }, lookupPatienceMilliseconds))
             return exitFailed;
         driver.outputPath()->setText(folder);
+        driver.find<QRadioButton>("fmtRadio", format)->click();
         WindowDriver::click(driver.next());
     }
 
@@ -121,6 +122,8 @@ int ripThroughWindow(int argc, char** argv, const QString& cue, const QString& f
     });
     WindowDriver::click(driver.rip());
     QApplication::exec();
-    return filesBelow(folder, QStringLiteral("*.flac")) == CdDrive::parseCue(cue).tracks.size() ? 0
-                                                                                                : exitFailed;
+    constexpr const char* patterns[] = {"*.flac", "*.wav", "*.mp3"}; // by the number of the format
+    const bool whole =
+        filesBelow(folder, QLatin1String(patterns[format])) == CdDrive::parseCue(cue).tracks.size();
+    return whole ? 0 : exitFailed;
 }

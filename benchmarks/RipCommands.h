@@ -1,5 +1,7 @@
 #pragma once
 
+#include "rip/RipTypes.h"
+
 #include <QString>
 
 /// What a fresh process does for one measured run. The result line on stdout is
@@ -7,8 +9,10 @@
 /// without the start of the program. Both return the exit code.
 
 /// The worker on the calling thread.
-int ripWithWorker(int argc, char** argv, const QString& cue, int format, const QString& folder);
+int ripWithWorker(int argc, char** argv, const QString& cue, OutputFormat format, const QString& folder);
 
-/// The worker behind the window, at the FLAC format, in the window's event loop.
+/// The worker behind the window, in the window's event loop.
+/// @param format       one that the window offers
 /// @param watchStalls  a timer of one millisecond runs along and costs time itself
-int ripThroughWindow(int argc, char** argv, const QString& cue, const QString& folder, bool watchStalls);
+int ripThroughWindow(int argc, char** argv, const QString& cue, OutputFormat format, const QString& folder,
+                     bool watchStalls);

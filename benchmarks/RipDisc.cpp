@@ -2,13 +2,17 @@
 // beside a drive that takes none of its own.
 
 #include "ChildRun.h"
+#include "DiscPeer.h"
 #include "DiscRip.h"
+#include "Measure.h"
 #include "Options.h"
 #include "QuietSurroundings.h"
 #include "disc/DiscModel.h"
 #include "disc/DriveWatchdog.h"
 #include "support/DiscMaker.h"
 
+#include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QTemporaryDir>
 
@@ -22,15 +26,21 @@ namespace {
 
 constexpr quint32 batch = READ_BATCH_SECTORS;
 constexpr quint32 crossCheckDistance = 2000;
-constexpr double aimTimesRealTime = 150;
-constexpr double aimGuardMilliseconds = 1; // of a poll step of 50
+constexpr double timesRealTime = 150;
+constexpr double guardMilliseconds = 1; // of a poll step of 50
 constexpr int patternSectors = 1000;
 
 struct Plan {
     int minutes = 60;
     int tracks = 12;
     int runs = 5;
+    int peerMinutes = 10;
 };
+
+const char* modeName(bool c2)
+{
+    return c2 ? "C2" : "compare";
+}
 
 void insertDisc(SimulatedDrive& drive, const Plan& plan, bool c2)
 {
@@ -104,18 +114,29 @@ qint64 expectedFarReads(const SimulatedDrive& drive, bool c2)
     return c2 ? (drive.leadOut() + crossCheckDistance - 1) / crossCheckDistance : drive.tracks.size();
 }
 
-bool printCount(const char* what, qint64 sent, qint64 expected)
+struct Count {
+    const char* what;
+    qint64 sent;
+    qint64 expected;
+};
+
+QList<Count> countsOf(const SimulatedDrive& drive, const Plan& plan, bool c2)
 {
-    std::printf("%-52s %8lld %8lld  %s\n", what, static_cast<long long>(sent),
-                static_cast<long long>(expected), sent == expected ? "ok" : "DIFFERS");
-    return sent == expected;
+    using Command = SimulatedDrive::Command;
+    // Without C2 the probe is three refused attempts.
+    return {{"reads with C2, the probe among them", drive.count(Command::RawWithC2),
+             c2 ? expectedC2Reads(drive) + 1 : 3},
+            {"reads without, the far reads among them", drive.count(Command::Raw),
+             expectedFarReads(drive, c2) + (c2 ? 0 : expectedCompareReads(drive))},
+            {"seeks of the ladder", drive.count(Command::SeekRead), 0},
+            {"tables of contents", drive.count(Command::Toc), 1},
+            {"readiness checks", drive.count(Command::Verify), 1},
+            {"pauses between tracks", drive.count(Command::Sleep), plan.tracks - 1}};
 }
 
 bool countCommands(const Plan& plan, const QString& folder)
 {
-    using Command = SimulatedDrive::Command;
     bool right = true;
-    std::printf("%-52s %8s %8s\n", "commands for a sound disc", "sent", "expected");
     for (const bool c2 : {true, false}) {
         SimulatedDrive drive;
         insertDisc(drive, plan, c2);
@@ -123,16 +144,22 @@ bool countCommands(const Plan& plan, const QString& folder)
         options.folder = folder;
         options.judge = false;
         ripSimulatedDisc(drive, options);
-        std::printf("%s\n", c2 ? "with C2" : "by comparison");
-        // Without C2 the probe is three refused attempts.
-        right &= printCount("  reads with C2, the probe among them", drive.count(Command::RawWithC2),
-                            c2 ? expectedC2Reads(drive) + 1 : 3);
-        right &= printCount("  reads without, the far reads among them", drive.count(Command::Raw),
-                            expectedFarReads(drive, c2) + (c2 ? 0 : expectedCompareReads(drive)));
-        right &= printCount("  seeks of the ladder", drive.count(Command::SeekRead), 0);
-        right &= printCount("  tables of contents", drive.count(Command::Toc), 1);
-        right &= printCount("  readiness checks", drive.count(Command::Verify), 1);
-        right &= printCount("  pauses between tracks", drive.count(Command::Sleep), plan.tracks - 1);
+        qint64 sent = 0;
+        qint64 expected = 0;
+        const QList<Count> counts = countsOf(drive, plan, c2);
+        for (const Count& count : counts) {
+            sent += count.sent;
+            expected += count.expected;
+            if (count.sent != count.expected)
+                std::fprintf(stderr, "%s: %lld sent, %lld expected\n", count.what,
+                             static_cast<long long>(count.sent), static_cast<long long>(count.expected));
+            right = right && count.sent == count.expected;
+        }
+        printRow({QStringLiteral("commands for a sound disc, ") + QLatin1String(modeName(c2)),
+                  QStringLiteral("what the method must send"), QString()},
+                 {static_cast<double>(sent)}, {static_cast<double>(expected)}, bounds::discCommands);
+        for (const Count& count : counts)
+            printNote(QLatin1String(count.what), QString(), static_cast<double>(count.sent));
     }
     return right;
 }
@@ -163,34 +190,28 @@ double driveShare(const Plan& plan)
     return ownProcessorSeconds() - before;
 }
 
-void printSpeed(const char* what, double seconds, const Plan& plan)
-{
-    std::printf("%-52s %8.3f s %7.0f times real time\n", what, seconds, plan.minutes * 60 / seconds);
-}
-
 bool measureProcessor(const Plan& plan, const QString& folder)
 {
-    std::printf("\nprocessor time for %d minutes, median of %d runs\n", plan.minutes, plan.runs);
-    double withC2 = 0;
+    const double seconds = plan.minutes * 60;
+    bool fast = true;
     for (const bool c2 : {true, false}) {
-        std::vector<double> seconds;
+        QList<double> taken;
         for (int i = 0; i < plan.runs; ++i) {
             SimulatedDrive drive;
             insertDisc(drive, plan, c2);
             DiscRipOptions options;
             options.folder = folder;
             options.judge = false;
-            seconds.push_back(ripSimulatedDisc(drive, options).processorSeconds);
+            taken.append(ripSimulatedDisc(drive, options).processorSeconds);
         }
-        std::ranges::sort(seconds);
-        const double middle = seconds[seconds.size() / 2];
-        printSpeed(c2 ? "rip to WAV with C2" : "rip to WAV by comparison", middle, plan);
-        if (c2)
-            withC2 = middle;
+        fast &=
+            printRow({QStringLiteral("disc of %1 minutes, ").arg(plan.minutes) + QLatin1String(modeName(c2)),
+                      QStringLiteral("150 times real time"), QStringLiteral("s")},
+                     taken, QList<double>(taken.size(), seconds / timesRealTime), bounds::discSpeed);
+        printNote(QStringLiteral("times real time"), QStringLiteral("x"), seconds / median(taken));
     }
-    printSpeed("  of that the simulated drive itself, with C2", driveShare(plan), plan);
-    const bool fast = plan.minutes * 60 / withC2 >= aimTimesRealTime;
-    std::printf("aim with C2: above %.0f times real time  %s\n", aimTimesRealTime, fast ? "ok" : "MISSED");
+    printNote(QStringLiteral("of that the simulated drive itself, with C2"), QStringLiteral("s"),
+              driveShare(plan));
     return fast;
 }
 
@@ -211,25 +232,19 @@ double timeRead(std::chrono::milliseconds length, bool guarded)
 bool measureGuard()
 {
     constexpr int reads = 300;
-    bool unnoticed = true;
-    std::printf("\n%-52s %10s %10s %10s\n", "time of a read, milliseconds, median", "guarded", "unguarded",
-                "added");
+    QList<double> added;
     for (const int length : {0, 2, 9, 60}) {
-        std::vector<double> times[2];
+        QList<double> times[2];
         for (int i = 0; i < reads / (length > 10 ? 10 : 1); ++i) {
             for (const bool guarded : {true, false})
-                times[guarded ? 0 : 1].push_back(timeRead(std::chrono::milliseconds(length), guarded));
+                times[guarded ? 0 : 1].append(timeRead(std::chrono::milliseconds(length), guarded));
         }
-        for (std::vector<double>& side : times)
-            std::ranges::sort(side);
-        const double guarded = times[0][times[0].size() / 2];
-        const double unguarded = times[1][times[1].size() / 2];
-        std::printf("  a read of %2d ms %35s %10.3f %10.3f %10.3f\n", length, "", guarded, unguarded,
-                    guarded - unguarded);
-        unnoticed = unnoticed && guarded - unguarded < aimGuardMilliseconds;
+        added.append(median(times[0]) - median(times[1]));
     }
-    std::printf("aim: below %.0f ms  %s\n", aimGuardMilliseconds, unnoticed ? "ok" : "MISSED");
-    return unnoticed;
+    const double most = *std::max_element(added.cbegin(), added.cend());
+    return printRow(
+        {QStringLiteral("what the watchdog adds to a read"), QStringLiteral("1 ms"), QStringLiteral("ms")},
+        {most}, {guardMilliseconds}, bounds::watchdog);
 }
 
 Plan readPlan(const QCoreApplication& application)
@@ -239,6 +254,7 @@ Plan readPlan(const QCoreApplication& application)
     options.number("minutes", "Length of the disc.", plan.minutes);
     options.number("tracks", "Tracks on it.", plan.tracks);
     options.number("runs", "Timed rips.", plan.runs);
+    options.number("peer-minutes", "Length of the disc that cdparanoia rips, too.", plan.peerMinutes);
     options.read(application);
     plan.minutes = std::max(2, plan.minutes);
     plan.tracks = std::min(plan.tracks, 99);
@@ -249,13 +265,22 @@ Plan readPlan(const QCoreApplication& application)
 
 int main(int argc, char** argv)
 {
+    if (argc == 3 && QByteArray(argv[1]) == ripDescribedCommand) {
+        dropDebugLog();
+        return ripDescribedDisc(argc, argv, QFile::decodeName(argv[2]));
+    }
     const QTemporaryDir folder;
     keepSurroundingsQuiet(folder.path());
     const QGuiApplication application(argc, argv);
     dropDebugLog();
     const Plan plan = readPlan(application);
-    const bool counted = countCommands(plan, folder.path() + QStringLiteral("/out"));
-    const bool fast = measureProcessor(plan, folder.path() + QStringLiteral("/out"));
+    printHead();
+    const QString out = folder.path() + QStringLiteral("/out");
+    const bool counted = countCommands(plan, out);
+    const bool fast = measureProcessor(plan, out);
     const bool unnoticed = measureGuard();
-    return counted && fast && unnoticed ? 0 : 1;
+    QDir(out).removeRecursively();
+    const DiscPeer peer{QStringLiteral(TARVEL_PLAYED_DRIVE), plan.peerMinutes, 4, plan.runs};
+    const int peerCode = runToEnd([&] { peer.printRows(folder.path()); });
+    return counted && fast && unnoticed ? peerCode : 1;
 }

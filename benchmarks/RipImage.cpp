@@ -11,6 +11,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -23,15 +24,8 @@ constexpr char windowCommand[] = "run-window";
 constexpr char stallCommand[] = "run-stalls";
 constexpr int longMinutes = 79;
 constexpr double longSampleBytes = longMinutes * 60.0 * 44100 * 2 * 4;
-constexpr double toolAim = 1.05;
-constexpr double copyAim = 1.5;
-constexpr double memoryAim = 1.6;
-constexpr double stallAim = 0.1;
+constexpr double stallSeconds = 0.1;
 
-double processorOf(const RunCost& cost)
-{
-    return cost.processor;
-}
 // The figures of the result line that a run of this program prints.
 double reported(const RunCost& cost, int place)
 {
@@ -52,13 +46,48 @@ double stallOf(const RunCost& cost)
 
 struct Plan {
     int minutes = 48;
+    int shortMinutes = 2;
     int tracks = 12;
     int pairs = 5;
-    int mp3Minutes = 2;
     QStringList rows;
 
     bool has(const char* row) const { return rows.isEmpty() || rows.contains(QLatin1String(row)); }
 };
+
+/// A format of the rip beside the tool that does the same work on one track.
+struct Format {
+    const char* row;
+    OutputFormat number;
+    const char* name;
+    const char* tool;      ///< with what settles its work
+    const char* arguments; ///< the rest; IN and OUT stand for its files
+    bool isSlow;           ///< the shorter image will do
+    bool inWindow;         ///< the window offers it
+    Bound worker;
+    Bound window;
+};
+
+QStringList words(const char* text)
+{
+    return QString::fromLatin1(text).split(u' ');
+}
+
+const QList<Format>& formats()
+{
+    using namespace bounds;
+    static const QList<Format> list{
+        {"flac", OutputFlac, "FLAC", "flac -5", "-s -f -o OUT.flac IN", false, true, sameEncoder,
+         encodedInWindow},
+        {"wav", OutputWav, "WAV", "dd", "", false, true, copiedImage, copiedImage},
+        {"mp3", OutputMp3, "MP3", "lame --cbr -b 320 -q 2", "--quiet IN OUT.mp3", true, true, sameEncoder,
+         encodedInWindow},
+        {"aac", OutputAac, "AAC", "ffmpeg", "-v error -y -i IN -c:a aac -b:a 192k OUT.m4a", true, false,
+         sameEncoder, encodedInWindow},
+        {"alac", OutputAlac, "ALAC", "ffmpeg", "-v error -y -i IN -c:a alac OUT.m4a", true, false,
+         sameEncoder, encodedInWindow},
+    };
+    return list;
+}
 
 class Benchmark {
 public:
@@ -70,16 +99,15 @@ public:
     void run()
     {
         printHead();
-        if (plan.has("flac") || plan.has("wav") || plan.has("window"))
-            image = makeMusicImage(folder + QStringLiteral("/image"), plan.minutes, plan.tracks);
-        if (plan.has("flac"))
-            flacRow();
-        if (plan.has("wav"))
-            wavRow();
+        const MusicImage image = makeMusicImage(folder + QStringLiteral("/image"), plan.minutes, plan.tracks);
+        const MusicImage shorter = makeMusicImage(folder + QStringLiteral("/short"), plan.shortMinutes,
+                                                  std::min(plan.tracks, plan.shortMinutes));
+        for (const Format& format : formats()) {
+            if (plan.has(format.row))
+                formatRows(format, format.isSlow ? shorter : image);
+        }
         if (plan.has("window"))
-            windowRows();
-        if (plan.has("mp3"))
-            mp3Row();
+            windowRows(image);
         if (plan.has("memory"))
             memoryRows();
     }
@@ -96,97 +124,80 @@ private:
         return sum;
     }
 
-    RunCost rip(const MusicImage& source, OutputFormat format)
+    RunCost rip(const char* command, const MusicImage& source, OutputFormat format)
     {
-        return inEmptyFolder({{QCoreApplication::applicationFilePath(), QLatin1String(workerCommand),
-                               source.cue, output, QString::number(format)}});
+        return inEmptyFolder({{QCoreApplication::applicationFilePath(), QLatin1String(command), source.cue,
+                               output, QString::number(format)}});
     }
 
-    RunCost window(const char* command)
+    QList<QStringList> copies(const MusicImage& source) const
     {
-        return inEmptyFolder(
-            {{QCoreApplication::applicationFilePath(), QLatin1String(command), image.cue, output}});
-    }
-
-    void toolRow(const QString& what, const PairedCosts& costs, double aim)
-    {
-        printRow(what, QStringLiteral("s"), medianOf(costs.ours, processorOf),
-                 medianOf(costs.other, processorOf), costs.ratio(processorOf), aim);
-        std::printf("%-40s %-5s %10.3f\n", "  of that the rip, without the start", "s",
-                    medianOf(costs.ours, ripProcessorOf));
-    }
-
-    QStringList waves(const MusicImage& source)
-    {
-        const QString target = folder + QStringLiteral("/waves");
-        QDir().mkpath(target);
-        return writeTrackWaves(source, target);
-    }
-
-    void dropWaves() { QDir(folder + QStringLiteral("/waves")).removeRecursively(); }
-
-    void flacRow()
-    {
-        QStringList command{QStringLiteral("flac"), QStringLiteral("-5"), QStringLiteral("-s"),
-                            QStringLiteral("-f"),
-                            QStringLiteral("--output-prefix=") + output + QLatin1Char('/')};
-        command += waves(image);
-        toolRow(
-            QStringLiteral("FLAC: worker / flac -5"),
-            runPairs(
-                plan.pairs, [&] { return rip(image, OutputFlac); }, [&] { return inEmptyFolder({command}); }),
-            toolAim);
-        dropWaves();
-    }
-
-    void wavRow()
-    {
-        QList<QStringList> copies;
-        for (int track = 0; track < image.tracks; ++track)
-            copies.append({QStringLiteral("dd"), QStringLiteral("if=") + image.bin,
-                           QStringLiteral("of=%1/%2").arg(output).arg(track), QStringLiteral("bs=1M"),
-                           QStringLiteral("iflag=skip_bytes,count_bytes"), QStringLiteral("status=none"),
-                           QStringLiteral("skip=%1").arg(track * image.trackBytes()),
-                           QStringLiteral("count=%1").arg(image.trackBytes())});
-        toolRow(QStringLiteral("WAV: worker / dd"),
-                runPairs(
-                    plan.pairs, [&] { return rip(image, OutputWav); }, [&] { return inEmptyFolder(copies); }),
-                copyAim);
-    }
-
-    void mp3Row()
-    {
-        const MusicImage shorter = makeMusicImage(folder + QStringLiteral("/short"), plan.mp3Minutes,
-                                                  std::min(plan.tracks, plan.mp3Minutes));
         QList<QStringList> commands;
-        for (const QString& wave : waves(shorter))
-            commands.append({QStringLiteral("lame"), QStringLiteral("--cbr"), QStringLiteral("-b"),
-                             QStringLiteral("320"), QStringLiteral("-q"), QStringLiteral("2"),
-                             QStringLiteral("--quiet"), wave,
-                             QStringLiteral("%1/%2.mp3").arg(output).arg(commands.size())});
-        toolRow(
-            QStringLiteral("MP3: worker / lame -b 320 -q 2"),
-            runPairs(
-                plan.pairs, [&] { return rip(shorter, OutputMp3); }, [&] { return inEmptyFolder(commands); }),
-            toolAim);
-        dropWaves();
+        for (int track = 0; track < source.tracks; ++track)
+            commands.append({QStringLiteral("dd"), QStringLiteral("if=") + source.bin,
+                             QStringLiteral("of=%1/%2").arg(output).arg(track), QStringLiteral("bs=1M"),
+                             QStringLiteral("iflag=skip_bytes,count_bytes"), QStringLiteral("status=none"),
+                             QStringLiteral("skip=%1").arg(track * source.trackBytes()),
+                             QStringLiteral("count=%1").arg(source.trackBytes())});
+        return commands;
     }
 
-    void windowRows()
+    QList<QStringList> toolCommands(const Format& format, const MusicImage& source) const
     {
-        const PairedCosts costs = runPairs(
-            plan.pairs, [&] { return window(windowCommand); }, [&] { return rip(image, OutputFlac); });
-        printRow(QStringLiteral("FLAC: window / worker, processor"), QStringLiteral("s"),
-                 medianOf(costs.ours, ripProcessorOf), medianOf(costs.other, ripProcessorOf),
-                 costs.ratio(ripProcessorOf), toolAim);
-        printRow(QStringLiteral("FLAC: window / worker, wall"), QStringLiteral("s"),
-                 medianOf(costs.ours, ripWallOf), medianOf(costs.other, ripWallOf), costs.ratio(ripWallOf),
-                 toolAim);
-        double longest = 0;
-        for (int i = 0; i < (plan.pairs + 1) / 2; ++i)
-            longest = std::max(longest, stallOf(window(stallCommand)));
-        printRow(QStringLiteral("FLAC: longest stall of the window"), QStringLiteral("s"), longest, 0,
-                 longest, stallAim);
+        if (format.number == OutputWav)
+            return copies(source);
+        const QString waves = folder + QStringLiteral("/waves");
+        QDir().mkpath(waves);
+        QList<QStringList> commands;
+        for (const QString& wave : writeTrackWaves(source, waves)) {
+            QStringList command = words(format.tool) + words(format.arguments);
+            command.replaceInStrings(QRegularExpression(QStringLiteral("^IN$")), wave);
+            command.replaceInStrings(QRegularExpression(QStringLiteral("^OUT")),
+                                     QStringLiteral("%1/%2").arg(output).arg(commands.size()));
+            commands.append(command);
+        }
+        return commands;
+    }
+
+    // The worker counts as a whole process, as its tool does. The window counts from the
+    // click to the result: its start is a figure of its own.
+    void formatRows(const Format& format, const MusicImage& source)
+    {
+        const QList<QStringList> commands = toolCommands(format, source);
+        QList<std::function<RunCost()>> sides{
+            [&] { return inEmptyFolder(commands); },
+            [&] { return rip(workerCommand, source, format.number); },
+        };
+        if (format.inWindow)
+            sides.append([&] { return rip(windowCommand, source, format.number); });
+        const QList<QList<RunCost>> costs = runInTurn(plan.pairs, sides);
+        const QList<double> tool = processorOf(costs[0]);
+        const auto name = [&](const char* side) {
+            return RowName{
+                QStringLiteral("image to %1, %2").arg(QLatin1String(format.name), QLatin1String(side)),
+                QLatin1String(format.tool), QStringLiteral("s")};
+        };
+        printRow(name("worker"), processorOf(costs[1]), tool, format.worker);
+        printNote(QStringLiteral("of that the rip, without the start"), QStringLiteral("s"),
+                  median(figures(costs[1], ripProcessorOf)));
+        if (format.inWindow)
+            printRow(name("window"), figures(costs[2], ripProcessorOf), tool, format.window);
+        QDir(folder + QStringLiteral("/waves")).removeRecursively();
+    }
+
+    void windowRows(const MusicImage& image)
+    {
+        const QList<QList<RunCost>> costs =
+            runInTurn((plan.pairs + 1) / 2, {[&] { return rip(windowCommand, image, OutputFlac); },
+                                             [&] { return rip(workerCommand, image, OutputFlac); },
+                                             [&] { return rip(stallCommand, image, OutputFlac); }});
+        printRow({QStringLiteral("image to FLAC, window, on the wall"), QStringLiteral("worker"),
+                  QStringLiteral("s")},
+                 figures(costs[0], ripWallOf), figures(costs[1], ripWallOf), bounds::windowWall);
+        const QList<double> stalls = figures(costs[2], stallOf);
+        printRow({QStringLiteral("longest stall of the window in a rip"), QStringLiteral("0.1 s"),
+                  QStringLiteral("s")},
+                 stalls, QList<double>(stalls.size(), stallSeconds), bounds::stall);
     }
 
     void memoryRows()
@@ -194,17 +205,16 @@ private:
         const MusicImage whole = makeMusicImage(folder + QStringLiteral("/long"), longMinutes, 1);
         constexpr double mebibyte = 1024 * 1024;
         for (const auto& [format, name] : {std::pair{OutputFlac, "FLAC"}, std::pair{OutputWav, "WAV"}}) {
-            const auto peak = static_cast<double>(rip(whole, format).peakBytes);
-            printRow(QStringLiteral("%1: peak memory / 4 bytes a sample").arg(QLatin1String(name)),
-                     QStringLiteral("MiB"), peak / mebibyte, longSampleBytes / mebibyte,
-                     peak / longSampleBytes, memoryAim);
+            const double peak = static_cast<double>(rip(workerCommand, whole, format).peakBytes);
+            printRow({QStringLiteral("peak memory, 79 minutes to %1").arg(QLatin1String(name)),
+                      QStringLiteral("4 bytes a sample"), QStringLiteral("MiB")},
+                     {peak / mebibyte}, {longSampleBytes / mebibyte}, bounds::imageMemory);
         }
     }
 
     Plan plan;
     QString folder;
     QString output;
-    MusicImage image;
 };
 
 Plan readPlan(const QCoreApplication& application)
@@ -212,10 +222,10 @@ Plan readPlan(const QCoreApplication& application)
     Plan plan;
     Options options;
     options.number("minutes", "Minutes of audio in the image.", plan.minutes);
+    options.number("short-minutes", "Minutes for the formats that take long.", plan.shortMinutes);
     options.number("tracks", "Tracks in the image.", plan.tracks);
-    options.number("pairs", "Paired runs of each row.", plan.pairs);
-    options.number("mp3-minutes", "Minutes of audio for the MP3 row.", plan.mp3Minutes);
-    options.rows("flac wav window mp3 memory", plan.rows);
+    options.number("pairs", "Runs of each side, in turn.", plan.pairs);
+    options.rows("flac wav mp3 aac alac window memory", plan.rows);
     options.read(application);
     return plan;
 }
@@ -233,12 +243,13 @@ int measure(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    const QByteArray command(argc > 3 ? argv[1] : "");
-    if (command.isEmpty() || !command.startsWith("run-"))
+    const QByteArray command(argc > 4 ? argv[1] : "");
+    if (!command.startsWith("run-"))
         return measure(argc, argv);
     const QString cue = QString::fromLocal8Bit(argv[2]);
     const QString folder = QString::fromLocal8Bit(argv[3]);
+    const auto format = static_cast<OutputFormat>(QByteArray(argv[4]).toInt());
     if (command == workerCommand)
-        return ripWithWorker(argc, argv, cue, argc > 4 ? QByteArray(argv[4]).toInt() : 0, folder);
-    return ripThroughWindow(argc, argv, cue, folder, command == stallCommand);
+        return ripWithWorker(argc, argv, cue, format, folder);
+    return ripThroughWindow(argc, argv, cue, format, folder, command == stallCommand);
 }
