@@ -29,7 +29,11 @@ QByteArray ImageSource::readSector(quint32 lba, ReadPurpose)
     const auto position = static_cast<qint64>(quint64{lba} * RAW_SECTOR_BYTES + disc.imageDataOffset);
     if (!holds(position))
         loadPiece(position);
-    return holds(position) ? piece.mid(position - pieceStart, RAW_SECTOR_BYTES) : QByteArray();
+    if (!holds(position))
+        return {};
+    sector.resize(RAW_SECTOR_BYTES);
+    std::copy_n(piece.constData() + (position - pieceStart), RAW_SECTOR_BYTES, sector.data());
+    return sector;
 }
 
 bool ImageSource::holds(qint64 position) const

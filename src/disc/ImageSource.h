@@ -32,4 +32,5 @@ private:
     QFile file;
     QByteArray piece; ///< bytes of the file around the last read
     qint64 pieceStart = 0;
+    QByteArray sector; ///< given out; its memory serves again once nobody else holds it
 };

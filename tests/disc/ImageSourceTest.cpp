@@ -47,6 +47,15 @@ TEST_F(ImageSourceTest, SectorsComeInAnyOrder)
     EXPECT_TRUE(read(image, 0xFFFFFFFF).isEmpty());
 }
 
+TEST_F(ImageSourceTest, ASectorThatIsKeptOutlivesTheNextRead)
+{
+    const QByteArray audio = makeAudio(3, 3);
+    bin(audio);
+    ImageSource image(sheet(QByteArray(binLine) + "TRACK 01 AUDIO\n"));
+    const QList<QByteArray> kept{read(image, 0), read(image, 1), read(image, 2)};
+    EXPECT_EQ(kept.join(), audio);
+}
+
 TEST_F(ImageSourceTest, AHeaderLiesInFrontOfTheFirstSector)
 {
     const QByteArray audio = makeAudio(3, 2);
