@@ -43,8 +43,8 @@ struct Decoding {
 const QList<Decoding>& decodings()
 {
     static const QList<Decoding> list{
-        {"wav", "cp IN OUT", {"sox -D IN OUT"}},
-        {"aiff", "sox -D IN OUT", {"sox -D IN OUT"}},
+        {"wav", "cp IN OUT", {"sox -D IN OUT"}, "decode_Wav IN OUT"},
+        {"aiff", "sox -D IN OUT", {"sox -D IN OUT"}, "decode_Aiff IN OUT"},
         {"flac", "flac -s -5 -o OUT IN", {"flac -d -s -f -o OUT IN"}, "decode_Flac IN OUT"},
         {"ogg", "oggenc -Q -q 6 -o OUT IN", {"oggdec -Q -o OUT IN"}, "decode_Ogg IN OUT"},
         {"opus", "opusenc --quiet IN OUT", {"opusdec --quiet IN OUT"}, "decode_Opus IN OUT"},
