@@ -13,6 +13,21 @@ namespace {
 // asks for more.
 constexpr quint32 maxTrackSectors = 0xFFFFFFFF / RAW_SECTOR_BYTES;
 
+template<typename Value>
+void shift(QList<Value>& samples, int offset)
+{
+    const qsizetype distance = std::abs(qsizetype{offset});
+    if (distance == 0 || distance >= samples.size())
+        return;
+    if (offset > 0) {
+        std::move(samples.begin() + distance, samples.end(), samples.begin());
+        std::fill(samples.end() - distance, samples.end(), Value{0});
+    } else {
+        std::move_backward(samples.begin(), samples.end() - distance, samples.end());
+        std::fill(samples.begin(), samples.begin() + distance, Value{0});
+    }
+}
+
 } // namespace
 
 ParanoiaReader::ParanoiaReader(QObject* parent) : QObject(parent) {}
@@ -76,20 +91,12 @@ QByteArray ParanoiaReader::readSectorVerified(CdDrive& drive, quint32 lba, Secto
                         abortFlag, record);
 }
 
-template<typename Value>
-void shiftWithSilence(QList<Value>& samples, int offset)
+void shiftWithSilence(QList<qint16>& samples, int offset)
 {
-    const qsizetype shift = std::abs(qsizetype{offset});
-    if (shift == 0 || shift >= samples.size())
-        return;
-    if (offset > 0) {
-        std::move(samples.begin() + shift, samples.end(), samples.begin());
-        std::fill(samples.end() - shift, samples.end(), Value{0});
-    } else {
-        std::move_backward(samples.begin(), samples.end() - shift, samples.end());
-        std::fill(samples.begin(), samples.begin() + shift, Value{0});
-    }
+    shift(samples, offset);
 }
 
-template void shiftWithSilence(QList<qint16>& samples, int offset);
-template void shiftWithSilence(QList<int>& samples, int offset);
+void shiftWithSilence(QList<int>& samples, int offset)
+{
+    shift(samples, offset);
+}

@@ -44,5 +44,5 @@ private:
 /// @param samples  interleaved left/right; its length never changes
 /// @param offset   positive drops values in front; ignored when its magnitude
 ///                 is not below the length
-template<typename Value>
-void shiftWithSilence(QList<Value>& samples, int offset);
+void shiftWithSilence(QList<qint16>& samples, int offset);
+void shiftWithSilence(QList<int>& samples, int offset);
