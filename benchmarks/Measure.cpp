@@ -57,12 +57,15 @@ bool printRow(const RowName& name, const QList<double>& ours, const QList<double
     const double middle = median(ratios);
     const auto [least, most] = std::minmax_element(ratios.cbegin(), ratios.cend());
     const bool holds = middle <= bound.most;
-    const char* form = rowForm == RowForm::Table
-                           ? "%-42s %-28s %-4s %9.3f %9.3f %7.3f  %7.3f %7.3f %6.2f  %s\n"
-                           : "row\t%s\t%s\t%s\t%.6f\t%.6f\t%.6f\t%.6f\t%.6f\t%.6f\t%s\t%s\n";
-    std::printf(form, qUtf8Printable(name.what), qUtf8Printable(name.other), qUtf8Printable(name.unit),
-                median(ours), median(other), middle, *least, *most, bound.most, holds ? "met" : "MISSED",
-                bound.reason);
+    if (rowForm == RowForm::Table)
+        std::printf("%-42s %-28s %-4s %9.3f %9.3f %7.3f  %7.3f %7.3f %6.2f  %s\n", qUtf8Printable(name.what),
+                    qUtf8Printable(name.other), qUtf8Printable(name.unit), median(ours), median(other),
+                    middle, *least, *most, bound.most, holds ? "met" : "MISSED");
+    else
+        std::printf("row\t%s\t%s\t%s\t%.6f\t%.6f\t%.6f\t%.6f\t%.6f\t%.6f\t%s\t%s\n",
+                    qUtf8Printable(name.what), qUtf8Printable(name.other), qUtf8Printable(name.unit),
+                    median(ours), median(other), middle, *least, *most, bound.most, holds ? "met" : "MISSED",
+                    bound.reason);
     std::fflush(stdout);
     return holds;
 }

@@ -41,7 +41,7 @@ TEST(ShiftWithSilence, OffsetAsLongAsTheTrackOrLongerIsIgnored)
 
 TEST(ShiftWithSilence, WideValuesMoveAlike)
 {
-    QList<int> samples{1 << 16, -2 << 16, 3 << 16};
+    QList<int> samples{1 * 65536, -2 * 65536, 3 * 65536};
     shiftWithSilence(samples, 1);
-    EXPECT_EQ(samples, (QList<int>{-2 << 16, 3 << 16, 0}));
+    EXPECT_EQ(samples, (QList<int>{-2 * 65536, 3 * 65536, 0}));
 }
