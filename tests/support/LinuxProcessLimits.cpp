@@ -14,8 +14,8 @@ namespace processlimits {
 
 void limitMemory()
 {
-#ifndef __SANITIZE_ADDRESS__
-    // The sanitizer's shadow takes terabytes of addresses.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    // A sanitizer's shadow takes terabytes of addresses.
     const rlimit limit{rlim_t{2} << 30, rlim_t{2} << 30};
     setrlimit(RLIMIT_AS, &limit);
 #endif

@@ -16,8 +16,11 @@ namespace {
 
 class LinuxEndSignals : public ::testing::Test {
 protected:
+    // What is ignored stays so, and a run in the background inherits that.
     LinuxEndSignals()
     {
+        for (const int number : {SIGTERM, SIGINT, SIGHUP})
+            std::signal(number, SIG_DFL);
         QGuiApplication::setQuitOnLastWindowClosed(false);
         QObject::connect(&tooLate, &QTimer::timeout, [] { QCoreApplication::exit(neverEnded); });
         tooLate.start(20000);
