@@ -30,6 +30,7 @@ bool DiscInHand::openSheet(const QString& path)
     if (!drive.openCue(path))
         return false;
     toc = drive.readToc();
+    leftItsDrive = false;
     return true;
 }
 
@@ -58,7 +59,8 @@ void DiscInHand::takeDriveOffset()
 bool DiscInHand::readDisc()
 {
     const DiscToc read = drive.readToc();
-    if (read.tracks.isEmpty())
+    leftItsDrive = read.tracks.isEmpty();
+    if (leftItsDrive)
         return false;
     toc = read;
     return true;
@@ -82,7 +84,7 @@ void DiscInHand::clear()
 
 bool DiscInHand::claim()
 {
-    if (toc.tracks.isEmpty() || isAudioFile() || !drive.borrow())
+    if (toc.tracks.isEmpty() || isAudioFile() || leftItsDrive || !drive.borrow())
         return false;
     if (drive.isOpen())
         return true;

@@ -19,15 +19,15 @@ public:
     bool openSheet(const QString& path);
     /// Opens a drive, and takes over its model and its own read offset. False as above.
     bool openDrive(const QString& letter);
-    /// Takes the disc in the open drive. False leaves the one that was there.
+    /// Takes the disc in the open drive. False leaves the table of the one that was there.
     bool readDisc();
     /// An audio file is a disc of one track, named after the file.
     void takeAudioFile(const QString& path);
     void clear();
 
     /// Borrows the drive for a rip of the disc. False for no disc, for the track that an
-    /// audio file leaves behind when it is no longer chosen, for a disc whose drive or
-    /// image is shut by now, and while another rip has the drive.
+    /// audio file leaves behind when it is no longer chosen, for a disc that has left its
+    /// drive or whose drive or image is shut by now, and while another rip has the drive.
     [[nodiscard]] bool claim();
 
     bool isAudioFile() const;
@@ -47,4 +47,5 @@ private:
     void takeDriveOffset();
 
     RipSettings& settings;
+    bool leftItsDrive = false; ///< the disc of the table, which stays on the pages
 };

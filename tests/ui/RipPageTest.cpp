@@ -6,6 +6,7 @@
 #include "rip/RipTypes.h"
 #include "support/DialogWatcher.h"
 #include "support/DiscMaker.h"
+#include "support/LoadingDrive.h"
 #include "ui/LogViewer.h"
 #include "ui/PageStage.h"
 #include "ui/PageValues.h"
@@ -172,6 +173,29 @@ TEST_F(RipPageTest, ADiscInADriveThatIsShutByNowIsNoSource)
     EXPECT_FALSE(stage.page.claimSource({QStringLiteral("/dev/sr7"), {}, {}})) << "it would be silence";
     EXPECT_EQ(stage.log(), riplog::missingSource());
     EXPECT_FALSE(stage.disc.drive.isBorrowed());
+}
+
+TEST_F(RipPageTest, NorIsOneThatHasLeftItsDrive)
+{
+    Stage stage;
+    stage.shelf.audio = makeAudio(60, 1);
+    LoadingDrive loading(stage.shelf);
+    const DrivePlatformOverride inPlace(loading);
+    ASSERT_TRUE(stage.disc.openDrive(stage.shelf.letter));
+    ASSERT_TRUE(stage.disc.readDisc());
+    loading.failure = DriveFailure::notReady;
+    loading.load(60);
+    ASSERT_TRUE(stage.disc.openDrive(stage.shelf.letter));
+    ASSERT_FALSE(stage.disc.readDisc());
+    EXPECT_FALSE(stage.page.claimSource({stage.shelf.letter, {}, {}})) << "it would be silence";
+    EXPECT_EQ(stage.log(), riplog::missingSource());
+    EXPECT_FALSE(stage.disc.drive.isBorrowed());
+
+    loading.load(0);
+    ASSERT_TRUE(stage.disc.openDrive(stage.shelf.letter));
+    ASSERT_TRUE(stage.disc.readDisc());
+    EXPECT_TRUE(stage.page.claimSource({stage.shelf.letter, {}, {}}));
+    stage.disc.drive.giveBack();
 }
 
 TEST_F(RipPageTest, NeitherIsTheSheetBeforeOneThatCouldNotBeOpened)
