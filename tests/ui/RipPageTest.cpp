@@ -261,6 +261,23 @@ TEST_F(RipPageTest, ARipOfASheetIsToldAllThatWasChosen)
     EXPECT_FALSE(stage.disc.drive.isBorrowed());
 }
 
+TEST_F(RipPageTest, TheDiscsOfASetHaveFoldersAndASingleOneHasNone)
+{
+    for (const auto& [number, total, expected] :
+         {std::tuple(1, 2, "/Ada - Blue/Disc1"), std::tuple(1, 1, "/Ada - Blue"),
+          std::tuple(2, 1, "/Ada - Blue")}) {
+        Stage stage;
+        ASSERT_TRUE(stage.openSheet(folder.path()));
+        RipRequest request = requestFor(aSheet());
+        request.album.discNumber = number;
+        request.album.discTotal = total;
+        ASSERT_TRUE(stage.page.claimSource(request.source));
+        EXPECT_TRUE(stage.header(request).contains("Folder : " + folder.path() + QLatin1String(expected)))
+            << number << " of " << total;
+        ASSERT_TRUE(stage.waitForRips());
+    }
+}
+
 TEST_F(RipPageTest, ARipOfADriveNamesItWithItsOffset)
 {
     Stage stage;
