@@ -190,6 +190,9 @@ void withoutDisc(Stage& stage, QList<Shot>& shots)
     stage.open({QStringLiteral("/dev/sr7")});
     stage.enterMetadata();
     stage.shoot(shots, QStringLiteral("Metadata of a drive that cannot be opened"));
+    stage.app->advanceTo(3);
+    WindowDriver::click(stage.app->rip());
+    stage.shoot(shots, QStringLiteral("RIP of a drive that cannot be opened"));
 }
 
 void metadata(Stage& stage, QList<Shot>& shots)
