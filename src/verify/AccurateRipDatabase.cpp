@@ -3,7 +3,7 @@
 #include "base/ByteOrder.h"
 #include "base/Language.h"
 #include "metadata/http/Http.h"
-#include "metadata/http/HttpTransport.h"
+#include "metadata/http/HttpStatus.h"
 #include "metadata/http/ServiceHosts.h"
 
 #include <QDebug>

@@ -1,5 +1,6 @@
 #include "metadata/http/Http.h"
 
+#include "metadata/http/HttpStatus.h"
 #include "metadata/http/HttpTransport.h"
 #include "metadata/http/ServiceHosts.h"
 

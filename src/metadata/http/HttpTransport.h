@@ -7,8 +7,6 @@
 
 #include <memory>
 
-inline constexpr int httpStatusOk = 200;
-
 /// One GET request in the form in which it leaves.
 struct HttpRequest {
     bool secure = false;            ///< https on port 443, else http on port 80

@@ -1,11 +1,11 @@
 #include "metadata/http/LinuxHttpExchange.h"
 
 #include "metadata/http/HttpAddress.h"
+#include "metadata/http/HttpStatus.h"
 
 #include <curl/curl.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <memory>
 #include <new>
@@ -39,12 +39,6 @@ bool append(List& list, const QByteArray& line)
     return true;
 }
 
-bool isRedirect(long status)
-{
-    constexpr std::array<long, 5> statuses{301, 302, 303, 307, 308};
-    return std::find(statuses.begin(), statuses.end(), status) != statuses.end();
-}
-
 /// One request and its redirects, with a session of its own.
 class Exchange {
 public:
@@ -60,7 +54,7 @@ private:
     bool prepareDetour(const HttpDetour& detour);
     CURLcode performHop();
     const char* location() const; ///< where a redirect leads; null for any other answer
-    long status() const;
+    int status() const;
     bool wantsBody() const;
     void heard() { lastByte = Clock::now(); }
     bool tooSilent() const;
@@ -99,11 +93,11 @@ size_t Exchange::onHeader(char* bytes, size_t size, size_t count, void* self)
     return length;
 }
 
-long Exchange::status() const
+int Exchange::status() const
 {
     long code = 0;
     curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &code);
-    return code;
+    return static_cast<int>(code);
 }
 
 const char* Exchange::location() const
@@ -257,7 +251,7 @@ HttpAnswer Exchange::run(const HttpDetour* detour)
         const bool stepDown = address.startsWith("https:") && next.startsWith("http:");
         if (!location() || (stepDown && !request.stepDownAllowed)) {
             answer.stage = HttpStage::Answered;
-            answer.status = static_cast<int>(status());
+            answer.status = status();
             answer.body = std::move(body);
             return answer;
         }

@@ -1,10 +1,10 @@
 #include "metadata/http/HttpAddress.h"
+#include "metadata/http/HttpStatus.h"
 #include "metadata/http/HttpTransport.h"
 #include "metadata/http/WindowsHttpAddress.h"
 #include "metadata/http/WindowsHttpConversation.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <new>
 #include <optional>
@@ -20,12 +20,6 @@ struct HandleCloser {
 using Handle = std::unique_ptr<std::remove_pointer_t<HINTERNET>, HandleCloser>;
 
 constexpr milliseconds pollStep{50};
-
-bool isRedirect(DWORD status)
-{
-    constexpr std::array<DWORD, 5> statuses{301, 302, 303, 307, 308};
-    return std::ranges::find(statuses, status) != statuses.end();
-}
 
 bool setNumber(const Handle& handle, DWORD option, DWORD number)
 {
@@ -51,7 +45,7 @@ private:
     /// Waits for the step that a call has begun.
     WindowsHttpConversation::Reply outcome(BOOL begun);
     bool isOverdue() const;
-    DWORD status() const;
+    int status() const;
     /// Of the head: all of it, or one of its fields.
     std::optional<QByteArray> head(DWORD what) const;
     bool isTooLong() const;
@@ -143,13 +137,13 @@ WindowsHttpConversation::Reply Exchange::send()
                    : received;
 }
 
-DWORD Exchange::status() const
+int Exchange::status() const
 {
     DWORD code = 0;
     DWORD size = sizeof code;
     WinHttpQueryHeaders(exchange.get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
                         WINHTTP_HEADER_NAME_BY_INDEX, &code, &size, WINHTTP_NO_HEADER_INDEX);
-    return code;
+    return static_cast<int>(code);
 }
 
 std::optional<QByteArray> Exchange::head(DWORD what) const
@@ -198,7 +192,7 @@ QByteArray Exchange::body()
 
 void Exchange::takeAnswer(HttpAnswer& answer, bool redirected)
 {
-    const DWORD code = status();
+    const int code = status();
     try {
         if (code == httpStatusOk || (request.bodyOfEveryStatus && !redirected))
             answer.body = body();
@@ -210,7 +204,7 @@ void Exchange::takeAnswer(HttpAnswer& answer, bool redirected)
         return;
     }
     answer.stage = HttpStage::Answered;
-    answer.status = static_cast<int>(code);
+    answer.status = code;
 }
 
 HttpAnswer Exchange::run(const HttpDetour* detour)

@@ -1,6 +1,7 @@
 // Lookups that make request after request, and the end of the program.
 
 #include "DiscTables.h"
+#include "metadata/http/HttpStatus.h"
 #include "metadata/http/HttpTransport.h"
 #include "metadata/lookup/GnuDb.h"
 
