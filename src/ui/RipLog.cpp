@@ -5,6 +5,7 @@
 #include "rip/OutputNaming.h"
 #include "rip/RipTypes.h"
 #include "ui/ProgramInfo.h"
+#include "ui/RipCounters.h"
 
 namespace riplog {
 
@@ -79,29 +80,7 @@ QString sectorWarning(const SectorResult& sector)
     return {};
 }
 
-void Counters::add(const SectorResult& sector)
-{
-    ++done;
-    if (sector.bad || sector.mismatch)
-        ++errors;
-    else if (!sector.clean)
-        ++suspects;
-}
-
-double Counters::readQuality() const
-{
-    double quality = 100.0;
-    if (done > 0)
-        quality = 100.0 - (static_cast<double>(errors) + suspects) * 100.0 / done;
-    return quality > 0 ? quality : 0;
-}
-
-QString Counters::readQualityText() const
-{
-    return QString::number(readQuality(), 'f', 2);
-}
-
-QStringList discResult(const Counters& counters)
+QStringList discResult(const RipCounters& counters)
 {
     const auto verdict = [&] {
         if (counters.errors >= 1)
@@ -118,7 +97,7 @@ QStringList discResult(const Counters& counters)
             doubleRule()};
 }
 
-QString discSummary(const Counters& counters)
+QString discSummary(const RipCounters& counters)
 {
     return QStringLiteral("Read Quality : %1%\nErrors : %2 sectors\nSuspect Sectors : %3 sectors")
         .arg(counters.readQualityText(), QString::number(counters.errors),

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+struct RipCounters;
 struct RipResult;
 struct SectorResult;
 
@@ -35,22 +36,8 @@ QString trackDone(const RipResult& result);
 /// Empty for a sector that calls for no line.
 QString sectorWarning(const SectorResult& sector);
 
-/// The counters of a rip, in sectors, and what follows from them.
-struct Counters {
-    int done = 0;
-    int errors = 0;
-    int suspects = 0;
-
-    void add(const SectorResult& sector);
-    /// Per cent, never below 0; 100 before the first sector. A sector saved by
-    /// re-reading counts as much as a lost one.
-    double readQuality() const;
-    /// With two decimals, without the per cent sign.
-    QString readQualityText() const;
-};
-
-QStringList discResult(const Counters& counters);
-QString discSummary(const Counters& counters);
+QStringList discResult(const RipCounters& counters);
+QString discSummary(const RipCounters& counters);
 QStringList audioFileResult();
 
 } // namespace riplog

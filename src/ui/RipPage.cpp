@@ -8,6 +8,7 @@
 #include "ui/LogViewer.h"
 #include "ui/PageParts.h"
 #include "ui/PageValues.h"
+#include "ui/RipLog.h"
 #include "ui/RipSettings.h"
 #include "ui/RunningRips.h"
 #include "ui/SectorMap.h"

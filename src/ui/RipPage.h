@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/RipLog.h"
+#include "ui/RipCounters.h"
 #include "ui/StatCards.h"
 
 #include <QWidget>
@@ -72,7 +72,7 @@ private:
     StatCards cards;
     DrawThrottle* counterDrawing = nullptr;
 
-    riplog::Counters counters;
+    RipCounters counters;
     qint32 sectorsTotal = 0;
     quint32 lastSpeed = 0; ///< KiB/s, for the next drawing
 };

@@ -1,7 +1,7 @@
 #include "ui/StatCards.h"
 
 #include "ui/PageParts.h"
-#include "ui/RipLog.h"
+#include "ui/RipCounters.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -41,12 +41,12 @@ QLabel* StatCards::addCard(int row, int column, const QString& title)
     return valueLabel;
 }
 
-void StatCards::showQuality(const riplog::Counters& counters)
+void StatCards::showQuality(const RipCounters& counters)
 {
     quality->setText(counters.readQualityText() + QLatin1Char('%'));
 }
 
-void StatCards::show(const riplog::Counters& counters, unsigned speed)
+void StatCards::show(const RipCounters& counters, unsigned speed)
 {
     showQuality(counters);
     suspects->setText(QString::number(counters.suspects));

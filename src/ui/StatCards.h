@@ -3,10 +3,7 @@
 class QGridLayout;
 class QLabel;
 class QString;
-
-namespace riplog {
-struct Counters;
-}
+struct RipCounters;
 
 /// The four numbers of the RIP step, each on a card of its own.
 class StatCards {
@@ -17,9 +14,9 @@ public:
 
     /// To be put into the page, whose widgets the cards become with it.
     QGridLayout* layout() const { return grid; }
-    void showQuality(const riplog::Counters& counters);
+    void showQuality(const RipCounters& counters);
     /// @param speed  KiB/s; 0 for none known
-    void show(const riplog::Counters& counters, unsigned speed);
+    void show(const RipCounters& counters, unsigned speed);
     void clear();
 
 private:

@@ -4,6 +4,7 @@
 #include "base/Settings.h"
 #include "disc/DiscModel.h"
 #include "rip/RipTypes.h"
+#include "ui/RipCounters.h"
 
 #include <QSettings>
 
@@ -125,33 +126,6 @@ TEST(RipLog, TrackLines)
     EXPECT_EQ(riplog::trackDone(result), QStringLiteral("  Track 12: ✦ saved  (errors:4)"));
     EXPECT_EQ(riplog::cover(true), QStringLiteral("  Track 00: Cover art: OK"));
     EXPECT_EQ(riplog::cover(false), QStringLiteral("  Track 00: Cover art: not found"));
-}
-
-TEST(RipLog, ASectorCountsOnceAndItsErrorBeforeItsDoubt)
-{
-    riplog::Counters counters;
-    const auto add = [&counters](bool clean, bool bad, bool mismatch) {
-        SectorResult sector;
-        sector.clean = clean;
-        sector.bad = bad;
-        sector.mismatch = mismatch;
-        counters.add(sector);
-        return QList<int>{counters.done, counters.errors, counters.suspects};
-    };
-    EXPECT_EQ(add(true, false, false), (QList<int>{1, 0, 0}));
-    EXPECT_EQ(add(false, false, false), (QList<int>{2, 0, 1}));
-    EXPECT_EQ(add(false, true, false), (QList<int>{3, 1, 1}));
-    EXPECT_EQ(add(true, false, true), (QList<int>{4, 2, 1}));
-    EXPECT_EQ(add(false, true, true), (QList<int>{5, 3, 1}));
-}
-
-TEST(RipLog, ReadQualityCountsSuspectsLikeErrors)
-{
-    EXPECT_EQ((riplog::Counters{0, 0, 0}).readQualityText(), QStringLiteral("100.00"));
-    EXPECT_EQ((riplog::Counters{200, 1, 2}).readQualityText(), QStringLiteral("98.50"));
-    EXPECT_EQ((riplog::Counters{300000, 0, 1}).readQualityText(), QStringLiteral("100.00"));
-    EXPECT_EQ((riplog::Counters{7, 3, 4}).readQualityText(), QStringLiteral("0.00"));
-    EXPECT_EQ((riplog::Counters{1, 2, 2}).readQuality(), 0.0);
 }
 
 TEST(RipLog, VerdictsByErrorsThenSuspects)
