@@ -23,10 +23,12 @@ add_compile_definitions(FLAC__NO_DLL TAGLIB_STATIC)
 enable_language(RC)
 function(tarvel_finish_program target)
     set(resource ${CMAKE_CURRENT_BINARY_DIR}/program.rc)
+    set(manifest ${CMAKE_CURRENT_BINARY_DIR}/program.manifest)
     configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/program.rc.in ${resource} @ONLY)
+    configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/program.manifest.in ${manifest} @ONLY)
     target_sources(${target} PRIVATE ${resource})
     set_source_files_properties(${resource} PROPERTIES
-        OBJECT_DEPENDS "${PROJECT_SOURCE_DIR}/packaging/windows/program.manifest;${PROJECT_SOURCE_DIR}/packaging/icon.ico")
+        OBJECT_DEPENDS "${manifest};${PROJECT_SOURCE_DIR}/packaging/icon.ico")
     set_target_properties(${target} PROPERTIES WIN32_EXECUTABLE ON)
 endfunction()
 
