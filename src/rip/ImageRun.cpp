@@ -71,7 +71,7 @@ QPixmap ImageRun::placeCover()
 RipResult ImageRun::ripTrack(ParanoiaReader& reader, const TrackInfo& track, const QString& name)
 {
     RipResult result = failedTrack(track.number, name);
-    if (!memoryHoldsSectors(track.endLba - track.startLba + 1))
+    if (!memoryHoldsSectors(track.endLba - track.startLba + 1, sizeof(qint32)))
         return result;
     QList<int> samples = writer.takeSpareSamples();
     reader.readTrack(*order.drive, track, samples);

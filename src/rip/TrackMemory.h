@@ -11,10 +11,8 @@ inline quint64 trackMemoryBytes()
     return physicalMemoryBytes() / 4 * 3;
 }
 
-/// Whether a track of sectors can be held, its values once as they were read
-/// and once widened to 32 bits.
-inline bool memoryHoldsSectors(quint64 sectors)
+/// Whether a track of sectors can be held, each of its values in so many bytes.
+inline bool memoryHoldsSectors(quint64 sectors, quint64 bytesOfValue)
 {
-    constexpr quint64 bytesOfSector = SECTOR_VALUES * (sizeof(qint16) + sizeof(qint32));
-    return sectors <= trackMemoryBytes() / bytesOfSector;
+    return sectors <= trackMemoryBytes() / (SECTOR_VALUES * bytesOfValue);
 }

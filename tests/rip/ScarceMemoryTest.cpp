@@ -13,16 +13,14 @@
 
 namespace {
 
-constexpr quint64 bytesOfSector = 1176 * (2 + 4); // its values as read, and widened
+constexpr quint64 bytesOfImageSector = 1176 * 4;      // its values in 32 bits
+constexpr quint64 bytesOfDiscSector = 1176 * (4 + 2); // and as a first pass read them
 
 /// The machine has this memory for as long as it lives; three quarters of it are
 /// for a track.
 class PretendedMemory {
 public:
-    explicit PretendedMemory(quint64 sectors)
-    {
-        pretendPhysicalMemory((sectors * bytesOfSector + 2) / 3 * 4);
-    }
+    explicit PretendedMemory(quint64 bytesForTrack) { pretendPhysicalMemory((bytesForTrack + 2) / 3 * 4); }
     ~PretendedMemory() { pretendPhysicalMemory(0); }
     PretendedMemory(const PretendedMemory&) = delete;
     PretendedMemory& operator=(const PretendedMemory&) = delete;
@@ -72,7 +70,7 @@ protected:
 
 TEST_F(ScarceMemory, AnImageTrackBeyondItFailsBeforeItIsRead)
 {
-    const PretendedMemory memory(59);
+    const PretendedMemory memory(59 * bytesOfImageSector);
     run.rip(image(), OutputWav, out());
     expectTheSecondFailed(QStringLiteral("Two"));
     EXPECT_EQ(run.sectors.size(), 30 + 40);
@@ -81,7 +79,7 @@ TEST_F(ScarceMemory, AnImageTrackBeyondItFailsBeforeItIsRead)
 
 TEST_F(ScarceMemory, AnImageTrackThatJustFitsIsWhole)
 {
-    const PretendedMemory memory(60);
+    const PretendedMemory memory(60 * bytesOfImageSector);
     run.rip(image(), OutputWav, out());
     ASSERT_EQ(run.results.size(), 3);
     EXPECT_TRUE(run.results[1].ok);
@@ -92,7 +90,7 @@ TEST_F(ScarceMemory, ADiscTrackBeyondItFailsBeforeItIsRead)
     for (const bool c2 : {true, false}) {
         loadDisc();
         disc.c2Available = c2;
-        const PretendedMemory memory(59);
+        const PretendedMemory memory(59 * bytesOfDiscSector);
         RunRecorder once;
         once.ripDisc(out() + QString::number(c2));
         ASSERT_EQ(once.results.size(), 3);
@@ -107,7 +105,7 @@ TEST_F(ScarceMemory, ADiscTrackBeyondItFailsBeforeItIsRead)
 TEST_F(ScarceMemory, ADiscTrackThatJustFitsIsWhole)
 {
     loadDisc();
-    const PretendedMemory memory(60);
+    const PretendedMemory memory(60 * bytesOfDiscSector);
     run.ripDisc(out());
     ASSERT_EQ(run.results.size(), 3);
     EXPECT_TRUE(run.results[1].ok);
