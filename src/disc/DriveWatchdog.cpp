@@ -1,17 +1,12 @@
 #include "disc/DriveWatchdog.h"
 
-#include <QDebug>
+#include "disc/DriveTimeOut.h"
 
 namespace {
 
 constexpr int stepMs = 50;
 
 } // namespace
-
-void logUnresponsiveSector(quint32 lba)
-{
-    qWarning() << "[CdDrive] Sector" << lba << "unresponsive after" << driveTimeOutMs << "ms, cancelling I/O";
-}
 
 void ReadEnd::signal()
 {

@@ -11,12 +11,6 @@
 /// The protection of a blocking read on a platform whose read command carries
 /// no time-out of its own.
 
-inline constexpr int driveTimeOutMs = 3000;
-
-/// Writes the warning about a read that was cancelled; it names the time-out,
-/// whatever the time really was.
-void logUnresponsiveSector(quint32 lba);
-
 /// The end of one read: told once by the thread that reads, awaited by the watchdog.
 class ReadEnd {
 public:

@@ -1,7 +1,7 @@
 #include "disc/LinuxDriveDevice.h"
 
 #include "base/ByteOrder.h"
-#include "disc/DriveWatchdog.h"
+#include "disc/DriveTimeOut.h"
 #include "disc/LinuxCommandAnswer.h"
 
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "disc/LinuxDrivePlatform.h"
 
-#include "disc/DriveWatchdog.h"
+#include "disc/DriveTimeOut.h"
 #include "disc/LinuxDriveDevice.h"
 
 #include <QDebug>
