@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <cwctype>
-#include <string>
 #include <string_view>
 #include <type_traits>
 

@@ -3,7 +3,6 @@
 #include "ui/PageParts.h"
 #include "ui/ProgramInfo.h"
 
-#include <QFrame>
 #include <QIcon>
 #include <QLabel>
 #include <QVBoxLayout>

@@ -2,7 +2,6 @@
 
 #include "support/Language.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>

@@ -6,8 +6,6 @@
 #include "support/AudioMaker.h"
 #include "support/Tool.h"
 
-#include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 

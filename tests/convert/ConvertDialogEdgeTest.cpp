@@ -7,7 +7,6 @@
 #include "support/Tool.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 namespace {

@@ -3,7 +3,6 @@
 #include "playeddrive/PlayedPath.h"
 
 #include <climits>
-#include <cstdlib>
 
 #include <dirent.h>
 #include <fcntl.h>

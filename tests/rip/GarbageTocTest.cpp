@@ -6,7 +6,6 @@
 #include "RunRecorder.h"
 #include "support/SimulatedDrive.h"
 
-#include <QFile>
 #include <QRandomGenerator>
 
 namespace {

@@ -3,8 +3,6 @@
 #include "rip/RipWorker.h"
 #include "support/Language.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 

@@ -8,7 +8,6 @@
 #include "support/SimulatedDrive.h"
 
 #include <QDir>
-#include <QThread>
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include "support/DiscMaker.h"
 #include "support/Tool.h"
 
-#include <QFile>
 #include <QRadioButton>
 #include <QSettings>
 #include <QTemporaryDir>

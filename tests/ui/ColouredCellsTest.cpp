@@ -2,7 +2,6 @@
 #include "ui/StyleSheet.h"
 
 #include <QImage>
-#include <QPixmap>
 #include <QTableWidget>
 
 #include <gtest/gtest.h>

@@ -10,7 +10,6 @@
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
-#include <QGroupBox>
 #include <QSettings>
 #include <QTabWidget>
 #include <QTemporaryDir>

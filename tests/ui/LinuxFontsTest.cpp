@@ -3,7 +3,6 @@
 #include <QFont>
 #include <QFontDatabase>
 #include <QGlyphRun>
-#include <QRawFont>
 #include <QTextLayout>
 
 #include <gtest/gtest.h>

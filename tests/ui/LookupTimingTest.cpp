@@ -6,7 +6,6 @@
 #include "support/FakeHttpTransport.h"
 
 #include <QElapsedTimer>
-#include <QSpinBox>
 
 #include <semaphore>
 

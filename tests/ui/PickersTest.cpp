@@ -3,7 +3,6 @@
 #include "ui/SettingsView.h"
 #include "ui/WindowDriver.h"
 
-#include "base/Settings.h"
 #include "support/DiscMaker.h"
 #include "support/Language.h"
 

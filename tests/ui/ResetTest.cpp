@@ -5,7 +5,6 @@
 #include "disc/DrivePlatform.h"
 #include "support/DiscMaker.h"
 #include "support/Language.h"
-#include "support/Tool.h"
 #include "ui/RipRelay.h"
 #include "ui/SectorMap.h"
 

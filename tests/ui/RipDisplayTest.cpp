@@ -7,7 +7,6 @@
 #include "support/DiscMaker.h"
 #include "ui/SectorMap.h"
 
-#include <QComboBox>
 #include <QImage>
 #include <QProgressBar>
 #include <QRadioButton>

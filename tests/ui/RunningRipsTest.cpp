@@ -7,10 +7,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFileInfo>
-#include <QSettings>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
 

@@ -5,8 +5,6 @@
 #include "ui/Restart.h"
 
 #include <QApplication>
-#include <QFile>
-#include <QFileInfo>
 #include <QMessageBox>
 #include <QRadioButton>
 #include <QSettings>

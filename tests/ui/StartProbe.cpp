@@ -2,7 +2,6 @@
 // a start, says what the start has made of the process, and closes the window.
 
 #include <QApplication>
-#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>

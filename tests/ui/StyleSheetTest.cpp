@@ -5,7 +5,6 @@
 #include <QCheckBox>
 #include <QIcon>
 #include <QImage>
-#include <QLabel>
 #include <QMap>
 #include <QPushButton>
 #include <QRegularExpression>

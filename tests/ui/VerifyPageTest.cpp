@@ -10,7 +10,6 @@
 #include "verify/AccurateRip.h"
 #include "verify/AccurateRipDatabase.h"
 
-#include <QHash>
 #include <QLabel>
 #include <QProgressBar>
 #include <QTableWidget>

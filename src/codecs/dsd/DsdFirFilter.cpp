@@ -1,5 +1,7 @@
 #include "codecs/dsd/DsdFirFilter.h"
 
+#include "codecs/KaiserWindow.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>

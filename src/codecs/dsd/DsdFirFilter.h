@@ -1,7 +1,5 @@
 #pragma once
 
-#include "codecs/KaiserWindow.h"
-
 #include <QtGlobal>
 
 #include <array>

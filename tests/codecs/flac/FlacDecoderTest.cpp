@@ -4,8 +4,6 @@
 #include "support/AudioMaker.h"
 #include "support/Tool.h"
 
-#include <QDir>
-#include <QFile>
 
 class FlacDecoderTest : public EncoderTest {
 protected:

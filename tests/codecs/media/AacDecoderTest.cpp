@@ -4,7 +4,6 @@
 #include "support/AudioMaker.h"
 #include "support/Tool.h"
 
-#include <algorithm>
 
 class AacDecoderTest : public EncoderTest {
 protected:

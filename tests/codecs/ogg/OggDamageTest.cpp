@@ -1,9 +1,7 @@
-#include "codecs/ogg/OggDecoder.h"
 
 #include "codecs/DecoderFiles.h"
 #include "codecs/Mutation.h"
 
-#include <algorithm>
 
 // Files whose pages are not what an encoder made of them.
 class OggDamageTest : public EncoderTest {

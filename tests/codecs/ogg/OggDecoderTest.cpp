@@ -1,7 +1,6 @@
 #include "codecs/ogg/OggDecoder.h"
 
 #include "codecs/DecoderFiles.h"
-#include "support/AudioMaker.h"
 #include "support/Tool.h"
 
 #include <algorithm>

@@ -2,8 +2,6 @@
 #include "support/AudioMaker.h"
 #include "support/Tool.h"
 
-#include <QFile>
-#include <QFileInfo>
 
 #include <ostream>
 

@@ -6,7 +6,6 @@
 #include "metadata/http/HttpTransport.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <sys/resource.h>
 #include <unistd.h>
