@@ -9,14 +9,15 @@
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVirtualObject>
 #include <QTest>
-#include <QThread>
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <functional>
 #include <map>
+#include <thread>
 #include <utility>
 
 #include <dlfcn.h>
@@ -98,9 +99,13 @@ private:
 /// On a thread of its own, as a rip does, while this one answers on the bus.
 void onItsOwnThread(const std::function<void()>& act)
 {
-    const std::unique_ptr<QThread> thread(QThread::create(act));
-    thread->start();
-    ASSERT_TRUE(QTest::qWaitFor([&thread] { return thread->isFinished(); }, 60000));
+    std::atomic<bool> ended = false;
+    std::thread thread([&] {
+        act();
+        ended = true;
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&ended] { return ended.load(); }, 60000));
+    thread.join();
 }
 
 id_t threadOf(id_t who)
