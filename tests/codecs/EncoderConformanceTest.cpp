@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <array>
 #include <limits>
 
 // The questions that every encoder of a real file must answer alike.
@@ -207,8 +208,8 @@ TEST_P(EncoderConformanceTest, ADiskThatEndsOneByteTooEarlyFails)
 
 static std::string nameOf(const ::testing::TestParamInfo<EncoderId>& instance)
 {
-    constexpr const char* names[] = {"Wav", "Flac", "Mp3", "Aiff", "Aac", "Alac"};
-    return names[instance.param];
+    constexpr std::array names{"Wav", "Flac", "Mp3", "Aiff", "Aac", "Alac"};
+    return names.at(instance.param);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, EncoderConformanceTest,
