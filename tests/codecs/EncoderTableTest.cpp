@@ -7,7 +7,6 @@
 #include "codecs/pcm/AiffEncoder.h"
 #include "codecs/pcm/WavEncoder.h"
 
-
 template<typename Encoder>
 static bool makes(int id)
 {

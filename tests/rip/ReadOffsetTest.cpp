@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 /// Frames of the disc from one on, silence outside the audio area: what a track

@@ -1,6 +1,5 @@
 #include "support/TestAuthority.h"
 
-
 #include <openssl/bn.h>
 #include <openssl/ecdsa.h>
 #include <openssl/evp.h>

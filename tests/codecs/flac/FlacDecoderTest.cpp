@@ -4,7 +4,6 @@
 #include "support/AudioMaker.h"
 #include "support/Tool.h"
 
-
 class FlacDecoderTest : public EncoderTest {
 protected:
     QByteArray encoded(const AudioFormat& format, quint64 frames, const QStringList& options = {})

@@ -4,7 +4,6 @@
 #include "support/AudioMaker.h"
 #include "support/Tool.h"
 
-
 class AacDecoderTest : public EncoderTest {
 protected:
     void convert(const QStringList& options, const QString& name) const

@@ -2,7 +2,6 @@
 #include "codecs/DecoderFiles.h"
 #include "codecs/Mutation.h"
 
-
 // Files whose pages are not what an encoder made of them.
 class OggDamageTest : public EncoderTest {
 protected:

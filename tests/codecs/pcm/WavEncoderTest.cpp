@@ -2,7 +2,6 @@
 #include "support/AudioMaker.h"
 #include "support/Tool.h"
 
-
 #include <ostream>
 
 class WavEncoderTest : public EncoderTest {
