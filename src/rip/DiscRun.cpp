@@ -23,8 +23,6 @@ namespace {
 constexpr quint32 keepAliveInterval = 100; // sectors
 constexpr quint32 probeDistance = 150;     // sectors behind the first audio sector
 constexpr int trackPauseMs = 500;
-// As a sample, and as a first pass read it.
-constexpr quint64 bytesOfValue = sizeof(qint32) + sizeof(qint16);
 constexpr quint32 windowFirstSector = 440;
 constexpr quint32 windowSectors = 22;
 // 99:59:74 is the last address that a disc can name. A track beyond that is a
@@ -107,6 +105,8 @@ void DiscRun::ripTrack(qsizetype place)
     const quint32 sectors = sectorCount(track.startLba, lastLba);
     if (place > 0)
         drivePlatform().sleepMilliseconds(trackPauseMs);
+    // A first pass is held beside the samples until the track is read.
+    const quint64 bytesOfValue = sizeof(qint32) + (mode.c2 ? 0 : sizeof(qint16));
     if (sectors == 0 || !memoryHoldsSectors(sectors, bytesOfValue)) {
         report.trackEnds(failedTrack(track.number, name));
         return;
