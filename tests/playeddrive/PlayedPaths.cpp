@@ -3,6 +3,7 @@
 #include "playeddrive/PlayedPath.h"
 
 #include <climits>
+#include <cstdlib>
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -1,4 +1,3 @@
-
 #include "codecs/DecoderFiles.h"
 #include "codecs/Mutation.h"
 

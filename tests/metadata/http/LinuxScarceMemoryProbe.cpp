@@ -6,6 +6,7 @@
 #include "metadata/http/HttpTransport.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sys/resource.h>
 #include <unistd.h>
