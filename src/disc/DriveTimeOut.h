@@ -2,7 +2,8 @@
 
 #include <QtGlobal>
 
-/// How long a read of sectors may take, on every platform.
+/// How long a guarded read of sectors may take; a platform may wait longer where its
+/// system leaves it no choice.
 inline constexpr int driveTimeOutMs = 3000;
 
 /// Writes the warning about a read that was cancelled; it names the time-out,
