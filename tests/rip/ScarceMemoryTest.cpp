@@ -49,6 +49,14 @@ protected:
         disc.tracks = {{0}, {30}, {90}};
     }
 
+    void ripDiscInMemoryOf(quint64 sectors, bool c2, RunRecorder& recorder)
+    {
+        loadDisc();
+        disc.c2Available = c2;
+        const PretendedMemory memory(sectors * bytesOfDiscSector(c2));
+        recorder.ripDisc(out() + QString::number(c2));
+    }
+
     /// The second of three tracks failed and left no file.
     void expectTheSecondFailed(const QString& secondName) const
     {
@@ -93,11 +101,8 @@ TEST_F(ScarceMemory, AnImageTrackThatJustFitsIsWhole)
 TEST_F(ScarceMemory, ADiscTrackBeyondItFailsBeforeItIsRead)
 {
     for (const bool c2 : {true, false}) {
-        loadDisc();
-        disc.c2Available = c2;
-        const PretendedMemory memory(59 * bytesOfDiscSector(c2));
         RunRecorder once;
-        once.ripDisc(out() + QString::number(c2));
+        ripDiscInMemoryOf(59, c2, once);
         ASSERT_EQ(once.results.size(), 3);
         EXPECT_TRUE(once.results[0].ok);
         EXPECT_FALSE(once.results[1].ok);
@@ -110,11 +115,8 @@ TEST_F(ScarceMemory, ADiscTrackBeyondItFailsBeforeItIsRead)
 TEST_F(ScarceMemory, ADiscTrackThatJustFitsIsWhole)
 {
     for (const bool c2 : {true, false}) {
-        loadDisc();
-        disc.c2Available = c2;
-        const PretendedMemory memory(60 * bytesOfDiscSector(c2));
         RunRecorder once;
-        once.ripDisc(out() + QString::number(c2));
+        ripDiscInMemoryOf(60, c2, once);
         ASSERT_EQ(once.results.size(), 3);
         EXPECT_TRUE(once.results[1].ok) << c2;
     }
