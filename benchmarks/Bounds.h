@@ -26,7 +26,7 @@ inline constexpr Bound oversampler{1.0, "no slower than its definition"};
 inline constexpr Bound oneBitFilter{1.0 / 3, "a third of its definition"};
 inline constexpr Bound folder{1.10, "the same library; 10 % for the dialog and its start"};
 inline constexpr Bound conversionMemory{1.0, "the same, however long the file"};
-inline constexpr Bound startBesideBare{6.0, "five pages, and the libraries of all codecs"};
+inline constexpr Bound startBesideBare{5.0, "five pages, and the libraries of most codecs"};
 inline constexpr Bound startOfWindow{1.0, "a start that nobody waits for"};
 
 } // namespace bounds

@@ -30,25 +30,23 @@ double workOf(const RunCost& cost)
     return cost.output.simplified().toDouble();
 }
 
-/// One kind of file: how a tool makes one of the WAV file IN, the tools that turn
-/// one, IN, back into a WAV file OUT, and, where they have no other kind of file to
-/// serve, the program of ours that has none either.
+/// One kind of file: how a tool makes one of the WAV file IN, and the tools that turn
+/// one, IN, back into a WAV file OUT.
 struct Decoding {
     const char* ending;
     const char* maker;
     QList<const char*> tools;
-    const char* alone = nullptr;
 };
 
 const QList<Decoding>& decodings()
 {
     static const QList<Decoding> list{
-        {"wav", "cp IN OUT", {"sox -D IN OUT"}, "decode_Wav IN OUT"},
-        {"aiff", "sox -D IN OUT", {"sox -D IN OUT"}, "decode_Aiff IN OUT"},
-        {"flac", "flac -s -5 -o OUT IN", {"flac -d -s -f -o OUT IN"}, "decode_Flac IN OUT"},
-        {"ogg", "oggenc -Q -q 6 -o OUT IN", {"oggdec -Q -o OUT IN"}, "decode_Ogg IN OUT"},
-        {"opus", "opusenc --quiet IN OUT", {"opusdec --quiet IN OUT"}, "decode_Opus IN OUT"},
-        {"wv", "wavpack -q IN -o OUT", {"wvunpack -q -y IN -o OUT"}, "decode_WavPack IN OUT"},
+        {"wav", "cp IN OUT", {"sox -D IN OUT"}},
+        {"aiff", "sox -D IN OUT", {"sox -D IN OUT"}},
+        {"flac", "flac -s -5 -o OUT IN", {"flac -d -s -f -o OUT IN"}},
+        {"ogg", "oggenc -Q -q 6 -o OUT IN", {"oggdec -Q -o OUT IN"}},
+        {"opus", "opusenc --quiet IN OUT", {"opusdec --quiet IN OUT"}},
+        {"wv", "wavpack -q IN -o OUT", {"wvunpack -q -y IN -o OUT"}},
         {"mp3",
          "lame --quiet -b 320 -q 5 IN OUT",
          {"lame --quiet --decode IN OUT", "ffmpeg -v error -y -i IN -c:a pcm_s24le OUT"}},
@@ -121,14 +119,6 @@ private:
                 in, out};
     }
 
-    /// A command whose program stands in the folder of this one.
-    static QStringList besideThis(const char* program, const QString& in, const QString& out)
-    {
-        QStringList command = filled(program, in, out);
-        command.first().prepend(QCoreApplication::applicationDirPath() + u'/');
-        return command;
-    }
-
     void row(const QString& what, const QString& tool, const QStringList& ours,
              const QList<QStringList>& other, const Bound& bound)
     {
@@ -152,12 +142,8 @@ private:
             const QString target = output(QStringLiteral("wav"));
             for (const char* tool : kind.tools) {
                 const QString what = QStringLiteral("decode ") + QLatin1String(kind.ending);
-                const QString name = words(tool).first();
-                const QList<QStringList> other{filled(tool, source, target)};
-                row(what, name, convert(WavEncoderId, source, target), other, bounds::sameDecoder);
-                if (kind.alone)
-                    row(what + QStringLiteral(", alone"), name, besideThis(kind.alone, source, target), other,
-                        bounds::sameDecoder);
+                row(what, words(tool).first(), convert(WavEncoderId, source, target),
+                    {filled(tool, source, target)}, bounds::sameDecoder);
             }
             QFile::remove(source);
         }

@@ -35,3 +35,9 @@ endfunction()
 # No drive can be played to a whole program here.
 function(tarvel_add_played_drive)
 endfunction()
+
+# FFmpeg is built here with what the program uses of it, and linked in no time.
+function(tarvel_add_media_module)
+endfunction()
+function(tarvel_load_media_at_need target)
+endfunction()

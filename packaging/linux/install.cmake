@@ -11,6 +11,7 @@ foreach(file example.tarvel.cd_ripper.metainfo.xml man/tarvel-cd-ripper.1 man/ja
 endforeach()
 
 install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS tarvel_media_module LIBRARY DESTINATION ${TARVEL_MODULE_FOLDER})
 install(FILES ${linux}/tarvel-cd-ripper.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${made}/example.tarvel.cd_ripper.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 install(FILES ${made}/man/tarvel-cd-ripper.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
