@@ -6,23 +6,24 @@
 #include <QList>
 #include <QtEndian>
 
-#include <algorithm>
-
-/// Appends the values of one sector as they are.
-inline void appendSampleValues(QList<qint16>& samples, const QByteArray& sector)
+/// Puts the values of one sector as they are where there is room for SECTOR_VALUES.
+inline void putSampleValues(qint16* values, const QByteArray& sector)
 {
-    const qsizetype place = samples.size();
-    samples.resize(place + SECTOR_VALUES);
-    qFromLittleEndian<qint16>(sector.constData(), SECTOR_VALUES, samples.data() + place);
+    qFromLittleEndian<qint16>(sector.constData(), SECTOR_VALUES, values);
 }
 
-/// Appends the values of one sector, each shifted left by 16 with its sign kept.
+/// As above, each shifted left by 16 with its sign kept.
+inline void putSampleValues(int* values, const QByteArray& sector)
+{
+    const char* bytes = sector.constData();
+    for (int i = 0; i < SECTOR_VALUES; ++i, bytes += sizeof(qint16))
+        values[i] = qFromLittleEndian<qint16>(bytes) * 65536;
+}
+
+/// Appends the values of one sector, each shifted left by 16.
 inline void appendSampleValues(QList<int>& samples, const QByteArray& sector)
 {
-    qint16 values[SECTOR_VALUES];
-    qFromLittleEndian<qint16>(sector.constData(), SECTOR_VALUES, values);
     const qsizetype place = samples.size();
     samples.resize(place + SECTOR_VALUES);
-    std::transform(std::begin(values), std::end(values), samples.begin() + place,
-                   [](qint16 value) { return int{value} * 65536; });
+    putSampleValues(samples.data() + place, sector);
 }

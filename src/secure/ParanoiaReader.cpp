@@ -49,13 +49,14 @@ void ParanoiaReader::readInto(QList<Value>& samples, CdDrive& drive, const Track
 {
     abortFlag = false;
     results.clear();
-    samples.resize(0);
     // A track that ends before it starts has a count above any track's.
     const quint32 count = track.endLba - track.startLba + 1;
     if (count == 0 || count > maxTrackSectors)
-        return;
+        return samples.clear();
 
     reserveLarge(samples, static_cast<qsizetype>(count) * SECTOR_VALUES);
+    samples.resize(static_cast<qsizetype>(count) * SECTOR_VALUES);
+    Value* values = samples.data();
     results.reserve(static_cast<qsizetype>(count));
     const bool direct = !forceVerify && (track.sourceIsAudioFile || !track.sourceFile.isEmpty());
     for (quint32 place = 0; place < count && !abortFlag; ++place) {
@@ -64,7 +65,8 @@ void ParanoiaReader::readInto(QList<Value>& samples, CdDrive& drive, const Track
         const QByteArray sector =
             direct ? readSectorDirect(drive, lba, record) : readSectorVerified(drive, lba, record);
         results.append(record);
-        appendSampleValues(samples, sector);
+        putSampleValues(values, sector);
+        values += SECTOR_VALUES;
         if (onSector)
             onSector(record);
         if (onProgress)
