@@ -117,7 +117,7 @@ void RipPage::followRips()
 {
     connect(&rips, &RunningRips::logLine, logViewer, &LogViewer::append);
     connect(&rips, &RunningRips::statusText, progressLabel, &QLabel::setText);
-    connect(&rips, &RunningRips::sectorDone, this, &RipPage::countSector);
+    connect(&rips, &RunningRips::sectorsDone, this, &RipPage::countSectors);
     connect(&rips, &RunningRips::trackStarted, this, &RipPage::showTrackStart);
     connect(&rips, &RunningRips::trackDone, this, &RipPage::keepResult);
 }
@@ -208,14 +208,16 @@ void RipPage::appendLog(const QString& line)
     logViewer->append(line);
 }
 
-void RipPage::countSector(const SectorResult& sector)
+void RipPage::countSectors(const QList<SectorResult>& sectors)
 {
-    sectorMap->addSector(sector);
-    counters.add(sector);
-    const QString warning = riplog::sectorWarning(sector);
-    if (!warning.isEmpty())
-        logViewer->append(warning);
-    lastSpeed = sector.speed;
+    for (const SectorResult& sector : sectors) {
+        sectorMap->addSector(sector);
+        counters.add(sector);
+        const QString warning = riplog::sectorWarning(sector);
+        if (!warning.isEmpty())
+            logViewer->append(warning);
+        lastSpeed = sector.speed;
+    }
     counterDrawing->request();
 }
 

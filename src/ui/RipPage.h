@@ -55,7 +55,7 @@ private:
     std::unique_ptr<RipWorker> workerFor(const RipRequest& request, const QString& artist,
                                          const QString& album, const QString& folder) const;
     void appendAll(const QStringList& lines);
-    void countSector(const SectorResult& sector);
+    void countSectors(const QList<SectorResult>& sectors);
     void showTrackStart(int number, int total, const QString& title);
     void keepResult(const RipResult& result);
     void drawCounters();

@@ -20,14 +20,26 @@ class RipRelay::Channel {
 public:
     explicit Channel(RipRelay* target) : relay(target) {}
 
-    /// On the worker's thread.
+    /// On the worker's thread, both.
     void push(Event event)
     {
-        std::unique_lock lock(mutex);
-        room.wait(lock, [this] { return closed || waiting.size() <= waitingLimit; });
+        const auto lock = lockWithRoom();
         if (closed)
             return;
         waiting.push_back(std::move(event));
+        ++waitingCount;
+        wakeLocked();
+    }
+    void push(const SectorResult& sector)
+    {
+        const auto lock = lockWithRoom();
+        if (closed)
+            return;
+        auto* sectors = waiting.empty() ? nullptr : std::get_if<Sectors>(&waiting.back());
+        if (!sectors || sectors->size() == sectorsAtOnce)
+            sectors = &std::get<Sectors>(waiting.emplace_back(Sectors()));
+        sectors->append(sector);
+        ++waitingCount;
         wakeLocked();
     }
 
@@ -37,6 +49,7 @@ public:
         {
             const std::lock_guard lock(mutex);
             waiting.swap(emptied);
+            waitingCount = 0;
         }
         room.notify_all();
     }
@@ -60,11 +73,19 @@ public:
             const std::lock_guard lock(mutex);
             closed = true;
             waiting.clear();
+            waitingCount = 0;
         }
         room.notify_all();
     }
 
 private:
+    std::unique_lock<std::mutex> lockWithRoom()
+    {
+        std::unique_lock lock(mutex);
+        room.wait(lock, [this] { return closed || waitingCount <= waitingLimit; });
+        return lock;
+    }
+
     // The relay cannot go while the lock is held and the channel is open: its
     // destructor closes the channel first.
     void wakeLocked()
@@ -76,6 +97,7 @@ private:
     std::mutex mutex;
     std::condition_variable room;
     std::vector<Event> waiting;
+    std::size_t waitingCount = 0; ///< each sector by itself
     RipRelay* relay;
     bool wakeUnderWay = false;
     bool closed = false;
@@ -155,8 +177,8 @@ bool RipRelay::fetchBatch()
 
 void RipRelay::deliver(const Event& event)
 {
-    if (const auto* sector = std::get_if<SectorResult>(&event))
-        Q_EMIT sectorDone(*sector);
+    if (const auto* sectors = std::get_if<Sectors>(&event))
+        Q_EMIT sectorsDone(*sectors);
     else if (const auto* start = std::get_if<TrackStart>(&event))
         Q_EMIT trackStarted(start->number, start->total, start->title);
     else if (const auto* result = std::get_if<RipResult>(&event))

@@ -25,6 +25,8 @@ public:
     /// in while the GUI thread works on something else. 99:59:74 is the last address
     /// that a disc can name; the rest is for what is said of its tracks.
     static constexpr std::size_t waitingLimit = 100 * 60 * SECTORS_PER_SECOND + 10'000;
+    /// A signal for each of them would cost more than what is done with it.
+    static constexpr qsizetype sectorsAtOnce = 64;
     /// How long one turn of delivery may last before the event loop gets its own.
     static constexpr int turnMilliseconds = 10;
 
@@ -37,7 +39,8 @@ public:
     void close();
 
 Q_SIGNALS:
-    void sectorDone(const SectorResult& sector);
+    /// As many in a row as there were, up to sectorsAtOnce.
+    void sectorsDone(const QList<SectorResult>& sectors);
     void trackStarted(int trackNumber, int totalTracks, const QString& title);
     void trackDone(const RipResult& result);
     void logLine(const QString& line);
@@ -57,7 +60,8 @@ private:
         QString text;
     };
     struct Finish {};
-    using Event = std::variant<SectorResult, TrackStart, RipResult, LogLine, StatusText, Finish>;
+    using Sectors = QList<SectorResult>; ///< that nothing else came between
+    using Event = std::variant<Sectors, TrackStart, RipResult, LogLine, StatusText, Finish>;
     class Channel;
 
     Q_INVOKABLE void deliverTurn();

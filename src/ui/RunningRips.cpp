@@ -42,7 +42,7 @@ void RunningRips::start(std::unique_ptr<RipWorker> worker)
     rip.relay->attach(rip.worker);
     connect(rip.relay, &RipRelay::logLine, this, &RunningRips::logLine);
     connect(rip.relay, &RipRelay::statusText, this, &RunningRips::statusText);
-    connect(rip.relay, &RipRelay::sectorDone, this, &RunningRips::sectorDone);
+    connect(rip.relay, &RipRelay::sectorsDone, this, &RunningRips::sectorsDone);
     connect(rip.relay, &RipRelay::trackStarted, this, &RunningRips::trackStarted);
     connect(rip.relay, &RipRelay::trackDone, this, &RunningRips::trackDone);
     connect(rip.relay, &RipRelay::finished, this, [this, thread = rip.thread] { endRip(thread); });

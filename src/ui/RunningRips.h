@@ -28,7 +28,7 @@ public:
     void start(std::unique_ptr<RipWorker> worker);
 
 Q_SIGNALS:
-    void sectorDone(const SectorResult& sector);
+    void sectorsDone(const QList<SectorResult>& sectors);
     void trackStarted(int trackNumber, int totalTracks, const QString& title);
     void trackDone(const RipResult& result);
     void logLine(const QString& line);

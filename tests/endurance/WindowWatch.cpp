@@ -66,12 +66,14 @@ void WindowWatch::followButtons()
 void WindowWatch::followRips()
 {
     auto* rips = app.window().findChild<RunningRips*>();
-    connect(rips, &RunningRips::sectorDone, this, [this](const SectorResult& sector) {
-        ++sectors;
-        if (sector.bad || sector.mismatch)
-            ++errors;
-        else if (!sector.clean)
-            ++suspects;
+    connect(rips, &RunningRips::sectorsDone, this, [this](const QList<SectorResult>& done) {
+        for (const SectorResult& sector : done) {
+            ++sectors;
+            if (sector.bad || sector.mismatch)
+                ++errors;
+            else if (!sector.clean)
+                ++suspects;
+        }
     });
     connect(rips, &RunningRips::trackDone, this,
             [this](const RipResult& result) { saved += result.ok ? 1 : 0; });

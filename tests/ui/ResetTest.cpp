@@ -244,7 +244,7 @@ TEST_P(Reset, ADrawingThatIsOutstandingIsForgotten)
     waitForAQuarter(app);
     auto* relay = app.window().findChild<RipRelay*>();
     for (int sector = 0; sector < 2; ++sector) // the first is drawn at once, or before the second
-        Q_EMIT relay->sectorDone(SectorResult());
+        Q_EMIT relay->sectorsDone({SectorResult()});
     app.reset()->click();
     bool over = false;
     QTimer::singleShot(200, qApp, [&over] { over = true; });

@@ -326,9 +326,8 @@ TEST_F(RipPageTest, WhatTheRipsReportIsShown)
     EXPECT_EQ(stage.status(), QStringLiteral("Track 3/12: Rain"));
     EXPECT_EQ(stage.log(), (QStringList{"line", "  Track 03: Rain"}));
 
-    for (const SectorResult& one : {sector(true, false, false, 300), sector(false, false, false, 300),
-                                    sector(false, true, false, 300), sector(true, false, true, 600)})
-        Q_EMIT stage.rips.sectorDone(one);
+    Q_EMIT stage.rips.sectorsDone({sector(true, false, false, 300), sector(false, false, false, 300)});
+    Q_EMIT stage.rips.sectorsDone({sector(false, true, false, 300), sector(true, false, true, 600)});
     ASSERT_TRUE(QTest::qWaitFor([&stage] { return stage.card(3) == QStringLiteral("4.0x"); }, 60000));
     EXPECT_EQ(stage.cards(), (QStringList{"25.00%", "1", "2", "4.0x"}));
     EXPECT_EQ(stage.log().last(2), (QStringList{"  ⚠ Could not confirm sector: LBA 7",
@@ -371,8 +370,8 @@ TEST_F(RipPageTest, TheResultOfADiscHasItsNumbers)
 {
     for (const int language : {1, 2}) {
         Stage stage(language);
-        Q_EMIT stage.rips.sectorDone(sector(true, false, false, 0));
-        Q_EMIT stage.rips.sectorDone(sector(false, false, false, 0));
+        Q_EMIT stage.rips.sectorsDone({sector(true, false, false, 0)});
+        Q_EMIT stage.rips.sectorsDone({sector(false, false, false, 0)});
         EXPECT_EQ(stage.showResult(false),
                   (QStringList{textIn(language, "リッピング完了", "Rip Complete"),
                                textIn(language, "リッピングが完了しました。\n\n", "Ripping is complete.\n\n")
@@ -403,9 +402,9 @@ TEST_F(RipPageTest, AfterAResetNothingOfARipIsSeen)
 {
     Stage stage;
     for (int number = 0; number < 3; ++number) // drawn at once, and outstanding
-        Q_EMIT stage.rips.sectorDone(sector(false, true, false, 300));
+        Q_EMIT stage.rips.sectorsDone({sector(false, true, false, 300)});
     stage.showResult(false);
-    Q_EMIT stage.rips.sectorDone(sector(false, true, false, 300));
+    Q_EMIT stage.rips.sectorsDone({sector(false, true, false, 300)});
     stage.page.reset();
     EXPECT_TRUE(stage.log().isEmpty());
     EXPECT_EQ(stage.bar()->value(), 0);
@@ -420,9 +419,9 @@ TEST_F(RipPageTest, AfterAResetNothingOfARipIsSeen)
 TEST_F(RipPageTest, ASectorThatTellsNoSpeedTakesTheLastOneAway)
 {
     Stage stage;
-    Q_EMIT stage.rips.sectorDone(sector(true, false, false, 300));
+    Q_EMIT stage.rips.sectorsDone({sector(true, false, false, 300)});
     ASSERT_EQ(stage.card(3), QStringLiteral("2.0x")); // 300 / 150
-    Q_EMIT stage.rips.sectorDone(sector(true, false, false, 0));
+    Q_EMIT stage.rips.sectorsDone({sector(true, false, false, 0)});
     EXPECT_TRUE(QTest::qWaitFor([&stage] { return stage.card(3) == QStringLiteral("—"); }, 60000));
 }
 

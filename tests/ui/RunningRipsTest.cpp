@@ -52,10 +52,11 @@ TEST_F(RunningRipsTest, TheSectorsLinesAndStatesOfAnImageComeOut)
 {
     CdDrive drive;
     RunningRips rips;
-    int sectors = 0;
+    qsizetype sectors = 0;
     QStringList lines;
     bool finished = false;
-    QObject::connect(&rips, &RunningRips::sectorDone, [&sectors](const SectorResult&) { ++sectors; });
+    QObject::connect(&rips, &RunningRips::sectorsDone,
+                     [&sectors](const QList<SectorResult>& some) { sectors += some.size(); });
     QObject::connect(&rips, &RunningRips::logLine, [&lines](const QString& line) { lines << line; });
     QObject::connect(&rips, &RunningRips::finished, [&finished] { finished = true; });
     rips.start(imageRip(drive));
