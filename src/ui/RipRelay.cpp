@@ -54,17 +54,12 @@ public:
         room.notify_all();
     }
 
-    void wake()
+    /// Whether nothing waits; then the next event wakes the relay.
+    bool sleepIfEmpty()
     {
         const std::lock_guard lock(mutex);
-        if (!closed)
-            wakeLocked();
-    }
-
-    void turnBegins()
-    {
-        const std::lock_guard lock(mutex);
-        wakeUnderWay = false;
+        isAwake = !waiting.empty();
+        return !isAwake;
     }
 
     void close()
@@ -90,7 +85,7 @@ private:
     // destructor closes the channel first.
     void wakeLocked()
     {
-        if (!std::exchange(wakeUnderWay, true))
+        if (!std::exchange(isAwake, true))
             QMetaObject::invokeMethod(relay, "deliverTurn", Qt::QueuedConnection);
     }
 
@@ -99,11 +94,17 @@ private:
     std::vector<Event> waiting;
     std::size_t waitingCount = 0; ///< each sector by itself
     RipRelay* relay;
-    bool wakeUnderWay = false;
+    bool isAwake = false; ///< or about to be
     bool closed = false;
 };
 
-RipRelay::RipRelay(QObject* parent) : QObject(parent), channel(std::make_shared<Channel>(this)) {}
+RipRelay::RipRelay(QObject* parent) : QObject(parent), channel(std::make_shared<Channel>(this))
+{
+    pause.setSingleShot(true);
+    pause.setTimerType(Qt::PreciseTimer);
+    pause.setInterval(pauseMilliseconds);
+    connect(&pause, &QTimer::timeout, this, &RipRelay::onPauseOver);
+}
 
 RipRelay::~RipRelay()
 {
@@ -140,13 +141,15 @@ void RipRelay::attach(RipWorker* worker)
 void RipRelay::close()
 {
     channel->close();
+    pause.stop();
     batch.clear();
     next = 0;
 }
 
 void RipRelay::deliverTurn()
 {
-    channel->turnBegins();
+    // At the begin, as a slot may run an event loop, in which delivery goes on.
+    pause.start();
     const QPointer<RipRelay> self(this);
     QElapsedTimer turn;
     turn.start();
@@ -154,13 +157,15 @@ void RipRelay::deliverTurn()
         // Taken out first: a slot may run an event loop that comes back here.
         const Event event = std::move(batch[next++]);
         deliver(event);
-        if (!self)
+        if (!self || turn.elapsed() >= turnMilliseconds)
             return;
-        if (turn.elapsed() >= turnMilliseconds) {
-            channel->wake();
-            return;
-        }
     }
+}
+
+void RipRelay::onPauseOver()
+{
+    if (next < batch.size() || !channel->sleepIfEmpty())
+        deliverTurn();
 }
 
 bool RipRelay::fetchBatch()

@@ -3,7 +3,9 @@
 #include "disc/DiscModel.h"
 #include "rip/RipTypes.h"
 
+#include <QList>
 #include <QObject>
+#include <QTimer>
 
 #include <memory>
 #include <variant>
@@ -12,9 +14,9 @@
 class RipWorker;
 
 /// Carries what a worker reports to the GUI thread, in order and complete, at
-/// any speed: a burst crosses as one wake-up instead of one posted event for
-/// each signal, delivery gives the event loop a turn every few milliseconds,
-/// and a worker that runs far ahead is made to wait.
+/// any speed: what comes at once is delivered at once, and what follows within a few
+/// milliseconds together; delivery gives the event loop its turn, and a worker that
+/// runs far ahead is made to wait.
 ///
 /// Lives in the GUI thread, and its signals are emitted there. No lock is held
 /// while they are, so that a slot may run an event loop of its own.
@@ -29,6 +31,8 @@ public:
     static constexpr qsizetype sectorsAtOnce = 64;
     /// How long one turn of delivery may last before the event loop gets its own.
     static constexpr int turnMilliseconds = 10;
+    /// From one turn to the next. Waking a thread costs more than a sector.
+    static constexpr int pauseMilliseconds = 5;
 
     explicit RipRelay(QObject* parent = nullptr);
     ~RipRelay() override;
@@ -65,10 +69,12 @@ private:
     class Channel;
 
     Q_INVOKABLE void deliverTurn();
+    void onPauseOver();
     bool fetchBatch();
     void deliver(const Event& event);
 
     std::shared_ptr<Channel> channel; ///< shared with the worker's connections, which may outlive this
     std::vector<Event> batch;         ///< taken from the channel, delivered up to `next`
     std::size_t next = 0;
+    QTimer pause; ///< runs from the begin of a turn; without it the next event wakes this
 };

@@ -3,6 +3,7 @@
 #include "rip/RipWorker.h"
 
 #include <QElapsedTimer>
+#include <QEvent>
 #include <QEventLoop>
 #include <QTest>
 #include <QThread>
@@ -38,6 +39,19 @@ public:
 
 private:
     std::thread thread;
+};
+
+/// How often its object was called from another thread.
+class WakeCount : public QObject {
+public:
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::MetaCall ? 1 : 0;
+        return false;
+    }
 };
 
 SectorResult sectorAt(quint32 lba)
@@ -135,6 +149,48 @@ TEST(RipRelay, AFullDiscAtFullSpeedArrivesWholeAndTimersGoOn)
     EXPECT_EQ(expected, sectors);
     EXPECT_EQ(mostAtOnce, RipRelay::sectorsAtOnce) << "they came faster than they were taken";
     EXPECT_LT(longestPause, 1000); // a turn takes 10 ms; the rest is for a loaded machine
+}
+
+// Each of them comes after the one before has been delivered.
+TEST(RipRelay, AThreadThatKeepsUpIsNotWokenForEachSector)
+{
+    constexpr qsizetype sectors = 2000;
+    WakeCount wakes;
+    Emitter emitter;
+    RipRelay relay;
+    relay.installEventFilter(&wakes);
+    relay.attach(&emitter.worker);
+    qsizetype received = 0;
+    QObject::connect(&relay, &RipRelay::sectorsDone,
+                     [&](const QList<SectorResult>& some) { received += some.size(); });
+    emitter.start([](RipWorker& worker) {
+        for (quint32 lba = 0; lba < sectors; ++lba) {
+            Q_EMIT worker.sectorDone(sectorAt(lba));
+            QThread::usleep(100);
+        }
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return received == sectors; }, 60000));
+    EXPECT_GE(wakes.count, 1);
+    EXPECT_LT(wakes.count, sectors / 10);
+}
+
+TEST(RipRelay, AWorkerThatPausesWakesItAnew)
+{
+    Emitter emitter;
+    RipRelay relay;
+    relay.attach(&emitter.worker);
+    std::atomic<int> received = 0;
+    QObject::connect(&relay, &RipRelay::logLine, [&] { ++received; });
+    emitter.start([&](RipWorker& worker) {
+        for (int line = 0; line < 10; ++line) {
+            Q_EMIT worker.logLine(QStringLiteral("line"));
+            for (int wait = 0; received == line && wait < 5000; ++wait)
+                QThread::msleep(1);
+            QThread::msleep(3 * RipRelay::pauseMilliseconds);
+        }
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return emitter.done.load(); }, 60000));
+    EXPECT_EQ(received, 10);
 }
 
 // The GUI thread may be at work on something else for as long as a disc takes.
