@@ -3,6 +3,7 @@
 
 #include "ChildRun.h"
 #include "Measure.h"
+#include "MemoryPasses.h"
 #include "MusicImage.h"
 #include "Options.h"
 #include "QuietSurroundings.h"
@@ -16,12 +17,14 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 
 namespace {
 
 constexpr char workerCommand[] = "run-worker";
 constexpr char windowCommand[] = "run-window";
 constexpr char stallCommand[] = "run-stalls";
+constexpr char passesCommand[] = "run-passes";
 constexpr int longMinutes = 79;
 constexpr double longSampleBytes = longMinutes * 60.0 * 44100 * 2 * 4;
 constexpr double stallSeconds = 0.1;
@@ -78,7 +81,7 @@ const QList<Format>& formats()
     static const QList<Format> list{
         {"flac", OutputFlac, "FLAC", "flac -5", "-s -f -o OUT.flac IN", false, true, sameEncoder,
          encodedInWindow},
-        {"wav", OutputWav, "WAV", "dd", "", false, true, copiedImage, copiedImage},
+        {"wav", OutputWav, "WAV", "dd", "", false, true, copiedImage, copiedInWindow},
         {"mp3", OutputMp3, "MP3", "lame --cbr -b 320 -q 2", "--quiet IN OUT.mp3", true, true, sameEncoder,
          encodedInWindow},
         {"aac", OutputAac, "AAC", "ffmpeg", "-v error -y -i IN -c:a aac -b:a 192k OUT.m4a", true, false,
@@ -170,6 +173,8 @@ private:
         };
         if (format.inWindow)
             sides.append([&] { return rip(windowCommand, source, format.number); });
+        if (format.number == OutputWav)
+            sides.append([&] { return passes(source); });
         const QList<QList<RunCost>> costs = runInTurn(plan.pairs, sides);
         const QList<double> tool = processorOf(costs[0]);
         const auto name = [&](const char* side) {
@@ -180,9 +185,26 @@ private:
         printRow(name("worker"), processorOf(costs[1]), tool, format.worker);
         printNote(QStringLiteral("of that the rip, without the start"), QStringLiteral("s"),
                   median(figures(costs[1], ripProcessorOf)));
+        if (format.number == OutputWav)
+            floorRow(processorOf(costs[1]), tool, figures(costs[3], ripProcessorOf));
         if (format.inWindow)
             printRow(name("window"), figures(costs[2], ripProcessorOf), tool, format.window);
         QDir(folder + QStringLiteral("/waves")).removeRecursively();
+    }
+
+    static RunCost passes(const MusicImage& source)
+    {
+        return runChild({QCoreApplication::applicationFilePath(), QLatin1String(passesCommand),
+                         QString::number(source.tracks), QString::number(source.trackBytes()), QString()});
+    }
+
+    // What no rip of this design can be cheaper than.
+    static void floorRow(const QList<double>& worker, const QList<double>& copies, QList<double> floor)
+    {
+        std::transform(floor.cbegin(), floor.cend(), copies.cbegin(), floor.begin(), std::plus<>());
+        printRow({QStringLiteral("image to WAV, worker"), QStringLiteral("dd, and three passes over memory"),
+                  QStringLiteral("s")},
+                 worker, floor, bounds::copiedImageAndPasses);
     }
 
     void windowRows(const MusicImage& image)
@@ -246,6 +268,8 @@ int main(int argc, char** argv)
     const QByteArray command(argc > 4 ? argv[1] : "");
     if (!command.startsWith("run-"))
         return measure(argc, argv);
+    if (command == passesCommand)
+        return passOverMemory(QByteArray(argv[2]).toInt(), QByteArray(argv[3]).toLongLong());
     const QString cue = QString::fromLocal8Bit(argv[2]);
     const QString folder = QString::fromLocal8Bit(argv[3]);
     const auto format = static_cast<OutputFormat>(QByteArray(argv[4]).toInt());

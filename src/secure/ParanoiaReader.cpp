@@ -79,12 +79,14 @@ void ParanoiaReader::readInto(QList<Value>& samples, CdDrive& drive, const Track
 
 QByteArray ParanoiaReader::readSectorDirect(CdDrive& drive, quint32 lba, SectorResult& record)
 {
-    const QByteArray sector = drive.readSector(lba);
+    QByteArray sector = drive.readSector(lba);
     record = SectorResult();
     record.lba = lba;
     record.bad = sector.isEmpty();
     record.clean = !record.bad;
-    return record.bad ? silentSector() : sector;
+    if (record.bad)
+        sector = silentSector();
+    return sector;
 }
 
 QByteArray ParanoiaReader::readSectorVerified(CdDrive& drive, quint32 lba, SectorResult& record)
