@@ -41,17 +41,22 @@ private:
     std::thread thread;
 };
 
-/// How often its object was called from another thread.
-class WakeCount : public QObject {
+/// How often its objects got an event of a kind.
+class EventCount : public QObject {
 public:
+    explicit EventCount(QEvent::Type counted) : type(counted) {}
+
     int count = 0;
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override
     {
-        count += event->type() == QEvent::MetaCall ? 1 : 0;
+        count += event->type() == type ? 1 : 0;
         return false;
     }
+
+private:
+    QEvent::Type type;
 };
 
 SectorResult sectorAt(quint32 lba)
@@ -155,7 +160,7 @@ TEST(RipRelay, AFullDiscAtFullSpeedArrivesWholeAndTimersGoOn)
 TEST(RipRelay, AThreadThatKeepsUpIsNotWokenForEachSector)
 {
     constexpr qsizetype sectors = 2000;
-    WakeCount wakes;
+    EventCount wakes(QEvent::MetaCall);
     Emitter emitter;
     RipRelay relay;
     relay.installEventFilter(&wakes);
@@ -191,6 +196,22 @@ TEST(RipRelay, AWorkerThatPausesWakesItAnew)
     });
     EXPECT_TRUE(QTest::qWaitFor([&] { return emitter.done.load(); }, 60000));
     EXPECT_EQ(received, 10);
+}
+
+TEST(RipRelay, RestsWhileAWorkerHasNothingToSay)
+{
+    Emitter emitter;
+    RipRelay relay;
+    relay.attach(&emitter.worker);
+    bool received = false;
+    QObject::connect(&relay, &RipRelay::logLine, [&] { received = true; });
+    emitter.start([](RipWorker& worker) { Q_EMIT worker.logLine(QStringLiteral("line")); });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return received; }, 60000));
+    QTest::qWait(4 * RipRelay::pauseMilliseconds);
+    EventCount ticks(QEvent::Timer);
+    qApp->installEventFilter(&ticks);
+    QTest::qWait(20 * RipRelay::pauseMilliseconds);
+    EXPECT_EQ(ticks.count, 0);
 }
 
 // The GUI thread may be at work on something else for as long as a disc takes.
