@@ -28,7 +28,12 @@ endfunction()
 include(GNUInstallDirs)
 set(TARVEL_MODULE_FOLDER ${CMAKE_INSTALL_LIBDIR}/tarvel-cd-ripper)
 file(RELATIVE_PATH module_beside_program
-    ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_PREFIX}/${TARVEL_MODULE_FOLDER})
+    ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR}/tarvel-cd-ripper)
+# The build keeps to the same way, which must not lead out of it.
+if(NOT module_beside_program MATCHES "^\\.\\./[^.]")
+    message(FATAL_ERROR "CMAKE_INSTALL_BINDIR and CMAKE_INSTALL_LIBDIR have to lie side by side: "
+        "from its own folder the program looks for its module in ${module_beside_program}.")
+endif()
 
 function(tarvel_add_media_module)
     add_library(tarvel_media_module MODULE ${PROJECT_SOURCE_DIR}/src/codecs/media/LinuxMediaModule.cpp)
