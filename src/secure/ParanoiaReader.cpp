@@ -54,9 +54,9 @@ void ParanoiaReader::readInto(QList<Value>& samples, CdDrive& drive, const Track
     if (count == 0 || count > maxTrackSectors)
         return samples.clear();
 
-    reserveLarge(samples, static_cast<qsizetype>(count) * SECTOR_VALUES);
-    samples.resize(static_cast<qsizetype>(count) * SECTOR_VALUES);
-    Value* values = samples.data();
+    const qsizetype valueCount = qsizetype{count} * SECTOR_VALUES;
+    reserveLarge(samples, valueCount);
+    samples.resize(std::min(samples.size(), valueCount));
     results.reserve(static_cast<qsizetype>(count));
     const bool direct = !forceVerify && (track.sourceIsAudioFile || !track.sourceFile.isEmpty());
     for (quint32 place = 0; place < count && !abortFlag; ++place) {
@@ -65,8 +65,10 @@ void ParanoiaReader::readInto(QList<Value>& samples, CdDrive& drive, const Track
         const QByteArray sector =
             direct ? readSectorDirect(drive, lba, record) : readSectorVerified(drive, lba, record);
         results.append(record);
-        putSampleValues(values, sector);
-        values += SECTOR_VALUES;
+        // What the list has not held before becomes zeros where these are still in the cache.
+        const qsizetype first = qsizetype{place} * SECTOR_VALUES;
+        samples.resize(std::max(samples.size(), first + SECTOR_VALUES));
+        putSampleValues(samples.data() + first, sector);
         if (onSector)
             onSector(record);
         if (onProgress)
