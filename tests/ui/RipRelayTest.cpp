@@ -100,6 +100,7 @@ TEST(RipRelay, DeliversAllKindsInTheirOrderOnTheGuiThread)
     QObject::connect(&relay, &RipRelay::finished, [&] { note("finished"); });
 
     emitter.start([](RipWorker& worker) {
+        Q_EMIT worker.sectorDone(sectorAt(6));
         Q_EMIT worker.statusText(QStringLiteral("a"));
         Q_EMIT worker.trackStarted(1, 2, QStringLiteral("t"));
         Q_EMIT worker.sectorDone(sectorAt(7));
@@ -109,9 +110,11 @@ TEST(RipRelay, DeliversAllKindsInTheirOrderOnTheGuiThread)
         Q_EMIT worker.trackDone(resultOf(1));
         Q_EMIT worker.finished();
     });
+    while (!emitter.done) // so that all of it waits together
+        QThread::msleep(1);
     EXPECT_TRUE(QTest::qWaitFor([&] { return seen.contains(QStringLiteral("finished")); }, 5000));
-    EXPECT_EQ(seen, (QStringList{"status a", "start 1/2 t", "sector 7", "log l", "sector 8", "sector 9",
-                                 "done 1", "finished"}));
+    EXPECT_EQ(seen, (QStringList{"sector 6", "status a", "start 1/2 t", "sector 7", "log l", "sector 8",
+                                 "sector 9", "done 1", "finished"}));
 }
 
 TEST(RipRelay, AFullDiscAtFullSpeedArrivesWholeAndTimersGoOn)
@@ -327,6 +330,29 @@ TEST(RipRelay, MayBeDeletedBySomethingItDelivers)
     EXPECT_TRUE(QTest::qWaitFor([&] { return emitter.done.load() && received > 0; }, 5000));
     QTest::qWait(20);
     EXPECT_EQ(received, 1);
+}
+
+TEST(RipRelay, MayBeDeletedInALaterTurn)
+{
+    Emitter emitter;
+    auto* relay = new RipRelay;
+    relay->attach(&emitter.worker);
+    int received = 0;
+    QObject::connect(relay, &RipRelay::logLine, [&] {
+        if (++received == 2)
+            delete relay;
+        else
+            QThread::msleep(RipRelay::turnMilliseconds); // the next line is for another turn
+    });
+    emitter.start([](RipWorker& worker) {
+        for (int i = 0; i < 10; ++i)
+            Q_EMIT worker.logLine(QStringLiteral("line"));
+    });
+    while (!emitter.done)
+        QThread::msleep(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return received > 1; }, 60000));
+    QTest::qWait(20);
+    EXPECT_EQ(received, 2);
 }
 
 TEST(RipRelay, GoesOnInsideAnEventLoopThatASlotRuns)
