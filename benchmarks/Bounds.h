@@ -12,8 +12,8 @@ namespace bounds {
 inline constexpr Bound sameEncoder{1.05, "the same library; 5 % for the way to it"};
 inline constexpr Bound sameDecoder{1.05, "the same library, or one of the same kind"};
 inline constexpr Bound copiedImageAndPasses{4.0 / 3, "a third for start, checksums and verdicts"};
-inline constexpr Bound copiedImage{2.5, "the copy, the passes of the next row, and a third of both"};
-inline constexpr Bound copiedInWindow{2.75, "the worker's, and a quarter of a copy for the map and the log"};
+inline constexpr Bound copiedImage{2.4, "the copy, the next row's passes for 0.8 of it, and a third of both"};
+inline constexpr Bound copiedInWindow{2.65, "the worker's, and a quarter of a copy for the map and the log"};
 inline constexpr Bound encodedInWindow{1.10, "the worker's 5 %, and 5 % for the map and the log"};
 inline constexpr Bound windowWall{1.05, "5 % for the map and the log"};
 inline constexpr Bound stall{1.0, "more is felt"};

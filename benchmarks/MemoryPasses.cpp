@@ -12,13 +12,13 @@
 int passOverMemory(int tracks, qint64 trackBytes)
 {
     constexpr qsizetype piece = 32 * 1024;
-    const double before = ownProcessorSeconds();
     const auto count = static_cast<qsizetype>(trackBytes / 2) / piece * piece;
     QList<qint16> narrow(piece);
     std::iota(narrow.begin(), narrow.end(), qint16{0});
     QList<qint32> wide;
     reserveLarge(wide, count);
     wide.resize(count);
+    const double before = ownProcessorSeconds();
     quint32 sum = 0;
     for (int track = 0; track < tracks; ++track) {
         for (auto to = wide.begin(); to != wide.end(); to += piece)

@@ -39,28 +39,19 @@ function(tarvel_add_media_module)
     add_library(tarvel_media_module MODULE ${PROJECT_SOURCE_DIR}/src/codecs/media/LinuxMediaModule.cpp)
     target_link_libraries(tarvel_media_module PRIVATE tarvel_options tarvel_codecs)
     target_link_options(tarvel_media_module PRIVATE LINKER:--exclude-libs,ALL LINKER:--as-needed)
-    # Where the program, which looks for it there once both are installed, finds it.
-    set(programs ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
-    if(NOT programs)
-        set(programs ${PROJECT_BINARY_DIR}/src)
-    endif()
-    cmake_path(APPEND programs ${module_beside_program} OUTPUT_VARIABLE folder)
-    cmake_path(NORMAL_PATH folder)
+    # With the version, since a program that runs must not load the module of a newer one.
     set_target_properties(tarvel_media_module PROPERTIES
-        PREFIX "" OUTPUT_NAME media CXX_VISIBILITY_PRESET hidden LIBRARY_OUTPUT_DIRECTORY ${folder})
+        PREFIX "" OUTPUT_NAME media-${PROJECT_VERSION} CXX_VISIBILITY_PRESET hidden
+        LIBRARY_OUTPUT_DIRECTORY
+        "$<PATH:NORMAL_PATH,$<TARGET_FILE_DIR:tarvel-cd-ripper>/${module_beside_program}>")
 endfunction()
 
 # Makes an executable over tarvel_codecs load the module at need. Its own functions
 # take the place of those in the library, which then call for nothing of FFmpeg.
 function(tarvel_load_media_at_need target)
-    get_target_property(module_folder tarvel_media_module LIBRARY_OUTPUT_DIRECTORY)
-    get_target_property(own_folder ${target} RUNTIME_OUTPUT_DIRECTORY)
-    if(NOT own_folder)
-        set(own_folder ${CMAKE_CURRENT_BINARY_DIR})
-    endif()
-    file(RELATIVE_PATH module ${own_folder} ${module_folder}/media.so)
+    set(module "$<TARGET_FILE:tarvel_media_module>,$<TARGET_FILE_DIR:${target}>")
     target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src/codecs/media/LinuxMediaAtNeed.cpp)
-    target_compile_definitions(${target} PRIVATE TARVEL_MEDIA_MODULE="${module}")
+    target_compile_definitions(${target} PRIVATE TARVEL_MEDIA_MODULE="$<PATH:RELATIVE_PATH,${module}>")
     target_link_libraries(${target} PRIVATE tarvel_codecs)
     target_link_options(${target} PRIVATE LINKER:--as-needed)
     add_dependencies(${target} tarvel_media_module)

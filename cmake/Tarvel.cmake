@@ -40,6 +40,8 @@ function(tarvel_library name)
     endif()
 
     add_library(${target} STATIC ${ARG_SOURCES})
+    # Some of it becomes part of a module, too.
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
     target_include_directories(${target} PUBLIC ${include_root})
     target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE tarvel_options ${ARG_PRIVATE})
 endfunction()

@@ -9,12 +9,6 @@
 #include <mutex>
 #include <utility>
 
-namespace {
-
-constexpr std::size_t keptCapacity = 8192; // events; a disc that came in at once took more
-
-} // namespace
-
 /// The part that both threads touch.
 class RipRelay::Channel {
 public:
@@ -174,8 +168,6 @@ bool RipRelay::fetchBatch()
         return true;
     batch.clear();
     next = 0;
-    if (batch.capacity() > keptCapacity)
-        batch = {};
     channel->take(batch);
     return !batch.empty();
 }

@@ -65,6 +65,16 @@ TEST_F(LinuxMediaModuleTest, TheProgramIsNotLinkedWithWhatItBrings)
     EXPECT_FALSE(linked.output.contains("[libav")) << linked.output.toStdString();
 }
 
+// What is shown beside them could take the place of the program's own, or of a library's.
+TEST_F(LinuxMediaModuleTest, ShowsItsTwoFunctionsAlone)
+{
+    const ToolResult shown = runTool(
+        QStringLiteral("nm"), {QStringLiteral("--dynamic"), QStringLiteral("--defined-only"),
+                               QStringLiteral("--format=just-symbols"), QStringLiteral(TARVEL_MEDIA_MODULE)});
+    ASSERT_TRUE(shown.ok()) << shown.errors.toStdString();
+    EXPECT_EQ(shown.output, "newMediaReader\nnewMediaWriter\n");
+}
+
 TEST_F(LinuxMediaModuleTest, OtherFormatsDoNotLoadIt)
 {
     for (const char* name : {"a.flac", "a.ogg", "a.opus", "a.wv", "a.aiff", "a.wav"})
