@@ -44,7 +44,7 @@ TEST_F(UniqueFolder, EachCallHasAFolderOfItsOwn)
 
 TEST_F(UniqueFolder, CallsAtOnceHaveFoldersOfTheirOwn)
 {
-    constexpr int rounds = 200;
+    constexpr int rounds = 1000;
     constexpr int callers = 4;
     std::atomic<int> arrivals = 0;
     std::mutex lock;
