@@ -23,8 +23,8 @@ function(tarvel_add_played_drive)
     add_subdirectory(${PROJECT_SOURCE_DIR}/tests/playeddrive)
 endfunction()
 
-# FFmpeg brings some hundred libraries with it, whose linking takes longer than all
-# else of the program's start. A module of its own brings them once they are needed.
+# FFmpeg brings some hundred libraries with it, whose linking would be a third of the
+# program's start. A module of its own brings them once they are needed.
 include(GNUInstallDirs)
 set(TARVEL_MODULE_FOLDER ${CMAKE_INSTALL_LIBDIR}/tarvel-cd-ripper)
 file(RELATIVE_PATH module_beside_program
